@@ -1,0 +1,75 @@
+// Where nodes of the environment tree live, and how they are made and ended.
+//
+// A node made on its own is one allocation that holds the object and, behind it, its name and value. The nodes of a
+// text that is read are packed into chunks by a Batch. A chunk lives as long as one of its nodes does, whatever
+// environment the node has moved to by then, so no node depends on the environment that it was read into.
+// Texts that grow later get arrays of their own; the flags of a node tell which of its texts it has to free.
+#ifndef ZRCLB_ENV_NODE_STORE_H
+#define ZRCLB_ENV_NODE_STORE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include <zrclb/env.hpp>
+
+namespace Zr {
+
+class CZrEnvNodeStore {
+public:
+    enum Flag : std::uint32_t {
+        InChunk = 1,     // the object lies in a chunk
+        OwnsName = 2,    // m_szName is an array of its own
+        OwnsData = 4,    // m_szData is an array of its own
+        KindData = 8,    // what the virtual conversions answer, without the call
+        KindBlock = 16,  // set for sections too
+        KindSection = 32,
+        View = 64,       // a copy: the children belong to its source
+        LibraryType = 128 // exactly one of the library's own classes, made here
+    };
+
+    // Single nodes. The name is stored as given, without any check. std::bad_alloc on no memory.
+    static CZrEnvDataElement *NewData(std::string_view name); // without value
+    static CZrEnvBlock *NewBlock(std::string_view name);
+
+    // Packs the nodes of one reading into chunks. Ending the batch leaves the nodes alive.
+    class Batch {
+    public:
+        Batch() = default;
+        ~Batch();
+        Batch(const Batch &) = delete;
+        Batch &operator=(const Batch &) = delete;
+
+        // Names and values are stored as given, up to their first zero byte not included: callers pass none.
+        CZrEnvDataElement *MakeData(std::string_view name, std::string_view value);
+        CZrEnvBlock *MakeBlock(std::string_view name);
+        CZrEnvSection *MakeSection(std::string_view name);
+
+    private:
+        struct Place;
+        template <class Node> Node *Make(std::string_view name, std::string_view value, bool hasValue);
+        char *Take(std::size_t size);
+        void CloseChunk();
+
+        char *m_pNext = nullptr;
+        char *m_pEnd = nullptr;
+        void *m_pChunk = nullptr;
+        std::uint32_t m_uNodes = 0; // made in the open chunk
+    };
+
+    // Appends a fresh, detached node to a block's sequence: constant time, no test.
+    static void Append(CZrEnvBlock &block, CZrEnvElement *pElem);
+
+    // Ends all children with all that is below them, without recursion, and leaves the block empty.
+    static void DestroyChildren(CZrEnvBlock &block);
+
+    // Gives the memory of an ended node back to its chunk.
+    static void ReleaseSlot(void *pNode, std::uint32_t uCount = 1);
+
+    static bool IsBlock(const CZrEnvElement *pElem) { return (pElem->m_uFlags & KindBlock) != 0; }
+    static bool IsData(const CZrEnvElement *pElem) { return (pElem->m_uFlags & KindData) != 0; }
+};
+
+} // namespace Zr
+
+#endif

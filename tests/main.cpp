@@ -1,0 +1,7 @@
+// Entry of every test program: loads the library as its loader would, then runs the tests.
+#include <gtest/gtest.h>
+
+int main(int argc, char **argv) {
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
