@@ -18,13 +18,13 @@ namespace Zr {
 class CZrEnvNodeStore {
 public:
     enum Flag : std::uint32_t {
-        InChunk = 1,     // the object lies in a chunk
-        OwnsName = 2,    // m_szName is an array of its own
-        OwnsData = 4,    // m_szData is an array of its own
-        KindData = 8,    // what the virtual conversions answer, without the call
-        KindBlock = 16,  // set for sections too
+        InChunk = 1,    // the object lies in a chunk
+        OwnsName = 2,   // m_szName is an array of its own
+        OwnsData = 4,   // m_szData is an array of its own
+        KindData = 8,   // what the virtual conversions answer, without the call
+        KindBlock = 16, // set for sections too
         KindSection = 32,
-        View = 64,       // a copy: the children belong to its source
+        View = 64,        // a copy: the children belong to its source
         LibraryType = 128 // exactly one of the library's own classes, made here
     };
 
@@ -47,7 +47,8 @@ public:
 
     private:
         struct Place;
-        template <class Node> Node *Make(std::string_view name, std::string_view value, bool hasValue);
+        template <class Node>
+        Node *Make(std::string_view name, std::string_view value, bool hasValue);
         char *Take(std::size_t size);
         void CloseChunk();
 
