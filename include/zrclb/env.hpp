@@ -69,6 +69,7 @@ public:
 
     // Nodes of a file that was read share chunks of memory; releasing one looks at where it lives before it ends it.
     static void operator delete(CZrEnvElement *pElem, std::destroying_delete_t);
+    static void operator delete(void *pMemory) { ::operator delete(pMemory); } // after a constructor that threw
 
 protected:
     virtual bool CheckName(const char *szName);
@@ -85,8 +86,10 @@ private:
     friend class CZrEnvNameIndex;
     friend class CZrEnvNodeStore;
 
+    CZrEnvElement(char *szName, std::uint32_t uFlags) : m_szName(szName), m_uFlags(uFlags) {}
     void SetParent(CZrEnvBlock *pParent) { m_pParent = pParent; }
     void PutName(char *szName);
+    void ReleaseName();
 
     char *m_szName = nullptr;
     CZrEnvBlock *m_pParent = nullptr;
@@ -141,6 +144,8 @@ private:
     friend class CZrEnvWriter;
     friend class CZrEnvNodeStore;
 
+    CZrEnvDataElement(char *szName, char *szData, std::uint32_t uFlags)
+        : CZrEnvElement(szName, uFlags), m_szData(szData) {}
     char *GetBuffer(unsigned int uiSize);
     void PutData(char *szData);
     EZrEnvError StoreText(std::string_view text); // a new exact array in place of the present value
@@ -177,17 +182,22 @@ public:
 private:
     friend class CZrEnv;
     friend class CZrEnvElement;
+    friend class CZrEnvSection;
     friend class CZrEnvReader;
     friend class CZrEnvWriter;
     friend class CZrEnvNameIndex;
     friend class CZrEnvNodeStore;
 
+    CZrEnvBlock(char *szName, std::uint32_t uFlags) : CZrEnvElement(szName, uFlags) {}
     void InsertElementIntoContainer(CZrEnvElement *pElem);
     bool RemoveElementFromContainer(CZrEnvElement *pElem);
     CZrEnvElement *CreateNewElement(const CZrEnvPathElem &rStep, EZrEnvElementType eType);
     CZrEnvElement *Find(std::string_view name, zr_long lPos) const;
+    zr_ulong Count(std::string_view name) const;
+    CZrEnvNameIndex *LookUpIndex() const;
     CZrEnvNameIndex &OrderedIndex() const;
-    void UnlinkFromSequence(CZrEnvElement *pElem);
+    bool Adopt(CZrEnvElement *pElem);
+    void Disown(CZrEnvElement *pElem);
 
     std::uint32_t m_uCount = 0; // children in the sequence
     CZrEnvElement *m_pFirst = nullptr;
@@ -212,9 +222,12 @@ protected:
 
 private:
     friend class CZrEnv;
+    friend class CZrEnvElement;
+    friend class CZrEnvBlock;
     friend class CZrEnvReader;
     friend class CZrEnvNodeStore;
 
+    CZrEnvSection(char *szName, std::uint32_t uFlags) : CZrEnvBlock(szName, uFlags) {}
     void SetEnv(CZrEnv *pEnv) { m_pEnv = pEnv; }
 
     CZrEnv *m_pEnv = nullptr;
@@ -324,6 +337,8 @@ public:
     EZrEnvError Check(const char *szSection, const char *szPath, bool bDirect) const;
 
 private:
+    friend class CZrEnvBlock;
+    friend class CZrEnvElement;
     friend class CZrEnvReader;
     friend class CZrEnvWriter;
     friend class CZrEnvNodeStore;
@@ -335,16 +350,25 @@ private:
     void SetFileMTime(zr_long lTime);
     void AddSubEnv(CZrEnv *pSub);
     void RemoveSubEnv(CZrEnv *pSub);
+    void SetDefault(CZrEnv *pDefault);
     void UnlinkSection(CZrEnvSection *pSection);
+    static bool Detach(CZrEnvSection *pSection);
+    void SectionsChanged();
+    void ForgetRootsBelow(const CZrEnvElement *pElem);
 
+    CZrEnvElement *GetHere(const char *szSection, const char *szPath, bool bDirect, bool &rbAtOnce) const;
+    template <class Look>
+    CZrEnvElement *AlongDefaults(bool bDefaults, Look look) const;
     CZrEnvElement *SearchProc(const char *szSection, const char *szPath, bool bDirect) const;
     CZrEnvElement *CommonSearch(const char *szPath, bool bDirect, CZrEnvBlock *pStart) const;
-    CZrEnvElement *SearchInTree(CZrEnvBlock *pBlock, std::string_view name, zr_long lPos) const;
+    CZrEnvElement *SearchInTree(CZrEnvBlock *pBlock, const CZrEnvPathElem &rStep) const;
     CZrEnvElement *FindElement(const char *szSection, const char *szPath, zr_long lPos, bool bDirect) const;
     CZrEnvElement *SetPosBlock(zr_long lPos, CZrEnvBlock *pBlock) const;
     CZrEnvElement *SetPosEnv(zr_long lPos) const;
     CZrEnvDataElement *ReadableElement(const char *szSection, const char *szPath, bool bDirect) const;
 
+    CZrEnvBlock *CreateStart(const char *szSection, bool bHasSteps);
+    CZrEnvBlock *CreateStepBlock(CZrEnvBlock *pBlock, const CZrEnvPathElem &rStep);
     CZrEnvElement *CreatePath(const char *szSection, const char *szPath, EZrEnvElementType eType);
     CZrEnvDataElement *GetOrCreateEnvDataElement(const char *szSection, const char *szPath);
     bool ReplaceElement(CZrEnvElement *pOld, CZrEnvElement *pNew);
@@ -362,7 +386,10 @@ private:
     CZrEnvElement *m_pSubEnvRoot = nullptr;
     CZrEnv *m_pDefaultEnv = nullptr;
     std::vector<CZrEnv *> m_SubEnvs;
-    zr_long m_lErrorLine = 0; // 0: the last read did not fail
+    std::vector<CZrEnv *> m_Holders;                    // environments whose default pointer leads here, counted or not
+    mutable CZrEnvNameIndex *m_pSectionIndex = nullptr; // built at a look-up among many sections
+    bool m_bView = false;                               // a copy: owns nothing
+    zr_long m_lErrorLine = 0;                           // 0: the last read did not fail
     zr_long m_lErrorColumn = 0;
 };
 

@@ -28,7 +28,7 @@ public:
         LibraryType = 128 // exactly one of the library's own classes, made here
     };
 
-    // Single nodes. The name is stored as given, without any check. std::bad_alloc on no memory.
+    // Single nodes. The name is stored as given, without any check. Null on no memory.
     static CZrEnvDataElement *NewData(std::string_view name); // without value
     static CZrEnvBlock *NewBlock(std::string_view name);
 

@@ -1,0 +1,89 @@
+// The children of one block by name.
+//
+// Two forms. As long as the order among namesakes is that of the sequence, a hash table answers look-ups; it is a mere
+// shortcut, and is dropped when memory runs out. A rename, a replacement or an insertion before an element can make the
+// order among namesakes differ from the sequence: before such a step the ordered form is built, which keeps for each child
+// an entry in a tree sorted by name, and from then on it is the truth about order and counts.
+//
+// In the ordered form an entry can stay behind at its old place when an element gets a new name. Entries are compared by the
+// names that their elements bear at that time, and no element dies before all of its entries are dropped.
+#ifndef ZRCLB_ENV_NAME_INDEX_H
+#define ZRCLB_ENV_NAME_INDEX_H
+
+#include <cstddef>
+#include <cstdint>
+#include <set>
+#include <string_view>
+#include <vector>
+
+#include <zrclb/env.hpp>
+
+namespace Zr {
+
+class CZrEnvNameIndex {
+public:
+    // The hash form over a sequence of siblings. std::bad_alloc on no memory.
+    explicit CZrEnvNameIndex(CZrEnvElement *pFirst);
+    CZrEnvNameIndex(const CZrEnvNameIndex &other) = delete;
+    CZrEnvNameIndex &operator=(const CZrEnvNameIndex &other) = delete;
+    ~CZrEnvNameIndex();
+
+    // Gives up the hash form for the ordered one. On std::bad_alloc the hash form stays.
+    void MakeOrdered(CZrEnvElement *pFirst);
+    bool IsOrdered() const { return m_bOrdered; }
+
+    // Behind all namesakes. On std::bad_alloc nothing is inserted; a hash form is then no longer complete.
+    void Insert(CZrEnvElement *pElem);
+    // Ordered form only: before the entry of pBefore, if the name fits there.
+    void InsertBefore(CZrEnvElement *pElem, CZrEnvElement *pBefore);
+    // Takes out the entry found under the present name; false if there is none.
+    bool Remove(CZrEnvElement *pElem);
+    // Ordered form only: drops what entries an element has left, at whatever place.
+    void Forget(CZrEnvElement *pElem);
+    // Ordered form only: pNew takes over the memory of pOld's entry and goes behind its own namesakes. Identical arguments
+    // move an element behind its namesakes. Needs memory only if pOld's entry is not found.
+    void Replace(CZrEnvElement *pOld, CZrEnvElement *pNew);
+
+    // The lPos-th of that name, from 1; less than 1 counts as 1.
+    CZrEnvElement *Find(std::string_view name, zr_long lPos) const;
+    std::size_t Count(std::string_view name) const;
+    std::size_t EntryCount() const { return m_Ordered.size(); } // ordered form only
+
+private:
+    struct Less {
+        using is_transparent = void;
+        bool operator()(const CZrEnvElement *pA, const CZrEnvElement *pB) const;
+        bool operator()(const CZrEnvElement *pA, std::string_view b) const;
+        bool operator()(std::string_view a, const CZrEnvElement *pB) const;
+    };
+    using Ordered = std::multiset<CZrEnvElement *, Less>;
+
+    // Several children of one name, in order, from `head` on.
+    struct Group {
+        std::vector<CZrEnvElement *> elems;
+        std::size_t head = 0;
+        std::size_t size() const { return elems.size() - head; }
+    };
+    // 0 for a free slot, the address of an element, or that of a group plus 1.
+    using Slot = std::uintptr_t;
+
+    static CZrEnvElement *ElementIn(Slot slot) { return reinterpret_cast<CZrEnvElement *>(slot); }
+    static Group *GroupIn(Slot slot) { return (slot & 1) ? reinterpret_cast<Group *>(slot - 1) : nullptr; }
+    static const char *NameIn(Slot slot);
+    std::size_t Place(std::string_view name) const;
+    void InsertHashed(CZrEnvElement *pElem);
+    bool RemoveHashed(CZrEnvElement *pElem);
+    void CloseGap(std::size_t gap);
+    void Grow();
+    void DropHash();
+    Ordered::iterator EntryOf(CZrEnvElement *pElem);
+
+    bool m_bOrdered = false;
+    std::size_t m_uUsed = 0;
+    std::vector<Slot> m_Slots; // a power of two, at most half of them used
+    Ordered m_Ordered;
+};
+
+} // namespace Zr
+
+#endif

@@ -1,0 +1,194 @@
+// Chunks of nodes, single nodes, and the end of trees.
+#include "env/node_store.h"
+
+#include <atomic>
+#include <cstring>
+#include <new>
+
+#include "env/name_index.h"
+
+namespace Zr {
+
+namespace {
+
+// A chunk starts on a multiple of its span, so a node's address tells the chunk that it lies in. The size leaves room
+// for the allocator's own words, so that neighbouring chunks can follow each other without a hole.
+constexpr std::size_t kChunkSpan = 64 * 1024;
+constexpr std::size_t kChunkSize = kChunkSpan - 64;
+constexpr std::size_t kGrain = alignof(void *);
+
+// Longer texts of a batch get arrays of their own.
+constexpr std::size_t kLongestInline = 2048;
+
+// What an open chunk counts beside its nodes, so that it outlives the nodes that end before it is closed.
+constexpr std::uint32_t kOpen = 1u << 30;
+
+struct Chunk {
+    std::atomic<std::uint32_t> live;
+};
+
+constexpr std::size_t Rounded(std::size_t size) {
+    return (size + kGrain - 1) / kGrain * kGrain;
+}
+
+Chunk *ChunkOf(void *pNode) {
+    return reinterpret_cast<Chunk *>(reinterpret_cast<std::uintptr_t>(pNode) & ~(std::uintptr_t{kChunkSpan} - 1));
+}
+
+void Release(Chunk *pChunk, std::uint32_t uCount) {
+    if (pChunk->live.fetch_sub(uCount, std::memory_order_acq_rel) == uCount) {
+        pChunk->~Chunk();
+        ::operator delete (pChunk, std::align_val_t{kChunkSpan});
+    }
+}
+
+char *PutText(char *pTo, std::string_view text) {
+    if (!text.empty()) // the text of an empty view may be null
+        std::memcpy(pTo, text.data(), text.size());
+    pTo[text.size()] = '\0';
+    return pTo;
+}
+
+char *OwnText(std::string_view text) {
+    return PutText(new char[text.size() + 1], text);
+}
+
+} // namespace
+
+CZrEnvNodeStore::Batch::~Batch() {
+    CloseChunk();
+}
+
+void CZrEnvNodeStore::Batch::CloseChunk() {
+    if (m_pChunk)
+        Release(static_cast<Chunk *>(m_pChunk), kOpen - m_uNodes);
+    m_pChunk = nullptr;
+    m_uNodes = 0;
+}
+
+// A part of a chunk for one node. Requests are far smaller than a chunk.
+char *CZrEnvNodeStore::Batch::Take(std::size_t size) {
+    size = Rounded(size);
+    if (static_cast<std::size_t>(m_pEnd - m_pNext) < size) {
+        void *pMemory = ::operator new (kChunkSize, std::align_val_t{kChunkSpan});
+        CloseChunk();
+        m_pChunk = new (pMemory) Chunk{{kOpen}};
+        m_pNext = static_cast<char *>(pMemory) + Rounded(sizeof(Chunk));
+        m_pEnd = static_cast<char *>(pMemory) + kChunkSize;
+    }
+    char *pTaken = m_pNext;
+    m_pNext += size;
+    return pTaken;
+}
+
+CZrEnvDataElement *CZrEnvNodeStore::Batch::MakeData(std::string_view name, std::string_view value) {
+    const bool ownName = name.size() > kLongestInline;
+    const bool ownValue = value.size() > kLongestInline;
+    const std::size_t nameSize = ownName ? 0 : name.size() + 1;
+    const std::size_t valueSize = ownValue ? 0 : value.size() + 1;
+    char *pPlace = Take(sizeof(CZrEnvDataElement) + nameSize + valueSize);
+    char *pText = pPlace + sizeof(CZrEnvDataElement);
+    char *szName = ownName ? OwnText(name) : PutText(pText, name);
+    char *szValue = nullptr;
+    try {
+        szValue = ownValue ? OwnText(value) : PutText(pText + nameSize, value);
+    } catch (...) {
+        if (ownName)
+            delete[] szName;
+        throw;
+    }
+    ++m_uNodes;
+    return new (pPlace) CZrEnvDataElement(
+        szName, szValue, InChunk | LibraryType | KindData | (ownName ? OwnsName : 0u) | (ownValue ? OwnsData : 0u));
+}
+
+CZrEnvBlock *CZrEnvNodeStore::Batch::MakeBlock(std::string_view name) {
+    const bool ownName = name.size() > kLongestInline;
+    char *pPlace = Take(sizeof(CZrEnvBlock) + (ownName ? 0 : name.size() + 1));
+    char *szName = ownName ? OwnText(name) : PutText(pPlace + sizeof(CZrEnvBlock), name);
+    ++m_uNodes;
+    return new (pPlace) CZrEnvBlock(szName, InChunk | LibraryType | KindBlock | (ownName ? OwnsName : 0u));
+}
+
+CZrEnvSection *CZrEnvNodeStore::Batch::MakeSection(std::string_view name) {
+    const bool ownName = name.size() > kLongestInline;
+    char *pPlace = Take(sizeof(CZrEnvSection) + (ownName ? 0 : name.size() + 1));
+    char *szName = ownName ? OwnText(name) : PutText(pPlace + sizeof(CZrEnvSection), name);
+    ++m_uNodes;
+    return new (pPlace)
+        CZrEnvSection(szName, InChunk | LibraryType | KindBlock | KindSection | (ownName ? OwnsName : 0u));
+}
+
+CZrEnvDataElement *CZrEnvNodeStore::NewData(std::string_view name) {
+    void *pPlace = ::operator new(sizeof(CZrEnvDataElement) + name.size() + 1, std::nothrow);
+    if (!pPlace)
+        return nullptr;
+    char *szName = PutText(static_cast<char *>(pPlace) + sizeof(CZrEnvDataElement), name);
+    return ::new (pPlace) CZrEnvDataElement(szName, nullptr, LibraryType | KindData);
+}
+
+CZrEnvBlock *CZrEnvNodeStore::NewBlock(std::string_view name) {
+    void *pPlace = ::operator new(sizeof(CZrEnvBlock) + name.size() + 1, std::nothrow);
+    if (!pPlace)
+        return nullptr;
+    char *szName = PutText(static_cast<char *>(pPlace) + sizeof(CZrEnvBlock), name);
+    return ::new (pPlace) CZrEnvBlock(szName, LibraryType | KindBlock);
+}
+
+void CZrEnvNodeStore::Append(CZrEnvBlock &block, CZrEnvElement *pElem) {
+    pElem->m_pParent = &block;
+    pElem->m_pSucc = nullptr;
+    if (block.m_pLast)
+        block.m_pLast->m_pSucc = pElem;
+    else
+        block.m_pFirst = pElem;
+    block.m_pLast = pElem;
+    ++block.m_uCount;
+}
+
+void CZrEnvNodeStore::ReleaseSlot(void *pNode, std::uint32_t uCount) {
+    Release(ChunkOf(pNode), uCount);
+}
+
+// Children of a block take its place in the walk, so the depth of the tree needs no memory. Nodes that follow one another
+// mostly lie in one chunk: it is told of them once.
+void CZrEnvNodeStore::DestroyChildren(CZrEnvBlock &block) {
+    CZrEnvElement *pNext = block.m_pFirst;
+    block.m_pFirst = block.m_pLast = nullptr;
+    block.m_uCount = 0;
+    delete block.m_pIndex;
+    block.m_pIndex = nullptr;
+
+    Chunk *pChunk = nullptr;
+    std::uint32_t uEnded = 0;
+    while (pNext) {
+        CZrEnvElement *pElem = pNext;
+        pNext = pElem->m_pSucc;
+        CZrEnvBlock *pBlock = IsBlock(pElem) ? static_cast<CZrEnvBlock *>(pElem) : nullptr;
+        if (pBlock && pBlock->m_pFirst && !(pBlock->m_uFlags & View)) {
+            pBlock->m_pLast->m_pSucc = pNext;
+            pNext = pBlock->m_pFirst;
+            pBlock->m_pFirst = pBlock->m_pLast = nullptr;
+        }
+        constexpr std::uint32_t packed = InChunk | LibraryType;
+        if ((pElem->m_uFlags & packed) != packed) {
+            delete pElem;
+            continue;
+        }
+        if (ChunkOf(pElem) != pChunk) {
+            if (pChunk)
+                Release(pChunk, uEnded);
+            pChunk = ChunkOf(pElem);
+            uEnded = 0;
+        }
+        if (pBlock)
+            pBlock->~CZrEnvBlock();
+        else
+            static_cast<CZrEnvDataElement *>(pElem)->CZrEnvDataElement::~CZrEnvDataElement();
+        ++uEnded;
+    }
+    if (pChunk)
+        Release(pChunk, uEnded);
+}
+
+} // namespace Zr
