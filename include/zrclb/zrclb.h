@@ -1,0 +1,14 @@
+/* All plain functions and records of the library. C17 and C++20. */
+#ifndef ZRCLB_ZRCLB_H
+#define ZRCLB_ZRCLB_H
+
+#include <zrclb/env.h>
+#include <zrclb/heap.h>
+#include <zrclb/list.h>
+#include <zrclb/queue.h>
+#include <zrclb/report.h>
+#include <zrclb/sort.h>
+#include <zrclb/str.h>
+#include <zrclb/types.h>
+
+#endif

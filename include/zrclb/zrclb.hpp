@@ -1,0 +1,8 @@
+// All of the library: the plain functions and records, and the classes. C++20.
+#ifndef ZRCLB_ZRCLB_HPP
+#define ZRCLB_ZRCLB_HPP
+
+#include <zrclb/env.hpp>
+#include <zrclb/zrclb.h>
+
+#endif
