@@ -1,0 +1,56 @@
+// The time of day, its calendar and its text.
+#ifndef ZR_PLATFORM_CLOCK_H
+#define ZR_PLATFORM_CLOCK_H
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+#include "platform/services.h"
+
+namespace zr::platform {
+
+struct Calendar {
+    int second;   // 0..59
+    int minute;   // 0..59
+    int hour;     // 0..23
+    int day;      // of the month, 1..31
+    int month;    // 1..12
+    int year;     // as written, 1970..3001
+    int week_day; // 0 Sunday .. 6 Saturday
+    int year_day; // 0..365
+    bool summer;  // daylight saving time is in force
+};
+
+// Range of the times that have a calendar, in seconds since 1970 UTC, both ends included.
+inline constexpr std::int64_t first_time = 0;
+inline constexpr std::int64_t last_time = 32535244799;
+
+// Seconds since 1970 UTC.
+inline std::int64_t Now() {
+    return services.now();
+}
+
+// `time` in the zone of the process. False, with `out` untouched, outside first_time..last_time. Threads: any.
+bool LocalCalendar(std::int64_t time, Calendar &out);
+
+// `time` as "Thu Jan  1 01:00:00 1970\n": always 24 characters, a line feed and the terminator, English, a day below 10
+// padded with a blank. The empty text where LocalCalendar fails. Threads: any.
+inline void CtimeText(std::int64_t time, char (&out)[26]) {
+    static constexpr char days[][4] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+    static constexpr char months[][4] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                         "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    Calendar c;
+    out[0] = 0;
+    if (!LocalCalendar(time, c))
+        return;
+    char text[96]; // room for any numbers; those of a calendar fill 25 characters
+    std::snprintf(text, sizeof text, "%s %s %2d %02d:%02d:%02d %d\n", days[c.week_day], months[c.month - 1], c.day,
+                  c.hour, c.minute, c.second, c.year);
+    std::memcpy(out, text, sizeof out - 1);
+    out[sizeof out - 1] = 0;
+}
+
+} // namespace zr::platform
+
+#endif

@@ -1,0 +1,28 @@
+// The library's own module, the running program, and the runtime's reporter of bad arguments.
+#ifndef ZR_PLATFORM_MODULES_H
+#define ZR_PLATFORM_MODULES_H
+
+#include <cstddef>
+
+namespace zr::platform {
+
+// The handle of the library's module (on Linux the address at which it is loaded), as stored at load; null before.
+// Threads: stored once at load, read by any.
+void StoreModule(void *module);
+void *StoredModule();
+
+// Path of the running program in the library's form into out[0..size-1]. Answers its length, terminator not counted; 0 with
+// an empty text (if size is not 0) when it isn't known or doesn't fit.
+std::size_t ProgramPath(char *out, std::size_t size);
+
+// Called when the C library is handed a bad argument; either text may be null. After it the checked function fails by its
+// own rule.
+using InvalidParameterReporter = void (*)(const wchar_t *expression, const wchar_t *function);
+
+// Makes `reporter` the C library's handler for the whole process; null brings back the one that was there before the first
+// call. On Linux the C library has no such check and never calls it. Threads: at load and unload only.
+void InstallInvalidParameterReporter(InvalidParameterReporter reporter);
+
+} // namespace zr::platform
+
+#endif
