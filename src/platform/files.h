@@ -35,8 +35,8 @@ inline bool GetFileStatus(const char *path, FileStatus &out) {
 bool HostPath(const char *path, char *out, std::size_t size);
 
 // Makes a new empty file beside `target`, in the same folder, with a name that nothing there had, and writes its path in
-// the library's form to out[0..size-1]. Only the present user may read or write it. On failure `out` is empty if size is
-// not 0, and no file is left.
+// the library's form to out[0..size-1]. On Linux only the present user may read or write it. On failure `out` is empty if
+// size is not 0, and no file is left.
 bool CreateBeside(const char *target, char *out, std::size_t size);
 
 // Writes what the stream holds in memory and makes the system put the file's content on the disk. The stream stays open.
@@ -48,13 +48,14 @@ bool MoveOver(const char *from, const char *to);
 
 // The file that `path` stands for in the end, in the library's form, into out[0..size-1]: for a symbolic link its target,
 // through any number of further links up to 40; for everything else, missing files included, `path` itself. The target
-// of the last link need not exist. On failure (a ring of links, no room) `out` is empty if size is not 0.
+// of the last link need not exist on Linux; on Windows it must. On failure (a ring of links, no room) `out` is empty if size
+// is not 0.
 bool FollowLinks(const char *path, char *out, std::size_t size);
 
 // Gives the file `to` the permissions (on Windows the attributes read-only, hidden and system) of the file `from`.
 bool CopyMode(const char *from, const char *to);
 
-// Removes the file `path`; not a folder.
+// Removes the file or link `path`, write-protected or not; fails for a folder.
 bool RemoveFile(const char *path);
 
 } // namespace zr::platform
