@@ -5,6 +5,7 @@
 #include <zrclb/env.h>
 #include <zrclb/heap.h>
 #include <zrclb/list.h>
+#include <zrclb/paths.h>
 #include <zrclb/queue.h>
 #include <zrclb/report.h>
 #include <zrclb/sort.h>
