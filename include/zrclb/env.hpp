@@ -164,7 +164,8 @@ private:
         : CZrEnvElement(szName, uFlags), m_szData(szData) {}
     char *GetBuffer(unsigned int uiSize);
     void PutData(char *szData);
-    EZrEnvError StoreText(std::string_view text); // a new exact array in place of the present value
+    EZrEnvError StoreText(std::string_view text); // in place of the present value, which stays on no memory
+    bool IsWritable() const;                      // whether the present text may be overwritten where it is
 
     char *m_szData = nullptr;
 };
