@@ -1,0 +1,16 @@
+# Warnings, sanitizers and linking that hold for everything the project compiles itself.
+
+set(zrclb_warnings -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(ZRCLB_WERROR)
+  list(APPEND zrclb_warnings -Werror)
+endif()
+
+if(ZRCLB_SANITIZE)
+  add_compile_options(-fsanitize=${ZRCLB_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${ZRCLB_SANITIZE})
+endif()
+
+# The compiler's runtime goes into every Windows binary: the library must need nothing but system libraries.
+if(MINGW)
+  add_link_options(-static)
+endif()

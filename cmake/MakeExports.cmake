@@ -1,0 +1,47 @@
+# Writes the linker's export file from the export list and the symbols that the library's objects define.
+#   cmake -D NM=... -D OBJECTS=<file with one object a line> -D EXPORTS=<list> -D OUTPUT=<*.map|*.def> -P MakeExports.cmake
+# A listed function that no object defines is left out here; the test of the library finds it missing.
+cmake_minimum_required(VERSION 3.25)
+include(${CMAKE_CURRENT_LIST_DIR}/ExportList.cmake)
+read_export_list("${EXPORTS}")
+
+# "address type name": weak (inline) members stay with their callers, tables and type information may be weak.
+execute_process(COMMAND ${NM} --defined-only --extern-only --format=posix @${OBJECTS}
+                OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+string(REPLACE "\n" ";" symbols "${symbols}")
+
+set(code "")
+set(data "")
+foreach(line IN LISTS symbols)
+  if(NOT line MATCHES "^([^ ]+) ([A-Za-z]) ")
+    continue()
+  endif()
+  set(name "${CMAKE_MATCH_1}")
+  set(type "${CMAKE_MATCH_2}")
+  if(name IN_LIST functions)
+    list(APPEND code "${name}")
+  elseif(name MATCHES "${class_symbols}")
+    if(name MATCHES "^_ZT")
+      list(APPEND data "${name}")
+    elseif(type STREQUAL "T")
+      list(APPEND code "${name}")
+    endif()
+  endif()
+endforeach()
+list(SORT code)
+list(SORT data)
+list(REMOVE_DUPLICATES data)
+
+if(OUTPUT MATCHES "\\.def$")
+  list(TRANSFORM data APPEND " DATA")
+  list(JOIN code "\n" code)
+  list(JOIN data "\n" data)
+  set(text "LIBRARY zrclb.dll\nEXPORTS\n${code}\n${data}\n")
+else()
+  set(text "{\n")
+  foreach(name IN LISTS code data)
+    string(APPEND text "  global: ${name};\n")
+  endforeach()
+  string(APPEND text "  local: *;\n};\n")
+endif()
+file(WRITE "${OUTPUT}" "${text}")
