@@ -1,0 +1,32 @@
+// One made-up model, the same leaves in the notation of each library that is measured.
+//
+// A section has 20 blocks of 50 leaves; in every fifth block 25 of them lie one or two levels deeper. Of the leaves 40 % are
+// doubles, 30 % integers, 20 % texts and 10 % lists of eight doubles. The same seed gives the same model everywhere.
+#ifndef ZRCLB_BENCH_MODEL_TEXT_H
+#define ZRCLB_BENCH_MODEL_TEXT_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+// The way to one double of the model.
+struct Target {
+    std::vector<std::string> steps; // section first
+    double value;
+};
+
+struct ModelText {
+    std::size_t leaves = 0;
+    std::string env;             // the library's own format, not wrapped
+    std::string xml;             // elements with text content
+    std::string info;            // property_tree's INFO
+    std::vector<Target> targets; // up to 100,000 of the doubles, in random order
+};
+
+ModelText MakeModel(int sections);
+
+} // namespace bench
+
+#endif
