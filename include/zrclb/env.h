@@ -153,8 +153,8 @@ ZR_API int env_read_from_string(const char *text, zr_env env) ZR_NOEXCEPT;
 /* As env_read_from_string, with the given mode. No lock. */
 ZR_API int env_read_from_string_ex(const char *text, zr_env env, zr_long mode) ZR_NOEXCEPT;
 
-/* What env_write_file would write, as a text in memory with line ends LF, for env_free_string. Null: null env, no
-   memory. No lock. */
+/* What env_write_file would write, byte for byte (line ends are CR LF), as a text for env_free_string. Null: null
+   env, no memory. No lock. */
 ZR_API char *env_write_to_string(zr_env env) ZR_NOEXCEPT;
 
 /* As env_write_to_string, wrapped if wrap is not 0. No lock. */
@@ -174,17 +174,17 @@ ZR_API int env_get_error_position(zr_env env, zr_long *line, zr_long *column) ZR
    output, or an element without value. On -1, -4 and -10 a single output keeps what it held. */
 
 /* Copies the value as text into text[0..capacity-1], terminator included; -7 when it does not fit. */
-ZR_API int env_get(zr_env env, const char *section, const char *path, int direct, zr_long capacity, char *text)
-                   ZR_NOEXCEPT;
+ZR_API int env_get(zr_env env, const char *section, const char *path, int direct, zr_long capacity,
+                   char *text) ZR_NOEXCEPT;
 
 /* The same as env_get. */
-ZR_API int env_get_string(zr_env env, const char *section, const char *path, int direct, zr_long capacity, char *text)
-                          ZR_NOEXCEPT;
+ZR_API int env_get_string(zr_env env, const char *section, const char *path, int direct, zr_long capacity,
+                          char *text) ZR_NOEXCEPT;
 
 /* Copies the value as bytes into data. *size is its capacity before the call and the number of bytes afterwards. A
    value that was not stored as bytes gives its text, with a terminator if there is room. */
-ZR_API int env_get_bin(zr_env env, const char *section, const char *path, int direct, char *data, zr_long *size)
-                       ZR_NOEXCEPT;
+ZR_API int env_get_bin(zr_env env, const char *section, const char *path, int direct, char *data,
+                       zr_long *size) ZR_NOEXCEPT;
 
 /* The value as a number. A text that begins with a number and goes on otherwise stores it, and gives -5. */
 ZR_API int env_get_double(zr_env env, const char *section, const char *path, int direct, double *value) ZR_NOEXCEPT;
@@ -195,12 +195,12 @@ ZR_API int env_get_long(zr_env env, const char *section, const char *path, int d
 
 /* A list of numbers into values[0..*count-1]. *count is the capacity before the call and the number of items
    afterwards; 0 on -1 and -4. */
-ZR_API int env_get_doubles(zr_env env, const char *section, const char *path, int direct, zr_long *count, double
-                           *values) ZR_NOEXCEPT;
+ZR_API int env_get_doubles(zr_env env, const char *section, const char *path, int direct, zr_long *count,
+                           double *values) ZR_NOEXCEPT;
 
 /* A list of whole numbers, as env_get_doubles. */
-ZR_API int env_get_longs(zr_env env, const char *section, const char *path, int direct, zr_long *count, zr_long *values)
-                         ZR_NOEXCEPT;
+ZR_API int env_get_longs(zr_env env, const char *section, const char *path, int direct, zr_long *count,
+                         zr_long *values) ZR_NOEXCEPT;
 
 /* A list of texts, each copied into items[i][0..width-1] with its terminator; *count as in env_get_doubles. */
 ZR_API int env_get_strings(zr_env env, const char *section, const char *path, int direct, zr_long *count, zr_long width,
@@ -208,18 +208,18 @@ ZR_API int env_get_strings(zr_env env, const char *section, const char *path, in
 
 /* Stores a pointer to the element's own text, which is null for an element without value; see 7. A null env or text
    gives 0. */
-ZR_API int env_get_reference(zr_env env, const char *section, const char *path, int direct, const char **text)
-                             ZR_NOEXCEPT;
+ZR_API int env_get_reference(zr_env env, const char *section, const char *path, int direct,
+                             const char **text) ZR_NOEXCEPT;
 
 /* ---- Other queries */
 
-/* Of a list, with defaults: the number of its items, and the bytes that the longest item needs as a text,
-   terminator included. An output may be null; both are 0 on failure. 0, -1, -4, -5, -10. */
-ZR_API int env_get_array_size(zr_env env, const char *section, const char *path, int direct, zr_long *count, zr_long
-                              *width) ZR_NOEXCEPT;
+/* Of a list, with defaults: the number of its items, and the length of the longest, terminator not counted:
+   env_get_strings needs one byte more as its width. An output may be null; both are 0 on failure. 0, -1, -4, -10. */
+ZR_API int env_get_array_size(zr_env env, const char *section, const char *path, int direct, zr_long *count,
+                              zr_long *width) ZR_NOEXCEPT;
 
-/* The bytes that env_get needs for the value, terminator included; with defaults. 0 when there is no such data
-   element, -10 for a null env. */
+/* The length of the value as a text, terminator not counted: env_get needs one byte more. With defaults. 0 when
+   there is no such data element or it has no value, -10 for a null env. */
 ZR_API int env_data_length(zr_env env, const char *section, const char *path, int direct) ZR_NOEXCEPT;
 
 /* 1 if there is such an element, with defaults; else 0. */
@@ -250,7 +250,7 @@ ZR_API int env_check(zr_env env, const char *section, const char *path, int dire
    element in the midst of the path becomes an empty block, a block at its end becomes a data element and loses what
    is in it. 0, or -10: null env or input, a path that leads to no data element. */
 
-/* Stores a text. An empty path: zr_error "Empty path passed to env_put_core", -6. */
+/* Stores a text. An empty path, also with a null env: zr_error "Empty path passed to env_put_core", -6. */
 ZR_API int env_put(zr_env env, const char *section, const char *path, const char *text) ZR_NOEXCEPT;
 
 /* The same as env_put. */
@@ -266,16 +266,16 @@ ZR_API int env_put_double(zr_env env, const char *section, const char *path, dou
 ZR_API int env_put_long(zr_env env, const char *section, const char *path, zr_long value) ZR_NOEXCEPT;
 
 /* Stores values[0..count-1] as a list. A count below 1: -10, and nothing is made. */
-ZR_API int env_put_doubles(zr_env env, const char *section, const char *path, zr_long count, const double *values)
-                           ZR_NOEXCEPT;
+ZR_API int env_put_doubles(zr_env env, const char *section, const char *path, zr_long count,
+                           const double *values) ZR_NOEXCEPT;
 
 /* As env_put_doubles. */
-ZR_API int env_put_longs(zr_env env, const char *section, const char *path, zr_long count, const zr_long *values)
-                         ZR_NOEXCEPT;
+ZR_API int env_put_longs(zr_env env, const char *section, const char *path, zr_long count,
+                         const zr_long *values) ZR_NOEXCEPT;
 
 /* As env_put_doubles, with texts. */
-ZR_API int env_put_strings(zr_env env, const char *section, const char *path, zr_long count, const char **items)
-                           ZR_NOEXCEPT;
+ZR_API int env_put_strings(zr_env env, const char *section, const char *path, zr_long count,
+                           const char **items) ZR_NOEXCEPT;
 
 /* Gives the addressed element a new name. 0; -4 not found; -10 the name is refused. */
 ZR_API int env_rename(zr_env env, const char *section, const char *path, const char *name) ZR_NOEXCEPT;
@@ -285,8 +285,8 @@ ZR_API int env_delete(zr_env env, const char *section, const char *path) ZR_NOEX
 
 /* With a path, or on a subenvironment: puts a new data element without value in front of the addressed element, in
    the same block; it is not written to a file before it has a value. With a null path on an environment: puts a
-   new, empty section in front of the named one. 0; -4 there is no such element or section; -10 the name is refused,
-   or the element is in no block. The element is looked up with defaults. */
+   new, empty section in front of the named one. A name that is refused leaves the new one without name. 0; -4 there
+   is no such element or section; -10 the element is in no block. The element is looked up with defaults. */
 ZR_API int env_insert_before(zr_env env, const char *section, const char *path, const char *name) ZR_NOEXCEPT;
 
 /* Joins texts into a path in buffer[0..size-1]. format is the first text, not a format; further texts follow, all
@@ -302,34 +302,36 @@ ZR_API int env_create_path(zr_env env, zr_long size, char *buffer, const char *f
 
 /* The child at position pos, counted from 1; 0 is the addressed block itself. Stores pointers to its own name and
    text, see 7: -1 a data element; -2 a block, text is left alone; -4 not found; -10. An output may be null. */
-ZR_API int env_get_core(zr_env env, const char *section, const char *path, int direct, zr_long pos, zr_long *id, const
-                        char **name, const char **text) ZR_NOEXCEPT;
+ZR_API int env_get_core(zr_env env, const char *section, const char *path, int direct, zr_long pos, zr_long *id,
+                        const char **name, const char **text) ZR_NOEXCEPT;
 
 /* The same with copies: -1 a data element; -2 a block; -4 not found, or pos below 1; -7 a copy does not fit, and is
-   empty then; -10 a data element without value, or another fault. A null name or text is not filled, and without
-   any the result for a data element is 0. An element of an unknown kind: zr_message "unbekanntes env-Element", -10. */
-ZR_API int env_get_pos(zr_env env, const char *section, const char *path, int direct, zr_long pos, zr_long *id, zr_long
-                       nameCapacity, char *name, zr_long textCapacity, char *text) ZR_NOEXCEPT;
+   empty then; -10 a data element without value, a block without name. A null name or text is not filled; with a
+   null text the result for a data element, with a null name that for a block, is 0. An element of an unknown kind:
+   zr_message "unbekanntes env-Element", -10. */
+ZR_API int env_get_pos(zr_env env, const char *section, const char *path, int direct, zr_long pos, zr_long *id,
+                       zr_long nameCapacity, char *name, zr_long textCapacity, char *text) ZR_NOEXCEPT;
 
 /* Starts an iteration at the first child, and copies its name and, for a data element with a value, its text: -1 a
-   data element; -2 a block; -4 none; -7 one does not fit. There is one iteration for each handle; a second call
-   starts it anew, nested ones need subenvironments of their own. Whoever deletes the element at which an iteration
-   stands must not go on with it. A null name or text is not filled. */
-ZR_API int env_get_first_core(zr_env env, const char *section, const char *path, int direct, zr_long *id, zr_long
-                              nameCapacity, char *name, zr_long textCapacity, char *text) ZR_NOEXCEPT;
+   data element; -2 a block; -4 none; -7 one does not fit, where the text and id may be left alone; -10 a null
+   buffer for what is there to copy. There is one iteration for each handle; a second call starts it anew, nested
+   ones need subenvironments of their own. Whoever deletes the element at which an iteration stands must not go on
+   with it. */
+ZR_API int env_get_first_core(zr_env env, const char *section, const char *path, int direct, zr_long *id,
+                              zr_long nameCapacity, char *name, zr_long textCapacity, char *text) ZR_NOEXCEPT;
 
 /* Goes on to the next child, as env_get_first_core; also after -7. -4 when there is none, which ends the iteration;
    -10 when there is no iteration. */
-ZR_API int env_get_next_core(zr_env env, zr_long nameCapacity, char *name, zr_long textCapacity, char *text)
-                             ZR_NOEXCEPT;
+ZR_API int env_get_next_core(zr_env env, zr_long nameCapacity, char *name, zr_long textCapacity,
+                             char *text) ZR_NOEXCEPT;
 
 /* The same as env_get_first_core; ext_data is not looked at. */
-ZR_API int env_get_first(zr_env env, const char *section, const char *path, int direct, zr_long *id, zr_long
-                         nameCapacity, char *name, zr_long textCapacity, char *text, int ext_data) ZR_NOEXCEPT;
+ZR_API int env_get_first(zr_env env, const char *section, const char *path, int direct, zr_long *id,
+                         zr_long nameCapacity, char *name, zr_long textCapacity, char *text, int ext_data) ZR_NOEXCEPT;
 
 /* The same as env_get_next_core; ext_data is not looked at. */
-ZR_API int env_get_next(zr_env env, zr_long nameCapacity, char *name, zr_long textCapacity, char *text, int ext_data)
-                        ZR_NOEXCEPT;
+ZR_API int env_get_next(zr_env env, zr_long nameCapacity, char *name, zr_long textCapacity, char *text,
+                        int ext_data) ZR_NOEXCEPT;
 
 /* ---- Walks
 
@@ -342,38 +344,41 @@ typedef void (*env_callback)(zr_env sub, const char *section, const char *path, 
 
 /* Calls back for each child of the addressed block, in sequence, with its path from the section: path, name and
    position among its namesakes. With a null section on an environment: for each section, with a null path. Children
-   below are not entered. A path is cut at 10239 characters. The successor is looked up before the callback, so the
-   callback may change, rename or delete its own element, but not delete the next one. 0, also for an environment
-   without sections; -4 the block is not there or empty; -10 null env or callback. */
-ZR_API int env_traverse(zr_env env, const char *section, const char *path, int direct, env_callback callback, void
-                        *user) ZR_NOEXCEPT;
+   below are not entered. A path is cut at 10239 characters; where it then leads to nothing sub is null. The block
+   is looked up with defaults, sub without. The successor is looked up before the callback, so that what is added
+   behind the last element is not visited; when the callback deletes the successor the walk ends there. 0, also for
+   an environment without sections; -4 the block is not there or empty; -10 null env or callback. */
+ZR_API int env_traverse(zr_env env, const char *section, const char *path, int direct, env_callback callback,
+                        void *user) ZR_NOEXCEPT;
 
-/* Calls back for each data element of env at any depth, in sequence, with the position behind every name of its
-   path. Empty blocks and sections are passed by. A path is cut at 10239 characters; a leaf whose cut path leads
-   elsewhere is still called with its own sub. A callback may change what is at and below its own element. 0; -10:
-   null env or callback, no sections or children, or a fault on the way, after which no more leaves are called. */
+/* Calls back for each data element of env at any depth, in sequence, with a path of names each followed by its
+   position. Empty blocks and sections are passed by. A path is cut at 10239 characters, sub is on the right element
+   all the same. A callback may change and delete what it likes; what is deleted is not visited. 0; -10: null env or
+   callback, no children below a subenvironment, or a fault on the way, after which no more leaves are visited
+   (zr_switch_error tells of an element that could not be opened). */
 ZR_API int env_traverse_leafs(zr_env env, env_callback callback, void *user) ZR_NOEXCEPT;
 
 /* Copies all leaves of source into target. mode 0: those that target lacks; 1: each as one more namesake of its
-   name; 2: all; 3: those that target has. What target's defaults have counts as there. 0, or -10: a leaf could not
-   be copied, such as a data element without value; the leaves before it have been copied. Another mode:
-   zr_switch_error, -10. */
+   name, with a path of at most 255 characters; 2: all; 3: those that target has. What defaults of target have
+   counts as there. In mode 1 target must not lie in what is copied. 0, or -10: null, or a leaf could not be copied,
+   such as a data element without value; the leaves before it have been copied then. Another mode: zr_switch_error,
+   -10. */
 ZR_API int env_sink(zr_env target, zr_env source, zr_long mode) ZR_NOEXCEPT;
 
 /* env_sink from the addressed block of source to that of target, which is made if it is missing. -10 also when
    either end cannot be opened. */
-ZR_API int env_copy_block(zr_env target, zr_env source, const char *section, const char *path, zr_long mode)
-                          ZR_NOEXCEPT;
+ZR_API int env_copy_block(zr_env target, zr_env source, const char *section, const char *path,
+                          zr_long mode) ZR_NOEXCEPT;
 
 /* env_copy_block with addresses of their own for both ends. */
-ZR_API int env_copy_block_to(zr_env target, zr_env source, const char *targetSection, const char *targetPath, const char
-                             *sourceSection, const char *sourcePath, zr_long mode) ZR_NOEXCEPT;
+ZR_API int env_copy_block_to(zr_env target, zr_env source, const char *targetSection, const char *targetPath,
+                             const char *sourceSection, const char *sourcePath, zr_long mode) ZR_NOEXCEPT;
 
 /* The names of the children of the addressed block, with defaults, or of the sections for a null section on an
    environment, into out[0..capacity-1], each followed by separator. 0; -2 nothing there or no block; -7 too small,
    out is empty then; -10 null out. A null env gives 0. */
-ZR_API int env_list_elem_names(zr_env env, const char *section, const char *path, int direct, char separator, zr_long
-                               capacity, char *out) ZR_NOEXCEPT;
+ZR_API int env_list_elem_names(zr_env env, const char *section, const char *path, int direct, char separator,
+                               zr_long capacity, char *out) ZR_NOEXCEPT;
 
 /* ---- Version of data
 

@@ -47,6 +47,7 @@ class CZrEnvWriter;
 class CZrEnvPathElem;
 class CZrEnvNameIndex;
 class CZrEnvNodeStore;
+class CZrEnvWalk;
 
 // Root of all nodes: a name, the block that holds it, the next sibling.
 class ZR_API CZrEnvElement {
@@ -473,9 +474,11 @@ private:
     friend class CZrEnvReader;
     friend class CZrEnvWriter;
     friend class CZrEnvNodeStore;
+    friend class CZrEnvWalk;
 
     CZrEnv(zr_long lID, CZrEnv *pDefault);
     explicit CZrEnv(CZrEnvElement *pRoot);
+    CZrEnv(CZrEnvElement *pRoot, CZrEnv *pParent); // pParent: what pRoot->GetEnv() gives
     ~CZrEnv();
 
     void SetFileMTime(zr_long lTime);

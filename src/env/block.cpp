@@ -4,6 +4,7 @@
 #include "env/name_index.h"
 #include "env/node_store.h"
 #include "env/path.h"
+#include "env/tree_edits.h"
 
 namespace Zr {
 
@@ -126,6 +127,7 @@ bool CZrEnvBlock::InsertElementBefore(CZrEnvElement *pElem, CZrEnvElement *pBefo
         return InsertElement(pElem);
     if (!pElem || pElem->m_pParent == this || pBefore->m_pParent != this || !Adopt(pElem))
         return false;
+    CountTreeEdit();
     OrderedIndex().InsertBefore(pElem, pBefore);
     pElem->m_pParent = this;
     CZrEnvElement **ppLink = &m_pFirst;
@@ -170,6 +172,7 @@ bool CZrEnvBlock::RemoveElement(CZrEnvElement *pElem, bool bDelete) {
         m_pIndex->Forget(pElem);
     if (CZrEnv *pEnv = bDelete ? GetEnv() : nullptr)
         pEnv->ForgetRootsBelow(pElem);
+    CountTreeEdit();
     pElem->m_pParent = nullptr;
     Disown(pElem);
     if (bDelete)
@@ -192,6 +195,7 @@ bool CZrEnvBlock::ReplaceElement(CZrEnvElement *pOld, CZrEnvElement *pNew) {
     if (CZrEnv *pEnv = GetEnv())
         pEnv->ForgetRootsBelow(pOld);
 
+    CountTreeEdit();
     pNew->m_pParent = this;
     if (m_pLast == pOld)
         m_pLast = pNew;
@@ -210,8 +214,10 @@ bool CZrEnvBlock::ReplaceElement(CZrEnvElement *pOld, CZrEnvElement *pNew) {
 // The entry is looked for under the new name, where the old one may not be found: it then stays, and the element counts
 // twice from here on.
 void CZrEnvBlock::ElemNameChanged(CZrEnvElement *pElem) {
-    if (pElem && pElem->m_pParent == this)
-        OrderedIndex().Replace(pElem, pElem);
+    if (!pElem || pElem->m_pParent != this)
+        return;
+    CountTreeEdit();
+    OrderedIndex().Replace(pElem, pElem);
 }
 
 CZrEnvElement *CZrEnvBlock::Find(std::string_view name, zr_long lPos) const {

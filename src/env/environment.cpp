@@ -7,6 +7,7 @@
 
 #include "env/name_index.h"
 #include "env/node_store.h"
+#include "env/tree_edits.h"
 
 namespace Zr {
 
@@ -38,8 +39,9 @@ CZrEnv::CZrEnv(zr_long lID, CZrEnv *pDefault) : m_lID(lID) {
 }
 
 // A subenvironment. The count of the default does not rise for the pointer that is copied here.
-CZrEnv::CZrEnv(CZrEnvElement *pRoot) : m_pSubEnvRoot(pRoot) {
-    CZrEnv *pParent = pRoot ? pRoot->GetEnv() : nullptr;
+CZrEnv::CZrEnv(CZrEnvElement *pRoot) : CZrEnv(pRoot, pRoot ? pRoot->GetEnv() : nullptr) {}
+
+CZrEnv::CZrEnv(CZrEnvElement *pRoot, CZrEnv *pParent) : m_pSubEnvRoot(pRoot) {
     if (!pParent)
         return;
     SetDefault(pParent->m_pDefaultEnv);
@@ -204,6 +206,7 @@ bool CZrEnv::CheckElementName(const char *szName) {
 
 // The index of section names is a shortcut that any change but an append gives up.
 void CZrEnv::SectionsChanged() {
+    CountTreeEdit();
     delete m_pSectionIndex;
     m_pSectionIndex = nullptr;
 }
