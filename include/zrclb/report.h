@@ -43,8 +43,7 @@ ZR_API void zr_end(void) ZR_NOEXCEPT;
 
 /* Tells of a caller's fault: a record with time, program name, source place and texts in the log.
    Each text may be null and is then left out; text1 is the message, text2 and text3 name the object concerned. */
-ZR_API void zr_message(const char *text1, const char *text2, const char *text3, const char *file,
-                       int line) ZR_NOEXCEPT;
+ZR_API void zr_message(const char *text1, const char *text2, const char *text3, const char *file, int line) ZR_NOEXCEPT;
 
 /* Tells of a failure: a record as zr_message's with the traceback behind it in the log, unless zr_error_onoff(0) holds,
    and the same texts to the debugger channel in any case. */
