@@ -4,9 +4,7 @@
 #include "library/load.h"
 
 int main(int argc, char **argv) {
-    zr::library::LibraryLoad(nullptr);
     testing::InitGoogleTest(&argc, argv);
-    int result = RUN_ALL_TESTS();
-    zr::library::LibraryUnload();
-    return result;
+    zr::library::LibraryLoad(nullptr);
+    return RUN_ALL_TESTS();
 }

@@ -11,5 +11,6 @@
 #include <zrclb/sort.h>
 #include <zrclb/str.h>
 #include <zrclb/types.h>
+#include <zrclb/version.h>
 
 #endif
