@@ -15,20 +15,24 @@ std::uint64_t Load8(const char *p) {
     return word;
 }
 
+// Every bit of the word has a say in every bit of the result: the low ones choose the place.
 std::uint64_t Mixed(std::uint64_t word) {
-    word *= 0x9E3779B97F4A7C15u;
+    word ^= word >> 32;
+    word *= 0xD6E8FEB86659FD93u;
+    word ^= word >> 32;
+    word *= 0xD6E8FEB86659FD93u;
     return word ^ (word >> 32);
 }
 
 // Eight bytes at a time; the last word overlaps the one before it.
 std::uint64_t Hash(std::string_view name) {
     const std::size_t size = name.size();
-    std::uint64_t hash = size;
+    std::uint64_t hash = size * 0x9E3779B97F4A7C15u;
     if (size < 8) {
         std::uint64_t word = 0;
         if (size != 0)
             std::memcpy(&word, name.data(), size);
-        return Mixed(hash ^ Mixed(word));
+        return Mixed(hash ^ word);
     }
     for (std::size_t at = 0; at + 8 < size; at += 8)
         hash = Mixed(hash ^ Load8(name.data() + at));
