@@ -111,13 +111,15 @@ ssize_t ReadText(void *cookie, char *block, std::size_t size) {
     if (raw <= 0)
         return raw;
     auto count = static_cast<std::size_t>(raw);
-    if (const void *end = std::memchr(block, end_of_text, count)) {
+    const void *end = std::memchr(block, end_of_text, count);
+    if (end != nullptr) {
         count = static_cast<std::size_t>(static_cast<const char *>(end) - block);
         stream.ended = true;
-    } else if (block[count - 1] == '\r') {
-        ResolveLastCarriageReturn(stream, block[count - 1]);
     }
-    return static_cast<ssize_t>(posix::DropCarriageReturns(block, count));
+    count = posix::DropCarriageReturns(block, count);
+    if (!stream.ended && block[count - 1] == '\r')
+        ResolveLastCarriageReturn(stream, block[count - 1]);
+    return static_cast<ssize_t>(count);
 }
 
 // Answers `size`, or 0 after a failure: the C library knows no error in between.
