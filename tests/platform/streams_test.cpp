@@ -77,7 +77,7 @@ std::string Lines(std::FILE *stream, int size) {
     std::string text;
     std::string line(static_cast<std::size_t>(size), '#');
     for (bool first = true; std::fgets(line.data(), size, stream) != nullptr; first = false) {
-        text += (first ? "" : " | ") + line.substr(0, line.rfind('\0')); // NULs in front of the last are the file's
+        text += std::string(first ? "" : " | ").append(line, 0, line.rfind('\0')); // NULs in front of the last are the file's
         line.assign(line.size(), '#');
     }
     return text;
@@ -164,7 +164,7 @@ TEST_F(Streams, TableOfPositionsHolds) {
         char line[254];
         while (std::fgets(line, sizeof line, stream) != nullptr) {
             const long offset = std::ftell(stream);
-            offsets += "," + std::to_string(offset);
+            offsets.append(",").append(std::to_string(offset));
             first = first < 0 ? offset : first;
         }
         EXPECT_EQ(offsets, row.at("steps_fgets254_offset_after_each"));
