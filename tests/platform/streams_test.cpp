@@ -77,7 +77,8 @@ std::string Lines(std::FILE *stream, int size) {
     std::string text;
     std::string line(static_cast<std::size_t>(size), '#');
     for (bool first = true; std::fgets(line.data(), size, stream) != nullptr; first = false) {
-        text += std::string(first ? "" : " | ").append(line, 0, line.rfind('\0')); // NULs in front of the last are the file's
+        text += std::string(first ? "" : " | ")
+                    .append(line, 0, line.rfind('\0')); // NULs in front of the last are the file's
         line.assign(line.size(), '#');
     }
     return text;
