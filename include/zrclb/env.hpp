@@ -114,41 +114,85 @@ private:
     std::uint32_t m_uFlags = 0; // CZrEnvNodeStore::Flag
 };
 
-// A leaf: one value, kept as text whatever its type.
+// A leaf: one value, kept as text whatever its type. Numbers are converted at each access, so a value written in one way
+// can be read in any other in which its text parses. An element without value differs from one with the empty text; no
+// operation takes a value away again, but for a SetString or SetStrings that finds no memory.
+//
+// The results of all operations are ENV_OK or what is told beside them. Reports carry the tag ZrEnvDataElement. Null
+// buffers give ENV_ERROR. Counts are numbers of values; lists are separated by commas, without any quoting.
 class ZR_API CZrEnvDataElement : public CZrEnvElement {
 public:
+    // With the value that the setter of that type stores. A null szValue makes an element without value. A name that
+    // CheckName refuses leaves the element nameless.
     explicit CZrEnvDataElement(const char *szName, const char *szValue);
     explicit CZrEnvDataElement(const char *szName, zr_long lValue);
     explicit CZrEnvDataElement(const char *szName, double dValue);
     explicit CZrEnvDataElement(const char *szName, float fValue);
+
+    // Views: the copy shows its source's value until either of the two is written, and gets a text of its own when it is
+    // written itself. An assignment ends the value that was there.
     CZrEnvDataElement(const CZrEnvDataElement &other);
     CZrEnvDataElement &operator=(const CZrEnvDataElement &other);
 
     CZrEnvDataElement *ToEnvDataElement() override;
     const CZrEnvDataElement *ToEnvDataElement() const override;
 
-    EZrEnvError SetLong(zr_long lValue);
-    EZrEnvError SetDouble(double dValue);
-    EZrEnvError SetFloat(float fValue);
-    EZrEnvError SetString(const char *szValue);
+    // Setters of one value. All end what GetString() gave before. ENV_ERROR with zr_message "Out of memory" if there is
+    // none: the old value is then still there, except after SetString.
+    EZrEnvError SetLong(zr_long lValue);  // "%ld"
+    EZrEnvError SetDouble(double dValue); // "%.13g": 13 significant digits; infinities do not read back
+    EZrEnvError SetFloat(float fValue);   // "%f": six places behind the point
+    EZrEnvError
+    SetString(const char *szValue); // a copy; may lie in the present value. ENV_ERROR, nothing changed: null
+
+    // The ENV_BIN text of pData[0..ulLength-1], which may hold any bytes. A length above 2147483647 stores no bytes.
     EZrEnvError SetBinary(zr_ulong ulLength, const char *pData);
+
+    // Setters of a list of lCount values. ENV_ERROR, nothing changed: a count below 1, a null array or a null text in it.
+    // No memory: ENV_ERROR with the report "Out of memory", zr_error from SetStrings (the old value is then gone), else
+    // zr_message. Texts are joined as they stand, so one that holds a comma reads back as two.
     EZrEnvError SetLongs(zr_long lCount, const zr_long *plValues);
     EZrEnvError SetDoubles(zr_long lCount, const double *pdValues);
     EZrEnvError SetStrings(zr_long lCount, const char **pszValues);
 
+    // Getters of one number. ENV_ERROR: no value. ENV_BAD_FORMAT: the text is no number of that kind up to its end or to
+    // its first line end, with blanks and tabs around it; the output may have been written ("12 34" leaves 12), except a
+    // float. Longs saturate at 32 bits, doubles become infinite. The forms without output give what was written, else 0.
     EZrEnvError GetLong(zr_long &rlValue) const;
     zr_long GetLong() const;
     EZrEnvError GetDouble(double &rdValue) const;
     double GetDouble() const;
     EZrEnvError GetFloat(float &rfValue) const;
     float GetFloat() const;
+
+    // The text into szBuffer[0..ulSize-1], terminated. ENV_ERROR: no value. ENV_TOO_SMALL: no room for text and
+    // terminator, the buffer is untouched.
     EZrEnvError GetString(zr_ulong ulSize, char *szBuffer) const;
+
+    // The element's own text, valid until the next write to the element; null without value.
     const char *GetString() const { return m_szData; }
+
+    // The bytes of an ENV_BIN text, or any other text as its own bytes, into pBuffer[0..*plLength-1]; *plLength becomes
+    // their number. A buffer for N bytes of ENV_BIN has N + 1. ENV_ERROR: no value, or a version that is not known,
+    // with zr_message "Incorrect version of ENV_BIN". ENV_TOO_SMALL with zr_message "Small buffer": the buffer holds what
+    // fitted, *plLength is unchanged. zr_message "Unknown '_'-symbol" tells of a byte that is left out. Tag of all three:
+    // ZrEnvDataConvert.
     EZrEnvError GetBinary(zr_long *plLength, char *pBuffer);
+
+    // Lists of numbers into an array of rlCount; rlCount becomes the number of values, 0 on any failure. ENV_ERROR: no
+    // value. ENV_BAD_FORMAT: a fault in the text. ENV_TOO_SMALL: more values than room. What was read before is stored.
     EZrEnvError GetLongs(zr_long &rlCount, zr_long *plValues);
     EZrEnvError GetDoubles(zr_long &rlCount, double *pdValues);
+
+    // The text, split at every comma, into the rlCount buffers pszValues[i][0..lSize-1], each terminated; rlCount becomes
+    // the number of texts. ENV_ERROR: no value (rlCount becomes 0), a count or size below 1, a null buffer. ENV_TOO_SMALL:
+    // more texts than buffers, or one longer than lSize - 1, whose buffer is left without terminator.
     EZrEnvError GetStrings(zr_long &rlCount, zr_long lSize, char **pszValues);
+
+    // Length of the text in bytes, terminator not counted; 0 without value.
     zr_ulong GetDataLength() const;
+
+    // Number of texts between commas and the length of the longest, terminator not counted. ENV_ERROR, both 0: no value.
     EZrEnvError GetArraySize(zr_long &rlCount, zr_long &rlMaxLength) const;
 
 protected:
@@ -163,8 +207,7 @@ private:
 
     CZrEnvDataElement(char *szName, char *szData, std::uint32_t uFlags)
         : CZrEnvElement(szName, uFlags), m_szData(szData) {}
-    char *GetBuffer(unsigned int uiSize);
-    void PutData(char *szData);
+    void PutData(char *szData);           // takes over an array as the value, null for none
     EZrEnvError StoreText(std::string_view text); // in place of the present value, which stays on no memory
     bool IsWritable() const;                      // whether the present text may be overwritten where it is
 

@@ -149,17 +149,6 @@ void CZrEnvDataElement::PutData(char *szData) {
         m_uFlags |= CZrEnvNodeStore::OwnsData;
 }
 
-char *CZrEnvDataElement::GetBuffer(unsigned int uiSize) {
-    if (IsWritable() && (uiSize == 0 || IsAtLeast(m_szData, uiSize - 1)))
-        return m_szData;
-    char *szBuffer = new (std::nothrow) char[std::max(uiSize, 1U)];
-    if (szBuffer == nullptr)
-        return nullptr;
-    szBuffer[0] = '\0';
-    PutData(szBuffer);
-    return szBuffer;
-}
-
 EZrEnvError CZrEnvDataElement::StoreText(std::string_view text) {
     if (IsWritable() && IsAtLeast(m_szData, text.size())) {
         std::memmove(m_szData, text.data(), text.size());
