@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <zrclb/env.hpp>
@@ -17,12 +18,15 @@
 #include "env/node_store.h"
 #include "env/report_capture.h"
 
-// Allocations of this program fail while this is set, from that size on.
+// The next allocation of at least this many bytes fails; 0 for none.
 namespace {
 std::size_t g_refusedSize = 0;
 
 void *Allocate(std::size_t size) {
-    return g_refusedSize != 0 && size >= g_refusedSize ? nullptr : std::malloc(size);
+    if (g_refusedSize == 0 || size < g_refusedSize)
+        return std::malloc(size);
+    g_refusedSize = 0;
+    return nullptr;
 }
 
 void *AllocateOrThrow(std::size_t size) {
@@ -88,10 +92,15 @@ public:
     ~Leaf() override = default;
 };
 
-struct Refusal {
-    explicit Refusal(std::size_t size) { g_refusedSize = size; }
-    ~Refusal() { g_refusedSize = 0; }
-};
+// Calls with its next allocation of at least size bytes refused, which has to happen.
+template <class Call>
+EZrEnvError Refused(std::size_t size, Call call) {
+    g_refusedSize = size;
+    const EZrEnvError result = call();
+    EXPECT_EQ(g_refusedSize, 0U);
+    g_refusedSize = 0;
+    return result;
+}
 
 // Construction
 
@@ -109,7 +118,7 @@ TEST(DataElementConstruction, NullTextIsNoValue) {
 }
 
 TEST(DataElementConstruction, RefusedNameLeavesItNamelessWithValue) {
-    const Leaf leaf("1", "text");
+    const Leaf leaf("a=b", "text");
     EXPECT_EQ(leaf.GetName(), nullptr);
     EXPECT_STREQ(leaf.GetString(), "text");
     EXPECT_EQ(Leaf(nullptr, zr_long{1}).GetName(), nullptr);
@@ -815,31 +824,22 @@ TEST(DataElementNoMemory, MostSettersKeepTheOldValue) {
     const std::vector<zr_long> longs(1000, 12345);
     const std::vector<double> doubles(1000, 0.5);
     const std::string bytes(1000, 'x');
-    std::array<EZrEnvError, 6> results{};
-    {
-        const Refusal refusal(3);
-        results[0] = leaf.SetLong(12345);
-        results[1] = leaf.SetDouble(0.25);
-        results[2] = leaf.SetFloat(0.25F);
-        results[3] = leaf.SetBinary(1000, bytes.data());
-        results[4] = leaf.SetLongs(1000, longs.data());
-        results[5] = leaf.SetDoubles(1000, doubles.data());
+    EXPECT_EQ(Refused(6, [&] { return leaf.SetLong(12345); }), ENV_ERROR);
+    EXPECT_EQ(Refused(5, [&] { return leaf.SetDouble(0.25); }), ENV_ERROR);
+    EXPECT_EQ(Refused(9, [&] { return leaf.SetFloat(0.25F); }), ENV_ERROR);
+    EXPECT_EQ(Refused(1003, [&] { return leaf.SetBinary(1000, bytes.data()); }), ENV_ERROR);
+    for (const std::size_t size : {1U, 100U, 3000U}) {
+        EXPECT_EQ(Refused(size, [&] { return leaf.SetLongs(1000, longs.data()); }), ENV_ERROR);
+        EXPECT_EQ(Refused(size, [&] { return leaf.SetDoubles(1000, doubles.data()); }), ENV_ERROR);
     }
-    for (const EZrEnvError result : results)
-        EXPECT_EQ(result, ENV_ERROR);
     EXPECT_STREQ(leaf.GetString(), "1");
-    EXPECT_EQ(reports.Take(), Reports(6, Message(Tag, OutOfMemory)));
+    EXPECT_EQ(reports.Take(), Reports(10, Message(Tag, OutOfMemory)));
 }
 
 TEST(DataElementNoMemory, SetStringLosesTheOldValue) {
     ReportCapture reports;
     Leaf leaf("old");
-    EZrEnvError result = ENV_OK;
-    {
-        const Refusal refusal(5);
-        result = leaf.SetString("12345");
-    }
-    EXPECT_EQ(result, ENV_ERROR);
+    EXPECT_EQ(Refused(6, [&] { return leaf.SetString("12345"); }), ENV_ERROR);
     EXPECT_EQ(leaf.GetString(), nullptr);
     EXPECT_EQ(reports.Take(), Reports{Message(Tag, OutOfMemory)});
     EXPECT_EQ(leaf.SetString("new"), ENV_OK);
@@ -849,34 +849,39 @@ TEST(DataElementNoMemory, SetStringLosesTheOldValue) {
 TEST(DataElementNoMemory, SetStringsReportsAnErrorAndLosesTheOldValue) {
     ReportCapture reports;
     Leaf leaf("old");
-    const char *values[] = {"12345", "678"};
-    EZrEnvError result = ENV_OK;
-    {
-        const Refusal refusal(11); // 1 + 6 + 4
-        result = leaf.SetStrings(2, values);
-    }
-    EXPECT_EQ(result, ENV_ERROR);
+    const char *values[] = {"12345", "678"}; // needs 1 + 6 + 4
+    EXPECT_EQ(Refused(11, [&] { return leaf.SetStrings(2, values); }), ENV_ERROR);
     EXPECT_EQ(leaf.GetString(), nullptr);
     EXPECT_EQ(reports.Take(), Reports{Error(Tag, OutOfMemory)});
     EXPECT_EQ(leaf.SetStrings(2, values), ENV_OK);
     EXPECT_STREQ(leaf.GetString(), "12345,678");
 }
 
+TEST(DataElementNoMemory, ATextThatFitsNeedsNone) {
+    Leaf leaf("12345678");
+    const char *values[] = {"a", "b"};
+    g_refusedSize = 1;
+    const EZrEnvError results[] = {leaf.SetString("1234567"), leaf.SetLong(-12345), leaf.SetStrings(2, values)};
+    EXPECT_EQ(g_refusedSize, 1U);
+    g_refusedSize = 0;
+    EXPECT_THAT(results, testing::Each(ENV_OK));
+    EXPECT_STREQ(leaf.GetString(), "a,b");
+}
+
 TEST(DataElementNoMemory, ReadingNeedsNone) {
     Leaf leaf("1.5,2.5");
     std::array<double, 2> values{};
     zr_long count = 2;
+    zr_long parts = 0;
     zr_long longest = 0;
     char bytes[16];
     zr_long length = sizeof bytes;
-    std::array<EZrEnvError, 3> results{};
-    {
-        const Refusal refusal(1);
-        results[0] = leaf.GetDoubles(count, values.data());
-        results[1] = leaf.GetArraySize(count, longest);
-        results[2] = leaf.GetBinary(&length, bytes);
-    }
-    EXPECT_EQ(results, (std::array<EZrEnvError, 3>{}));
+    g_refusedSize = 1;
+    const EZrEnvError results[] = {leaf.GetDoubles(count, values.data()), leaf.GetArraySize(parts, longest),
+                                   leaf.GetBinary(&length, bytes)};
+    EXPECT_EQ(g_refusedSize, 1U);
+    g_refusedSize = 0;
+    EXPECT_THAT(results, testing::Each(ENV_OK));
     EXPECT_EQ(values, (std::array<double, 2>{1.5, 2.5}));
 }
 

@@ -92,20 +92,20 @@ private:
     static constexpr const char *MessageLead = "> MESSAGE in ";
     static constexpr const char *ErrorLead = ">ERROR  in ";
 
-    static std::filesystem::path FreshPath() {
+    static std::string FreshPath() {
         static std::mt19937_64 random{std::random_device{}()};
         std::filesystem::path path;
         do
             path = std::filesystem::temp_directory_path() / ("zr_reports_" + std::to_string(random()) + ".txt");
         while (std::filesystem::exists(path));
-        return path;
+        return path.string();
     }
 
     static void Hook() {
         zr::frame::LogHook hook;
         hook.is_on = [] { return true; };
         hook.path = [](char *out, std::size_t size) {
-            const std::string path = s_current->m_path.string();
+            const std::string &path = s_current->m_path; // no copy: memory may be short while a test reports
             if (path.size() >= size)
                 return false;
             std::memcpy(out, path.c_str(), path.size() + 1);
@@ -151,7 +151,7 @@ private:
 
     static inline ReportCapture *s_current = nullptr;
 
-    std::filesystem::path m_path;
+    std::string m_path;
     ReportCapture *m_previous;
 };
 
