@@ -1,0 +1,62 @@
+// Files of the environment format as the verbs see them: read, checked, written back as they came.
+#ifndef ZRTOOL_ENV_FILE_H
+#define ZRTOOL_ENV_FILE_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <zrclb/env.hpp>
+
+#include "json.h"
+#include "session.h"
+
+namespace zrtool {
+
+// Environments that live as long as this object. The first is the one in front; each further one stands behind it as a
+// default.
+class Chain {
+public:
+    Chain() = default;
+    ~Chain();
+    Chain(const Chain &) = delete;
+    Chain &operator=(const Chain &) = delete;
+
+    // A new, empty environment at the end of the chain; its id is its number, from 0.
+    Zr::CZrEnv &Add();
+    Zr::CZrEnv &Front() { return *m_envs.front(); }
+
+private:
+    std::vector<Zr::CZrEnv *> m_envs;
+};
+
+// The bytes of a file, as they are; any file that the host can open and read to its end. Failure with InputOutput.
+std::string ReadBytes(const std::string &path);
+
+// What a text stream delivers of these bytes: CR LF becomes LF, and 0x1A ends the text.
+std::string TextOf(std::string_view bytes);
+
+// True when the text starts with a mode line, so that its backslashes are plain characters.
+bool IsNotWrapped(std::string_view text);
+
+// The first comment of the text, or the first text in front of all sections: what no writing keeps. False without any.
+bool FindUnkept(std::string_view text, Place &place, const char *&what);
+
+// Reads a text into an empty environment. Failure with BadData, its message "FILE:LINE:COLUMN: text", when the text is
+// wrong; `path` is for the message only.
+void ReadText(const Session &session, const std::string &path, const std::string &text, Zr::CZrEnv &env);
+
+// ReadBytes, TextOf and ReadText in one; the result is the text.
+std::string ReadEnvironment(const Session &session, const std::string &path, Zr::CZrEnv &env);
+
+// The environment's text in the format's own line ends. Failure with InputOutput when the library could not make all
+// of it.
+std::string WriteText(const Zr::CZrEnv &env, bool wrap);
+
+// Writes the tree to a text, reads that, and compares: the first difference in words, with its place; empty when the
+// tree comes back as it was.
+std::string FirstLoss(const Session &session, const Zr::CZrEnv &env, bool wrap);
+
+} // namespace zrtool
+
+#endif

@@ -1,0 +1,79 @@
+// zrtool env set: changes one value in a file, or makes it.
+#include <cctype>
+#include <string>
+
+#include "env_file.h"
+#include "safe_write.h"
+#include "verbs.h"
+
+namespace zrtool {
+
+namespace {
+
+void Warn(const Session &session, const std::string &file, const std::string &text) {
+    session.err << file << ": warning: " << text << '\n';
+}
+
+// A write forces the tree into the shape that the path demands. What it destroys on the way is worth a word.
+void WarnOfReplacement(const Session &session, const std::string &file, Zr::CZrEnv &env, const std::string &section,
+                       const std::string &path) {
+    if (const Zr::CZrEnvBlock *block = env.GetBlock(section.c_str(), path.c_str(), true, false)) {
+        if (block->GetElemCount() > 0)
+            Warn(session, file, "a block with " + std::to_string(block->GetElemCount()) + " elements becomes a value");
+    }
+    const auto isStep = [&](std::size_t at) { return std::isdigit(static_cast<unsigned char>(path[at])) == 0; };
+    for (std::size_t at = path.find('@'); at != std::string::npos && at + 1 < path.size();
+         at = path.find('@', at + 1)) {
+        const std::string front = path.substr(0, at);
+        if (isStep(at + 1) && env.GetDataElement(section.c_str(), front.c_str(), true, false) != nullptr)
+            Warn(session, file, "the value of " + session.ToUser(front) + " gives way to a block");
+    }
+}
+
+int Run(const Session &session, const Arguments &arguments) {
+    arguments.Expect(4);
+    const std::string &file = arguments.Words()[0];
+    const std::string section = session.FromUser(arguments.Words()[1]);
+    const std::string path = session.FromUser(arguments.Words()[2]);
+    const std::string value = session.FromUser(arguments.Words()[3]);
+
+    Chain chain;
+    Zr::CZrEnv &env = chain.Add();
+    const std::string text = ReadEnvironment(session, file, env);
+    const bool wrap = !IsNotWrapped(text);
+    WarnOfReplacement(session, file, env, section, path);
+    if (env.SetString(section.c_str(), path.c_str(), value.c_str()) != Zr::ENV_OK)
+        throw Failure(BadUsage,
+                      "nothing can be set at [" + session.ToUser(section) + "] '" + session.ToUser(path) + "'");
+    const char *stored = env.GetString(section.c_str(), path.c_str());
+    if (stored == nullptr || value != stored)
+        Warn(session, file, "the position skips elements; the value is the last one of its name");
+    Place place;
+    const char *unkept = nullptr;
+    if (FindUnkept(text, place, unkept))
+        Warn(session, file, unkept);
+    const std::string loss = FirstLoss(session, env, wrap);
+    if (!loss.empty())
+        Warn(session, file, "does not read back as it was set: " + loss);
+    ReplaceFile(file, WriteText(env, wrap));
+    return Done;
+}
+
+} // namespace
+
+const Verb &SetVerb() {
+    static const Verb verb = {
+        "set",
+        "change one value, or make it",
+        "usage: zrtool env set FILE SECTION PATH VALUE\n"
+        "\n"
+        "Sets the value at PATH in SECTION, and makes section, blocks and element where they are missing. An\n"
+        "element of another kind that stands in the way is replaced. The file keeps its form, wrapped or not\n"
+        "wrapped, and is replaced in one step; comments in it are lost. Write -- in front of a VALUE that\n"
+        "starts with two dashes.\n",
+        {},
+        Run};
+    return verb;
+}
+
+} // namespace zrtool
