@@ -16,8 +16,8 @@ int main(int argc, char **argv) {
 
     if (argc != 3)
         return 2;
-    defaults = env_open(1, NULL);       /* 1 and 2: the numbers by which a getter tells */
-    model = env_open(2, defaults);      /* where it found a value */
+    defaults = env_open(1, NULL);  /* 1 and 2: the numbers by which a getter tells */
+    model = env_open(2, defaults); /* where it found a value */
     if (env_read_file(argv[1], model) == 0 && env_read_file(argv[2], defaults) == 0) {
         if (env_get(model, "Model", "Title", 1, sizeof title, title) >= 0)
             printf("title: %s\n", title);
@@ -33,6 +33,6 @@ int main(int argc, char **argv) {
             printf("fault in line %ld, column %ld\n", (long)line, (long)column);
         done = -1;
     }
-    env_close(model, 1);                /* 1: the defaults behind it, too */
+    env_close(model, 1); /* 1: the defaults behind it, too */
     return done >= 0 ? 0 : 1;
 }

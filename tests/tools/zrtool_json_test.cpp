@@ -80,7 +80,9 @@ std::string TreeFault(const std::string &text) {
     return "none";
 }
 
-std::string Document(const std::string &sections) { return "{\"zrenv\": 1, \"sections\": [" + sections + "]}"; }
+std::string Document(const std::string &sections) {
+    return "{\"zrenv\": 1, \"sections\": [" + sections + "]}";
+}
 
 TEST(JsonReader, SoundTexts_GiveTheirEvents) {
     EXPECT_EQ(Events("{}"), "{}");
@@ -120,7 +122,8 @@ TEST(JsonReader, MalformedTexts_AreFaultsWithTheirPlace) {
     EXPECT_EQ(FaultOf("\"\xED\xA0\x80\""), "1:2 not UTF-8");
     EXPECT_EQ(FaultOf("\"\xF4\x90\x80\x80\""), "1:2 not UTF-8");
     EXPECT_EQ(FaultOf(std::string("[1,\0]", 5)), "1:4 unexpected character, expected a value");
-    for (const char *text : {"01", "-", "1.", ".5", "+1", "1e", "1e+", "0x1", "NaN", "tru", "nul", "TRUE", "'a'", "/**/1"})
+    for (const char *text :
+         {"01", "-", "1.", ".5", "+1", "1e", "1e+", "0x1", "NaN", "tru", "nul", "TRUE", "'a'", "/**/1"})
         EXPECT_NE(FaultOf(text), "none") << text;
 }
 

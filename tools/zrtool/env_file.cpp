@@ -53,7 +53,7 @@ std::string ValueLoss(const Session &session, const Zr::CZrEnvElement &was, cons
            Quoted(session, after->GetString());
 }
 
-std::string Compare(const Session &session, const Zr::CZrEnv &before, const Zr::CZrEnv &after) {
+std::string FirstDifference(const Session &session, const Zr::CZrEnv &before, const Zr::CZrEnv &after) {
     TreeWalk was(before);
     TreeWalk is(after);
     for (;;) {
@@ -184,14 +184,15 @@ std::string WriteText(const Zr::CZrEnv &env, bool wrap) {
     return text.get();
 }
 
-std::string FirstLoss(const Session &session, const Zr::CZrEnv &env, bool wrap) {
-    Chain chain;
-    Zr::CZrEnv &again = chain.Add();
+ReadBack::ReadBack(const Session &session, const Zr::CZrEnv &env, bool wrap) : m_text(WriteText(env, wrap)) {
     const ReportListener reports;
-    const std::string text = TextOf(WriteText(env, wrap));
-    if (again.ReadString(text.c_str(), Zr::eEnvReadAuto) != Zr::ENV_OK)
-        return "its text cannot be read again: " + session.ToUser(reports.Text());
-    return Compare(session, env, again);
+    Zr::CZrEnv &again = m_chain.Add();
+    if (again.ReadString(TextOf(m_text).c_str(), Zr::eEnvReadAuto) != Zr::ENV_OK) {
+        m_fault = "its text cannot be read again: " + session.ToUser(reports.Text());
+        m_loss = m_fault;
+    } else {
+        m_loss = FirstDifference(session, env, again);
+    }
 }
 
 } // namespace zrtool

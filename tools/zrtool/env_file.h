@@ -53,9 +53,25 @@ std::string ReadEnvironment(const Session &session, const std::string &path, Zr:
 // of it.
 std::string WriteText(const Zr::CZrEnv &env, bool wrap);
 
-// Writes the tree to a text, reads that, and compares: the first difference in words, with its place; empty when the
-// tree comes back as it was.
-std::string FirstLoss(const Session &session, const Zr::CZrEnv &env, bool wrap);
+// A tree written to a text, and that text read again: what a file keeps of the tree.
+class ReadBack {
+public:
+    ReadBack(const Session &session, const Zr::CZrEnv &env, bool wrap);
+
+    const std::string &Text() const { return m_text; }
+    // Why the text cannot be read; empty when it can.
+    const std::string &Fault() const { return m_fault; }
+    // The first difference in words, with its place, or the fault; empty when the tree comes back as it was.
+    const std::string &Loss() const { return m_loss; }
+    // What was read.
+    Zr::CZrEnv &Env() { return m_chain.Front(); }
+
+private:
+    Chain m_chain;
+    std::string m_text;
+    std::string m_fault;
+    std::string m_loss;
+};
 
 } // namespace zrtool
 

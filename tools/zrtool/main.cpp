@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "dispatch.h"
-#include "platform/entry.h"
+#include "library/load.h"
 #include "platform/standard_streams.h"
 
 int main(int argc, char **argv) {

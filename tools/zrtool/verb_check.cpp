@@ -19,9 +19,9 @@ int Run(const Session &session, const Arguments &arguments) {
     const char *unkept = nullptr;
     if (FindUnkept(text, place, unkept))
         session.err << file << ':' << place.line << ':' << place.column << ": warning: " << unkept << '\n';
-    const std::string loss = FirstLoss(session, env, !IsNotWrapped(text));
-    if (!loss.empty())
-        session.err << file << ": warning: changes when it is written and read again: " << loss << '\n';
+    const ReadBack readBack(session, env, !IsNotWrapped(text));
+    if (!readBack.Loss().empty())
+        session.err << file << ": warning: changes when it is written and read again: " << readBack.Loss() << '\n';
     session.out << file << ": ok\n";
     return Done;
 }

@@ -24,11 +24,12 @@ void ReadJson(const std::string &file, Zr::CZrEnv &env) {
 std::string Converted(const Session &session, const std::string &file, const Zr::CZrEnv &env, const std::string &to) {
     if (to == "json")
         return ToJson(env);
-    const bool wrap = to == "wrapped";
-    const std::string loss = FirstLoss(session, env, wrap);
-    if (!loss.empty())
-        session.err << file << ": warning: does not read back as it is: " << loss << '\n';
-    return WriteText(env, wrap);
+    const ReadBack readBack(session, env, to == "wrapped");
+    if (!readBack.Fault().empty())
+        throw Failure(BadData, file + ": " + readBack.Fault());
+    if (!readBack.Loss().empty())
+        session.err << file << ": warning: does not read back as it is: " << readBack.Loss() << '\n';
+    return readBack.Text();
 }
 
 int Run(const Session &session, const Arguments &arguments) {

@@ -45,17 +45,18 @@ int Run(const Session &session, const Arguments &arguments) {
     if (env.SetString(section.c_str(), path.c_str(), value.c_str()) != Zr::ENV_OK)
         throw Failure(BadUsage,
                       "nothing can be set at [" + session.ToUser(section) + "] '" + session.ToUser(path) + "'");
-    const char *stored = env.GetString(section.c_str(), path.c_str());
-    if (stored == nullptr || value != stored)
-        Warn(session, file, "the position skips elements; the value is the last one of its name");
+    ReadBack readBack(session, env, wrap);
+    if (!readBack.Fault().empty())
+        throw Failure(BadUsage, "a file cannot hold this value: " + readBack.Fault());
     Place place;
     const char *unkept = nullptr;
     if (FindUnkept(text, place, unkept))
         Warn(session, file, unkept);
-    const std::string loss = FirstLoss(session, env, wrap);
-    if (!loss.empty())
-        Warn(session, file, "does not read back as it was set: " + loss);
-    ReplaceFile(file, WriteText(env, wrap));
+    if (!readBack.Loss().empty())
+        Warn(session, file, "does not read back as it was set: " + readBack.Loss());
+    if (readBack.Env().GetString(section.c_str(), path.c_str()) == nullptr)
+        Warn(session, file, "the position skips elements; nothing is read at " + session.ToUser(path));
+    ReplaceFile(file, readBack.Text());
     return Done;
 }
 
