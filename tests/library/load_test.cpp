@@ -1,0 +1,104 @@
+// Loading and unloading.
+#include "library/load.h"
+
+#include <zrclb/zrclb.h>
+
+#include "env/env_lock.h"
+#include "frame/log.h"
+#include "frame/message_box_stack.h"
+#include "frame/report_fixture.h"
+#include "platform/modules.h"
+
+namespace {
+
+using Load = ReportFixture;
+
+int Handler(zr_window, const char *, const char *, zr_ulong, zr_value user) {
+    return static_cast<int>(user);
+}
+
+std::string ended;
+
+TEST_F(Load, LogIsOffAfterLoading) {
+    zr::library::LibraryUnload();
+    zr::library::LibraryLoad(nullptr);
+    std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(Folder());
+    zr_error("a", nullptr, nullptr, "Fio", 1);
+    zr_message("a", nullptr, nullptr, "Fio", 1);
+    std::filesystem::current_path(before);
+    EXPECT_TRUE(std::filesystem::is_empty(Folder()));
+    EXPECT_EQ(debugger.size(), 3u);
+}
+
+TEST_F(Load, NameIsEmptyAfterLoading) {
+    zr::library::LibraryUnload();
+    zr::library::LibraryLoad(nullptr);
+    zr_error_setname("");
+    zr_error_setname(nullptr);
+    zr_error(nullptr, nullptr, nullptr, "Fio", 1);
+    ASSERT_EQ(debugger.size(), 1u);
+    EXPECT_EQ(debugger[0], "ZR_ERROR in  \"Fio\" line 1:\n");
+}
+
+TEST_F(Load, ModuleHandleOfTheFirstLoadIsKept) {
+    int first = 0;
+    int second = 0;
+    zr::library::LibraryUnload();
+    zr::library::LibraryLoad(&first);
+    zr::library::LibraryLoad(&second);
+    EXPECT_EQ(zr::platform::StoredModule(), &first);
+    zr::library::LibraryUnload();
+    zr::library::LibraryLoad(nullptr);
+    EXPECT_EQ(zr::platform::StoredModule(), nullptr);
+}
+
+TEST_F(Load, SecondLoadKeepsTheHook) {
+    zr::library::LibraryLoad(nullptr);
+    zr_switch_error(1, "Fio", 1);
+    EXPECT_NE(TakeLog(), "");
+}
+
+TEST_F(Load, SectionsAreReentrantAfterLoading) {
+    for (zr::platform::Lock *section :
+         {&zr::frame::LogSection(), &zr::env::Section(), &zr::frame::MessageBoxSection()}) {
+        section->Enter();
+        section->Enter();
+        section->Leave();
+        section->Leave();
+    }
+    zr::platform::LockGuard guard(zr::frame::LogSection());
+    zr_switch_error(1, "Fio", 1);
+    EXPECT_NE(TakeLog(), "");
+}
+
+TEST_F(Load, UnloadTwiceAndLoadAgainWork) {
+    zr::library::LibraryUnload();
+    zr::library::LibraryUnload();
+    zr::library::LibraryLoad(nullptr);
+    SwitchLogOn();
+    zr_message(nullptr, nullptr, nullptr, "Fio", 1);
+    EXPECT_EQ(TakeLog(), Stamp() + "> MESSAGE in prog.exe \"Fio\" line 1:\n\n\n");
+}
+
+TEST_F(Load, CallsWithoutTheLocksAreSound) {
+    zr::library::LibraryUnload();
+    zr_error("late", nullptr, nullptr, "Fio", 1);
+    zr_SetMessageBoxHandler(Handler, 5);
+    EXPECT_EQ(zr_MessageBox(nullptr, "", "", 0), 5);
+    zr_SetMessageBoxHandler(nullptr, 0);
+    EXPECT_EQ(debugger.size(), 3u);
+    zr::library::LibraryLoad(nullptr);
+}
+
+TEST_F(Load, UnloadDoesNotRunTheExitList) {
+    ended.clear();
+    endprog_fkt(0, [] { ended += "a"; });
+    zr::library::LibraryUnload();
+    zr::library::LibraryLoad(nullptr);
+    EXPECT_EQ(ended, "");
+    zr_atexit();
+    EXPECT_EQ(ended, "a");
+}
+
+} // namespace
