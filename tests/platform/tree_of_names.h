@@ -65,6 +65,9 @@ public:
 private:
     // The tree's own path for one of the table.
     std::string Here(const std::string &path) const {
+        const std::string exact = "\\\\?\\";
+        if (path.rfind(exact, 0) == 0)
+            return exact + Here(path.substr(exact.size()));
         const std::string root = m_root.string();
         const std::string drive = root[1] == ':' ? "" : "C:";
         for (const char *table_root : {"C:\\woad", "c:/woad", "c:\\WORK", "\\woad"})
