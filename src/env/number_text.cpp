@@ -65,6 +65,9 @@ constexpr std::uint64_t MaxExactDigits = std::uint64_t{1} << 53;
 // No double needs more decimal digits than these to be told from its neighbours and their midpoints.
 constexpr std::size_t SignificantDigits = 780;
 
+// Beyond this power of ten the result is infinite or zero, whatever the significant digits are.
+constexpr std::int64_t DecidedExponent = 10000;
+
 // Copies the significant digits of a long mantissa; a last digit of 1 stands for all that is cut, if any of it is not
 // zero. Gives the number of digits, and in `exponent` the power of ten that scales the copied whole number.
 std::size_t CopySignificant(const DecimalNumber &number, char *out, std::int64_t &exponent) {
@@ -89,7 +92,8 @@ std::size_t CopySignificant(const DecimalNumber &number, char *out, std::int64_t
     return count;
 }
 
-double ConvertGeneral(const DecimalNumber &number) {
+// The value of the digits and the exponent, put together anew.
+double ConvertComposed(const DecimalNumber &number) {
     char text[SignificantDigits + 32];
     std::int64_t exponent = number.exponent;
     std::size_t length = 0;
@@ -99,9 +103,7 @@ double ConvertGeneral(const DecimalNumber &number) {
         length = CopySignificant(number, text, exponent);
     if (length == 0)
         return 0.0;
-    // Beyond this range the result is infinite or zero whatever the digits are.
-    constexpr std::int64_t range = 10000;
-    exponent = std::clamp(exponent, -range, range);
+    exponent = std::clamp(exponent, -DecidedExponent, DecidedExponent);
     text[length] = 'e';
     const char *end = std::to_chars(text + length + 1, text + sizeof text, exponent).ptr;
     double value = 0.0;
@@ -109,6 +111,13 @@ double ConvertGeneral(const DecimalNumber &number) {
     if (result.ec != std::errc{})
         return exponent + static_cast<std::int64_t>(length) > 0 ? HUGE_VAL : 0.0;
     return value;
+}
+
+double ConvertGeneral(const DecimalNumber &number) {
+    double value = 0.0;
+    if (number.plain && std::from_chars(number.mantissa, number.end, value).ec == std::errc{})
+        return value;
+    return ConvertComposed(number);
 }
 
 } // namespace
@@ -154,11 +163,15 @@ const char *ScanDecimal(const char *text, DecimalNumber &out) {
     if (count == 0)
         return nullptr;
     out.mantissaEnd = p;
+    out.plain = true;
     if (*p == 'e' || *p == 'E' || *p == 'd' || *p == 'D') {
         std::int64_t given = 0;
+        out.plain = *p == 'e' || *p == 'E';
         p = ScanExponent(p + 1, given);
+        out.plain = out.plain && given > -DecidedExponent && given < DecidedExponent;
         exponent += given;
     }
+    out.end = p;
     out.digits = digits;
     out.exponent = exponent;
     out.exact = count <= 19 || FitsWithoutZeros(out.mantissa, out.mantissaEnd, count);

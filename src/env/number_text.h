@@ -29,7 +29,9 @@ struct DecimalNumber {
     const char *mantissaEnd = nullptr;
     std::uint64_t digits = 0;  // all digits of the mantissa as one whole number, if `exact`
     std::int64_t exponent = 0; // power of ten that scales `digits`
+    const char *end = nullptr; // first byte behind the number
     bool exact = true;         // false: too many digits for `digits`, they have to be read from the text
+    bool plain = true;         // false: an exponent with D or d, or a very large one
     bool negative = false;
 };
 

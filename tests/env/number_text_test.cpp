@@ -150,7 +150,7 @@ TEST(FormatDouble, AgreesWithMeasuredAnswersExceptForTies) {
 
 TEST(FormatDouble, AgreesWithTheStandardLibrary) {
     std::mt19937_64 random(20111);
-    for (int i = 0; i < 200000; ++i) {
+    for (int i = 0; i < 100000; ++i) {
         double value = FromBits(random());
         if (i % 2 == 0)
             value = static_cast<double>(static_cast<std::int32_t>(random())) / std::pow(10.0, random() % 12);
@@ -278,7 +278,7 @@ TEST(ReadDouble, AgreesWithMeasuredAnswers) {
 TEST(ReadDouble, AgreesWithTheStandardLibrary) {
     std::mt19937_64 random(20112);
     char text[80];
-    for (int i = 0; i < 300000; ++i) {
+    for (int i = 0; i < 100000; ++i) {
         const double value = FromBits(random());
         if (!std::isfinite(value))
             continue;
