@@ -82,20 +82,24 @@ bool IsTooLarge(const char *digits, bool hexadecimal) {
     return place * bits + exponent > 0;
 }
 
-// The number without sign at `text`, 0 if there is none.
-double ReadUnsigned(const char *text) {
+// Reads the number without sign at `text`. False, and 0, if there is none.
+bool ReadUnsigned(const char *text, double &value) {
+    value = 0.0;
     bool hexadecimal = text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
     const char *digits = hexadecimal ? text + 2 : text;
-    if (*digits == '-' || (hexadecimal && *digits != '.' && DigitValue(*digits) < 0)) {
-        return 0.0;
+    if (hexadecimal && *digits != '.' && DigitValue(*digits) < 0) {
+        return true; // the 0 alone
     }
-    double value = 0.0;
+    if (*digits == '-') {
+        return false; // a second sign
+    }
     std::from_chars_result result = std::from_chars(digits, digits + std::strlen(digits), value,
                                                     hexadecimal ? std::chars_format::hex : std::chars_format::general);
     if (result.ec == std::errc::result_out_of_range) {
-        return IsTooLarge(digits, hexadecimal) ? std::numeric_limits<double>::infinity() : 0.0;
+        value = IsTooLarge(digits, hexadecimal) ? std::numeric_limits<double>::infinity() : 0.0;
+        return true;
     }
-    return result.ec == std::errc() ? value : 0.0;
+    return result.ec == std::errc() || hexadecimal;
 }
 
 // Writes by `format` to `dst`, which has room for `size` bytes. Without success `dst` is empty and the fault reported.
@@ -159,8 +163,9 @@ double convert_stod(const char *s) noexcept {
         ++s;
     }
     bool negative = *s == '-';
-    double value = ReadUnsigned(negative || *s == '+' ? s + 1 : s);
-    return negative && (value != 0.0) ? -value : value;
+    double value;
+    bool found = ReadUnsigned(negative || *s == '+' ? s + 1 : s, value);
+    return found && negative ? -value : value;
 }
 
 zr_long convert_stol(const char *s) noexcept {
