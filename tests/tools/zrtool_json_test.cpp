@@ -241,7 +241,7 @@ TEST(EnvJson, DocumentsOfAnotherForm_AreFaultsWithTheirPlace) {
 }
 
 TEST(EnvJson, DeepNesting_IsReadAndWrittenWithoutRecursion) {
-    constexpr int depth = 200000;
+    constexpr int depth = 100000;
     std::string json = "{\"zrenv\":1,\"sections\":[{\"name\":\"S\",\"children\":[";
     for (int i = 0; i < depth; ++i)
         json += "{\"name\":\"b\",\"children\":[";

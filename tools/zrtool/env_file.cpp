@@ -70,7 +70,7 @@ std::string FirstDifference(const Session &session, const Zr::CZrEnv &before, co
         if (std::strcmp(NameOf(*was.Element()), NameOf(*is.Element())) != 0)
             return session.ToUser(PlaceOf(*was.Element())) + ": in its place " +
                    Quoted(session, NameOf(*is.Element())) + " is read";
-        const std::string loss = ValueLoss(session, *was.Element(), *is.Element());
+        std::string loss = ValueLoss(session, *was.Element(), *is.Element());
         if (!loss.empty())
             return loss;
     }

@@ -52,10 +52,10 @@ std::string PlaceOf(const Zr::CZrEnvElement &elem) {
     std::size_t steps = 0;
     for (; at->GetParent() != nullptr; at = at->GetParent()) {
         if (++steps <= mostSteps)
-            path = path.empty() ? NameOf(*at) : NameOf(*at) + ("@" + path);
+            path.insert(0, path.empty() ? "" : "@").insert(0, NameOf(*at));
     }
     if (steps > mostSteps)
-        path = "...@" + path;
+        path.insert(0, "...@");
     const std::string section = std::string("[") + NameOf(*at) + "]";
     return path.empty() ? section : section + " " + path;
 }
