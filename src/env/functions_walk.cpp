@@ -48,6 +48,7 @@ private:
         std::size_t prefix; // length of the full path of the level's block
     };
 
+    bool LeadsBack(const Subenv &rSub) const;
     void Visit(Subenv sub);
     void VisitLeaf(const Subenv &rSub);
     void VisitBlock(Subenv sub);
@@ -83,8 +84,13 @@ int LeafWalk::Run(CZrEnv &rEnv) {
     return Zr::ENV_OK;
 }
 
+// A name that no path can hold, such as none at all, leads back to the block itself: to descend would never end.
+bool LeafWalk::LeadsBack(const Subenv &rSub) const {
+    return rSub && rSub->GetSubEnvRootElement() == m_levels.back().siblings.Env().GetSubEnvRootElement();
+}
+
 void LeafWalk::Visit(Subenv sub) {
-    const int kind = env_check(Handle(sub.get()), nullptr, nullptr, 1);
+    const int kind = LeadsBack(sub) ? kError : env_check(Handle(sub.get()), nullptr, nullptr, 1);
     switch (kind) {
     case Zr::ENV_NOT_FOUND:
         break;
