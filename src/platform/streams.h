@@ -16,7 +16,8 @@ namespace zr::platform {
 //
 // Reading turns CR LF into LF and ends at a byte 0x1A or at the end of the file; every other byte, a lone CR or LF and
 // NUL among them, passes as it is. Writing turns LF into CR LF and passes everything else. Once an 0x1A was met, reading
-// ends there until the stream is positioned anew.
+// ends there until the stream is positioned anew. (Wine's runtime forgets this when the next 64 KB are fetched; callers that
+// read block by block stop at feof.)
 // ftell gives the offset in the file as the desktop's runtime reckons it: the line feeds between the current place and
 // the end of the block in memory count as two bytes, so offsets are exact in files whose lines end in CR LF. fseek to
 // the start, the end and to any offset from ftell works.
