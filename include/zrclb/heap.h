@@ -20,8 +20,8 @@ ZR_API void *heap_malloc(unsigned int size) ZR_NOEXCEPT;
 /* A block of count elements of size bytes each, all zero, or null. No report on failure. */
 ZR_API void *heap_calloc(unsigned int count, unsigned int size) ZR_NOEXCEPT;
 
-/* Gives block the new size, moving it if need be, or null: then block is as it was. A null block is a new one that the
-   count does not see. */
+/* Gives block the new size, moving it if need be, or null: then block is as it was. A size of 0 frees block and gives
+   null. A null block is a new one. The count sees none of this. */
 ZR_API void *heap_realloc(void *block, unsigned int size) ZR_NOEXCEPT;
 
 /* Frees block. Null does nothing. */

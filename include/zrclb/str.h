@@ -153,8 +153,9 @@ ZR_API double convert_stod(const char *s) ZR_NOEXCEPT;
 ZR_API zr_long convert_stol(const char *s) ZR_NOEXCEPT;
 
 /* Writes value with precision digits behind the point, filled with blanks on the left to width characters, on the right
-   for a negative width. Gives the number of characters written. dst has no limit. Width and precision must together
-   have at most 11 characters; with more, dst becomes empty and the result is 0, with the message "Invalid Parameter". */
+   for a negative width. Gives the number of characters written. dst has no limit. With a negative precision, and where
+   width and precision together have more than 11 characters, dst becomes empty and the result is 0, with the message
+   "Invalid Parameter". */
 ZR_API int convert_dtos(double value, int width, int precision, char *dst) ZR_NOEXCEPT;
 
 /* The same for a long. */

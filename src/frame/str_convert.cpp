@@ -192,12 +192,16 @@ int convert_dtos(double value, int width, int precision, char *dst) noexcept {
         return 0;
     }
     *dst = '\0';
+    if (precision < 0) {
+        InvalidParameterReporter(nullptr, nullptr); // no format has such a precision
+        return 0;
+    }
     char format[16];
     if (str_printf(format, sizeof format, "%%%ld.%ldlf", static_cast<long>(width), static_cast<long>(precision)) < 0) {
         return 0;
     }
-    std::size_t digits = precision > 0 ? static_cast<std::size_t>(precision) : 0;
-    return WriteNumber(dst, std::max(FieldSize(width), whole_size + digits), format, value);
+    std::size_t size = std::max(FieldSize(width), whole_size + static_cast<std::size_t>(precision));
+    return WriteNumber(dst, size, format, value);
 }
 
 int convert_ltos(zr_long value, int width, char *dst) noexcept {

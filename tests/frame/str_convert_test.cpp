@@ -222,6 +222,15 @@ TEST_F(StrConvert, DtosWithAFormatThatDoesNotFitGivesTheEmptyText) {
     EXPECT_EQ(convert_dtos(1.0, 1, 1, nullptr), 0);
 }
 
+TEST_F(StrConvert, DtosWithANegativePrecisionGivesTheEmptyText) {
+    for (int precision : {-1, INT_MIN}) {
+        char out[32] = "old";
+        EXPECT_EQ(convert_dtos(1.0, 8, precision, out), 0);
+        EXPECT_STREQ(out, "");
+        EXPECT_TRUE(TakeInvalidParameter());
+    }
+}
+
 TEST_F(StrConvert, LtosFillsItsField) {
     char out[64];
     EXPECT_EQ(convert_ltos(42, 6, out), 6);
