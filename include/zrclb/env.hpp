@@ -84,7 +84,14 @@ public:
 
     // Nodes of a file that was read share chunks of memory; releasing one looks at where it lives before it ends it.
     static void operator delete(CZrEnvElement *pElem, std::destroying_delete_t);
-    static void operator delete(void *pMemory) { ::operator delete(pMemory); } // after a constructor that threw
+    static void operator delete(void *pMemory) noexcept; // after a constructor that threw
+    static void operator delete(void *pMemory, const std::nothrow_t &) noexcept;
+    static void operator delete(void *, void *) noexcept {}
+
+    // Memory comes from the library, which also gives it back, whoever makes the node.
+    static void *operator new(std::size_t uSize);
+    static void *operator new(std::size_t uSize, const std::nothrow_t &) noexcept;
+    static void *operator new(std::size_t, void *pPlace) noexcept { return pPlace; }
 
 protected:
     // Whether SetName takes a name.

@@ -110,8 +110,14 @@ void CZrEnvBlock::InsertElementIntoContainer(CZrEnvElement *pElem) {
     }
 }
 
+// Without an index the sequence stands for it: a copy of a child names this block too, but is not found.
 bool CZrEnvBlock::RemoveElementFromContainer(CZrEnvElement *pElem) {
-    return !m_pIndex || m_pIndex->Remove(pElem);
+    if (m_pIndex)
+        return m_pIndex->Remove(pElem);
+    const CZrEnvElement *pAt = m_pFirst;
+    while (pAt && pAt != pElem)
+        pAt = pAt->m_pSucc;
+    return pAt != nullptr;
 }
 
 bool CZrEnvBlock::InsertElement(CZrEnvElement *pElem) {
@@ -223,8 +229,10 @@ void CZrEnvBlock::ElemNameChanged(CZrEnvElement *pElem) {
 CZrEnvElement *CZrEnvBlock::Find(std::string_view name, zr_long lPos) const {
     if (const CZrEnvNameIndex *pIndex = LookUpIndex())
         return pIndex->Find(name, lPos);
+    if (lPos < 1)
+        lPos = 1;
     for (CZrEnvElement *pElem = m_pFirst; pElem; pElem = pElem->m_pSucc)
-        if (HasName(pElem, name) && --lPos < 1)
+        if (HasName(pElem, name) && --lPos == 0)
             return pElem;
     return nullptr;
 }

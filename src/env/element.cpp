@@ -40,6 +40,22 @@ void CZrEnvElement::operator delete(CZrEnvElement *pElem, std::destroying_delete
         ::operator delete(pMemory);
 }
 
+void CZrEnvElement::operator delete(void *pMemory) noexcept {
+    ::operator delete(pMemory);
+}
+
+void CZrEnvElement::operator delete(void *pMemory, const std::nothrow_t &) noexcept {
+    ::operator delete(pMemory);
+}
+
+void *CZrEnvElement::operator new(std::size_t uSize) {
+    return ::operator new(uSize);
+}
+
+void *CZrEnvElement::operator new(std::size_t uSize, const std::nothrow_t &) noexcept {
+    return ::operator new(uSize, std::nothrow);
+}
+
 void CZrEnvElement::ReleaseName() {
     if (m_uFlags & CZrEnvNodeStore::OwnsName)
         delete[] m_szName;

@@ -143,6 +143,7 @@ void CZrEnvNameIndex::Replace(CZrEnvElement *pOld, CZrEnvElement *pNew) {
     const auto at = EntryOf(pOld);
     if (at == m_Ordered.end()) {
         m_Ordered.insert(pNew);
+        m_bStale = true;
         return;
     }
     auto entry = m_Ordered.extract(at);
@@ -150,13 +151,20 @@ void CZrEnvNameIndex::Replace(CZrEnvElement *pOld, CZrEnvElement *pNew) {
     m_Ordered.insert(std::move(entry));
 }
 
+// Whether an entry in the range of a name bears it: one that stayed behind may stand between those of any name.
+bool CZrEnvNameIndex::Fits(const CZrEnvElement *pElem, std::string_view name) const {
+    return !m_bStale || (pElem->GetName() && name == pElem->GetName());
+}
+
 CZrEnvElement *CZrEnvNameIndex::Find(std::string_view name, zr_long lPos) const {
     const std::size_t steps = lPos > 1 ? static_cast<std::size_t>(lPos) - 1 : 0;
     if (m_bOrdered) {
+        std::size_t left = steps;
         auto [at, end] = m_Ordered.equal_range(name);
-        for (std::size_t i = 0; i < steps && at != end; ++i)
-            ++at;
-        return at == end ? nullptr : *at;
+        for (; at != end; ++at)
+            if (Fits(*at, name) && left-- == 0)
+                return *at;
+        return nullptr;
     }
     if (m_Slots.empty())
         return nullptr;
@@ -171,7 +179,8 @@ CZrEnvElement *CZrEnvNameIndex::Find(std::string_view name, zr_long lPos) const 
 std::size_t CZrEnvNameIndex::Count(std::string_view name) const {
     if (m_bOrdered) {
         const auto [at, end] = m_Ordered.equal_range(name);
-        return static_cast<std::size_t>(std::distance(at, end));
+        return static_cast<std::size_t>(
+            std::count_if(at, end, [=, this](const CZrEnvElement *pElem) { return Fits(pElem, name); }));
     }
     if (m_Slots.empty())
         return 0;

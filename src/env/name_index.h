@@ -77,8 +77,10 @@ private:
     void Grow();
     void DropHash();
     Ordered::iterator EntryOf(CZrEnvElement *pElem);
+    bool Fits(const CZrEnvElement *pElem, std::string_view name) const;
 
     bool m_bOrdered = false;
+    bool m_bStale = false; // an entry has stayed behind at an old place
     std::size_t m_uUsed = 0;
     std::vector<Slot> m_Slots; // a power of two, at most half of them used
     Ordered m_Ordered;
