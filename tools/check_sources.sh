@@ -1,15 +1,15 @@
 #!/bin/sh
 # Checks of the sources as text: ASCII only, no tabs or blanks at line ends, includes that never point upwards, and tests
 # for the operating system only where they belong. Prints each fault with its place; ends with 1 when there was one.
-cd "$(dirname "$0")/.."
-failed=0
+cd "$(dirname "$0")/.." || exit 1
 
-# fault TITLE < list of places
+# fault TITLE < list of places. At the end of a pipe it runs in a process of its own, so a file remembers the fault.
+faults=$(mktemp) || exit 1
+trap 'rm -f "$faults"' EXIT
 fault() {
     places=$(cat)
     if [ -n "$places" ]; then
-        printf '%s:\n%s\n' "$1" "$places"
-        failed=1
+        printf '%s:\n%s\n' "$1" "$places" | tee -a "$faults"
     fi
 }
 
@@ -34,4 +34,4 @@ system='_WIN32|_WIN64|__linux__|__unix__|_MSC_VER|__MINGW32__|<windows\.h>|<unis
 find src -path src/platform -prune -o -type f -print | xargs grep -nE "$system" | fault "operating system outside src/platform"
 grep -rnE "$system" src/platform/*.h | fault "operating system in the headers of the seam"
 
-exit $failed
+[ ! -s "$faults" ]
