@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 #include <zrclb/report.h>
 
@@ -15,9 +16,16 @@ void ReportError(const char *text, int line) {
     zr_error(text, nullptr, nullptr, "Str", line);
 }
 
-std::size_t CountOccurrences(const char *s, const char *from, std::size_t from_length) {
+// The first `from` in s..end, or null.
+const char *Find(const char *s, const char *end, std::string_view from) {
+    std::size_t at = std::string_view(s, static_cast<std::size_t>(end - s)).find(from);
+    return at != std::string_view::npos ? s + at : nullptr;
+}
+
+std::size_t CountOccurrences(const char *s, std::string_view from) {
+    const char *end = s + std::strlen(s);
     std::size_t count = 0;
-    for (const char *place = std::strstr(s, from); place != nullptr; place = std::strstr(place + from_length, from)) {
+    for (const char *place = Find(s, end, from); place != nullptr; place = Find(place + from.size(), end, from)) {
         ++count;
     }
     return count;
@@ -39,11 +47,14 @@ void ReplaceFirst(char *s, std::size_t count, const char *from, const char *to) 
     std::size_t from_length = std::strlen(from);
     std::size_t to_length = std::strlen(to);
     std::size_t ahead = to_length > from_length ? count * (to_length - from_length) : 0;
-    char *read = s + ahead;
-    std::memmove(read, s, std::strlen(s) + 1);
+    char *start = s + ahead;
+    std::size_t length = std::strlen(s);
+    std::memmove(start, s, length + 1);
+    const char *read = start;
+    const char *end = start + length;
     char *write = s;
     for (std::size_t i = 0; i < count; ++i) {
-        char *place = std::strstr(read, from);
+        const char *place = Find(read, end, {from, from_length});
         if (place == nullptr) {
             break; // only if `from` lies in the text itself
         }
@@ -53,7 +64,7 @@ void ReplaceFirst(char *s, std::size_t count, const char *from, const char *to) 
         write += kept + to_length;
         read = place + from_length;
     }
-    std::memmove(write, read, std::strlen(read) + 1);
+    std::memmove(write, read, static_cast<std::size_t>(end - read) + 1);
 }
 
 } // namespace
@@ -120,7 +131,7 @@ int str_repl_all(char *s, int size, const char *from, const char *to) noexcept {
         return 0;
     }
     std::size_t from_length = std::strlen(from);
-    std::size_t count = CountOccurrences(s, from, from_length);
+    std::size_t count = CountOccurrences(s, {from, from_length});
     auto growth = static_cast<std::int64_t>(std::strlen(to)) - static_cast<std::int64_t>(from_length);
     std::size_t fitting = CountFitting(count, std::strlen(s), growth, size);
     if (fitting > 0) {
