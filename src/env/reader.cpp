@@ -28,7 +28,6 @@ namespace {
 
 constexpr char Tag[] = "ZrEnv";
 constexpr char ModeMark[] = "__ZR_ENV_READ_MODE__";
-constexpr std::size_t FirstCapacity = 8192;
 
 // What a run of ordinary characters stops at.
 enum Stop : unsigned char {
@@ -80,9 +79,6 @@ zr_long Saturated(std::size_t uNumber) {
 
 // ---- One reading from end to end
 
-CZrEnvReader::CZrEnvReader(EEnvReadMode eMode)
-    : m_uCapacity(FirstCapacity), m_pAccumulated(new char[FirstCapacity]), m_eMode(eMode) {}
-
 // Stores the place of a failure in the environment, or that there was none, however the reading ends.
 class CZrEnvReader::PlaceKeeper {
 public:
@@ -110,6 +106,7 @@ EZrEnvError CZrEnvReader::ReadFile(CZrEnv *pEnv, const char *szPath) {
         return ENV_ERROR;
     const std::string path(szPath); // the caller's text may lie in the tree that goes now
     path.copy(m_szFileName, sizeof m_szFileName - 1);
+    m_pAccumulated.reset(new char[m_uCapacity]);
     pEnv->DeleteEnvironmentSections();
     return keeper.Keep(ReadStream(*pEnv, path.c_str()));
 }
@@ -118,6 +115,7 @@ EZrEnvError CZrEnvReader::ReadString(CZrEnv *pEnv, const char *szText) {
     PlaceKeeper keeper(m_Source, pEnv);
     if (!Accepts(pEnv, szText))
         return ENV_ERROR;
+    m_pAccumulated.reset(new char[m_uCapacity]);
     pEnv->DeleteEnvironmentSections();
     ReadText(*pEnv, szText);
     return keeper.Keep(m_eError);
@@ -448,20 +446,27 @@ void CZrEnvReader::Append(const char *pText, std::size_t uLength) {
     m_uUsed += uLength;
 }
 
-// Doubles the buffer until it holds uNeeded. Without memory for it the text is cut at what there is, and reading goes on.
+// Doubles the buffer until it holds uNeeded, or as often as there is memory. False, with a report, if that is not enough:
+// the text is cut at what there is then, and reading goes on.
 bool CZrEnvReader::Grow(std::size_t uNeeded) {
     std::size_t uCapacity = m_uCapacity;
     while (uCapacity < uNeeded && uCapacity <= std::numeric_limits<std::size_t>::max() / 4)
         uCapacity *= 2;
-    std::unique_ptr<char[]> pLarger(uCapacity < uNeeded ? nullptr : new (std::nothrow) char[uCapacity]);
-    if (!pLarger) {
-        zr_error("CZrEnvReader::AccumulateString : Out of memory", m_szFileName, nullptr, Tag, __LINE__);
-        return false;
+    std::unique_ptr<char[]> pLarger;
+    while (!pLarger && uCapacity != m_uCapacity) {
+        pLarger.reset(new (std::nothrow) char[uCapacity]);
+        if (!pLarger)
+            uCapacity /= 2;
     }
-    std::memcpy(pLarger.get(), m_pAccumulated.get(), m_uUsed);
-    m_pAccumulated = std::move(pLarger);
-    m_uCapacity = uCapacity;
-    return true;
+    if (pLarger) {
+        std::memcpy(pLarger.get(), m_pAccumulated.get(), m_uUsed);
+        m_pAccumulated = std::move(pLarger);
+        m_uCapacity = uCapacity;
+    }
+    if (m_uCapacity >= uNeeded)
+        return true;
+    zr_error("CZrEnvReader::AccumulateString : Out of memory", m_szFileName, nullptr, Tag, __LINE__);
+    return false;
 }
 
 // The accumulated text with its line-end marks replaced by line feeds and carriage returns, in one pass: marks cannot

@@ -49,7 +49,7 @@ private:
 // that lie whole in the source's block and hold nothing that the levels would change, and stops in front of any other.
 class CZrEnvReader {
 public:
-    explicit CZrEnvReader(EEnvReadMode eMode);
+    explicit CZrEnvReader(EEnvReadMode eMode) : m_eMode(eMode) {}
     CZrEnvReader(const CZrEnvReader &) = delete;
     CZrEnvReader &operator=(const CZrEnvReader &) = delete;
 
@@ -107,7 +107,7 @@ private:
     Token m_eToken = TokenEnd;
     std::string m_TokenText;
     EZrEnvError m_eError = ENV_OK;
-    std::size_t m_uCapacity;
+    std::size_t m_uCapacity = 8192;
     std::unique_ptr<char[]> m_pAccumulated; // the text in the making
     std::size_t m_uUsed = 0;
     bool m_bCut = false; // no memory: the rest of the text is dropped
