@@ -1133,7 +1133,7 @@ TEST(ElementCopy, Leaf_SharesTextsAndLinks) {
         assigned = view;
         EXPECT_EQ(pFirst->GetString(), assigned.GetString());
         EXPECT_EQ(pSecond, assigned.GetSuccElem());
-        view = view;
+        view = static_cast<const OpenLeaf &>(view); // to itself
         EXPECT_STREQ("a", view.GetName());
     }
     EXPECT_STREQ("a", pFirst->GetName());
