@@ -39,7 +39,7 @@ stop_wine() {
 }
 
 check_format() {
-    find include src tests tools bench fuzz -name '*.h' -o -name '*.hpp' -o -name '*.c' -o -name '*.cpp' |
+    find include src tests tools bench fuzz examples -name '*.h' -o -name '*.hpp' -o -name '*.c' -o -name '*.cpp' |
         xargs clang-format-14 --dry-run -Werror
 }
 

@@ -105,7 +105,8 @@ std::int64_t Leaves() {
     return static_cast<std::int64_t>(Model().leaves);
 }
 
-template <class Library> void Read(benchmark::State &state) {
+template <class Library>
+void Read(benchmark::State &state) {
     Library library;
     for (auto _ : state) {
         library.Read();
@@ -116,7 +117,8 @@ template <class Library> void Read(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * Leaves());
 }
 
-template <class Library> void End(benchmark::State &state) {
+template <class Library>
+void End(benchmark::State &state) {
     Library library;
     for (auto _ : state) {
         state.PauseTiming();
@@ -127,7 +129,8 @@ template <class Library> void End(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * Leaves());
 }
 
-template <class Library> void Write(benchmark::State &state) {
+template <class Library>
+void Write(benchmark::State &state) {
     Library library;
     library.Read();
     for (auto _ : state)
@@ -136,7 +139,8 @@ template <class Library> void Write(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * Leaves());
 }
 
-template <class Library> void LookUp(benchmark::State &state) {
+template <class Library>
+void LookUp(benchmark::State &state) {
     Library library;
     library.Read();
     double sum = 0;

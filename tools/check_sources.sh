@@ -16,7 +16,7 @@ fault() {
 # Every text of the project; data that is kept byte for byte is left out.
 texts=$(find . -path ./build -prune -o -path ./.git -prune -o -path ./tests/golden -prune -o -path ./fuzz/corpus -prune \
     -o -path ./examples -prune -o -type f -print)
-sources=$(find include src tests tools bench fuzz -name '*.h' -o -name '*.hpp' -o -name '*.c' -o -name '*.cpp')
+sources=$(find include src tests tools bench fuzz examples -name '*.h' -o -name '*.hpp' -o -name '*.c' -o -name '*.cpp')
 [ -n "$sources" ] || { echo "no sources found"; exit 1; }
 
 echo "$texts" | LC_ALL=C xargs grep -nP '[^\x00-\x7F]' | fault "not ASCII"

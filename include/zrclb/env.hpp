@@ -214,7 +214,7 @@ private:
 
     CZrEnvDataElement(char *szName, char *szData, std::uint32_t uFlags)
         : CZrEnvElement(szName, uFlags), m_szData(szData) {}
-    void PutData(char *szData);           // takes over an array as the value, null for none
+    void PutData(char *szData);                   // takes over an array as the value, null for none
     EZrEnvError StoreText(std::string_view text); // in place of the present value, which stays on no memory
     bool IsWritable() const;                      // whether the present text may be overwritten where it is
 
