@@ -2,12 +2,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <new>
 #include <random>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -16,62 +16,14 @@
 #include <zrclb/env.hpp>
 
 #include "env/node_store.h"
+#include "env/refused_memory.h"
 #include "env/report_capture.h"
-
-// The next allocation of at least this many bytes fails; 0 for none.
-namespace {
-std::size_t g_refusedSize = 0;
-
-void *Allocate(std::size_t size) {
-    if (g_refusedSize == 0 || size < g_refusedSize)
-        return std::malloc(size);
-    g_refusedSize = 0;
-    return nullptr;
-}
-
-void *AllocateOrThrow(std::size_t size) {
-    void *block = Allocate(size != 0 ? size : 1);
-    if (block == nullptr)
-        throw std::bad_alloc();
-    return block;
-}
-} // namespace
-
-void *operator new(std::size_t size) {
-    return AllocateOrThrow(size);
-}
-void *operator new[](std::size_t size) {
-    return AllocateOrThrow(size);
-}
-void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
-    return Allocate(size);
-}
-void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
-    return Allocate(size);
-}
-void operator delete(void *block) noexcept {
-    std::free(block);
-}
-void operator delete[](void *block) noexcept {
-    std::free(block);
-}
-void operator delete(void *block, std::size_t) noexcept {
-    std::free(block);
-}
-void operator delete[](void *block, std::size_t) noexcept {
-    std::free(block);
-}
-void operator delete(void *block, const std::nothrow_t &) noexcept {
-    std::free(block);
-}
-void operator delete[](void *block, const std::nothrow_t &) noexcept {
-    std::free(block);
-}
 
 namespace {
 
 using zr::test::Error;
 using zr::test::Message;
+using zr::test::Refusal;
 using zr::test::ReportCapture;
 using zr::test::Reports;
 using namespace Zr;
@@ -95,12 +47,71 @@ public:
 // Calls with its next allocation of at least size bytes refused, which has to happen.
 template <class Call>
 EZrEnvError Refused(std::size_t size, Call call) {
-    g_refusedSize = size;
-    const EZrEnvError result = call();
-    EXPECT_EQ(g_refusedSize, 0U);
-    g_refusedSize = 0;
+    EZrEnvError result = ENV_OK;
+    bool met = false;
+    {
+        const Refusal refusal(size);
+        result = call();
+        met = refusal.Met();
+    }
+    EXPECT_TRUE(met) << "nothing of " << size << " bytes was asked for";
     return result;
 }
+
+// Calls what must not ask for as many bytes.
+template <class Call>
+auto WithLessThan(std::size_t size, Call call) {
+    bool untouched = false;
+    const auto results = [&] {
+        const Refusal refusal(size);
+        const auto inner = call();
+        untouched = refusal.Untouched();
+        return inner;
+    }();
+    EXPECT_TRUE(untouched) << "more than " << size - 1 << " bytes were asked for";
+    return results;
+}
+
+// The interface: what it derives from, who may end it, and which getters a constant element has.
+
+static_assert(std::is_base_of_v<CZrEnvElement, CZrEnvDataElement>);
+static_assert(!std::is_destructible_v<CZrEnvDataElement>, "only its owner ends an element");
+
+template <class Element>
+concept HasScalarGetters = requires(Element &element, zr_long &l, double &d, float &f, char *buffer) {
+    element.GetLong(l);
+    element.GetLong();
+    element.GetDouble(d);
+    element.GetDouble();
+    element.GetFloat(f);
+    element.GetFloat();
+    element.GetString(zr_ulong{1}, buffer);
+    element.GetString();
+    element.GetDataLength();
+    element.GetArraySize(l, l);
+};
+template <class Element>
+concept HasGetBinary = requires(Element &element, zr_long *length, char *buffer) {
+    element.GetBinary(length, buffer);
+};
+template <class Element>
+concept HasGetLongs = requires(Element &element, zr_long &l, zr_long *values) {
+    element.GetLongs(l, values);
+};
+template <class Element>
+concept HasGetDoubles = requires(Element &element, zr_long &l, double *values) {
+    element.GetDoubles(l, values);
+};
+template <class Element>
+concept HasGetStrings = requires(Element &element, zr_long &l, char **values) {
+    element.GetStrings(l, l, values);
+};
+
+static_assert(HasScalarGetters<CZrEnvDataElement> && HasScalarGetters<const CZrEnvDataElement>);
+static_assert(HasGetBinary<CZrEnvDataElement> && !HasGetBinary<const CZrEnvDataElement>);
+static_assert(HasGetLongs<CZrEnvDataElement> && !HasGetLongs<const CZrEnvDataElement>);
+static_assert(HasGetDoubles<CZrEnvDataElement> && !HasGetDoubles<const CZrEnvDataElement>);
+static_assert(HasGetStrings<CZrEnvDataElement> && !HasGetStrings<const CZrEnvDataElement>);
 
 // Construction
 
@@ -122,6 +133,12 @@ TEST(DataElementConstruction, RefusedNameLeavesItNamelessWithValue) {
     EXPECT_EQ(leaf.GetName(), nullptr);
     EXPECT_STREQ(leaf.GetString(), "text");
     EXPECT_EQ(Leaf(nullptr, zr_long{1}).GetName(), nullptr);
+    EXPECT_STREQ(Leaf("", zr_long{1}).GetString(), "1");
+    EXPECT_EQ(Leaf("", zr_long{1}).GetName(), nullptr);
+    EXPECT_STREQ(Leaf("=", 1.5).GetString(), "1.5");
+    EXPECT_EQ(Leaf("=", 1.5).GetName(), nullptr);
+    EXPECT_STREQ(Leaf("a=", 1.5F).GetString(), "1.500000");
+    EXPECT_EQ(Leaf("a=", 1.5F).GetName(), nullptr);
 }
 
 TEST(DataElementConstruction, ConvertsToItselfOnly) {
@@ -160,6 +177,7 @@ TEST(DataElementSetDouble, StoresThirteenDigits) {
         {12345678901234.0, "1.234567890123e+13"},
         {Infinity, "inf"},
         {-Infinity, "-inf"},
+        {std::numeric_limits<double>::quiet_NaN(), "nan"},
         {5e-324, "4.940656458412e-324"},
     };
     for (const auto &[value, text] : cases) {
@@ -191,6 +209,22 @@ TEST(DataElementSetFloat, StoresSixPlaces) {
     EXPECT_STREQ(leaf.GetString(), "0.100000");
 }
 
+TEST(DataElementSetFloat, InfinitiesAndNanDoNotReadBack) {
+    const std::pair<float, const char *> cases[] = {
+        {std::numeric_limits<float>::infinity(), "inf"},
+        {-std::numeric_limits<float>::infinity(), "-inf"},
+        {std::numeric_limits<float>::quiet_NaN(), "nan"},
+    };
+    for (const auto &[value, text] : cases) {
+        Leaf leaf;
+        EXPECT_EQ(leaf.SetFloat(value), ENV_OK);
+        EXPECT_STREQ(leaf.GetString(), text);
+        float read = 7.0F;
+        EXPECT_EQ(leaf.GetFloat(read), ENV_BAD_FORMAT);
+        EXPECT_EQ(read, 7.0F);
+    }
+}
+
 TEST(DataElementSetString, StoresTheTextItself) {
     Leaf leaf;
     for (const char *text : {"a", "", "longer text", "a, b; c = [d] {e} \\ _", "\xE4\xF6\xFC\xFF\n\r\x1A", "x"}) {
@@ -217,9 +251,15 @@ TEST(DataElementSetString, ReusesTheBufferForATextThatIsNotLonger) {
     EXPECT_EQ(leaf.SetString("ab"), ENV_OK);
     EXPECT_EQ(leaf.GetString(), buffer);
     EXPECT_STREQ(leaf.GetString(), "ab");
-    // Growth is measured against the present text: this needs a new array, whatever the old one could hold.
-    EXPECT_EQ(leaf.SetString("abc"), ENV_OK);
+}
+
+TEST(DataElementSetString, GrowthIsMeasuredAgainstThePresentText) {
+    Leaf leaf("12345");
+    EXPECT_EQ(leaf.SetString("ab"), ENV_OK);
+    EXPECT_EQ(WithLessThan(5, [&] { return leaf.SetString("abc"); }), ENV_OK) << "the exact size";
     EXPECT_STREQ(leaf.GetString(), "abc");
+    EXPECT_EQ(leaf.SetString("a"), ENV_OK);
+    EXPECT_EQ(Refused(4, [&] { return leaf.SetString("abc"); }), ENV_ERROR) << "a new array, whatever the old one held";
 }
 
 TEST(DataElementSetString, OwnTextAndPartsOfItWork) {
@@ -350,6 +390,15 @@ TEST(DataElementSetStrings, ReusesTheBufferIfTheNeededSizeFits) {
     EXPECT_STREQ(leaf.GetString(), "abc,def");
 }
 
+TEST(DataElementSetStrings, TakesANewArrayIfTheNeededSizeDoesNotFit) {
+    Leaf leaf("1234567"); // the joined text would fit, the size that is asked for does not
+    const char *values[] = {"abc", "def"};
+    EXPECT_EQ(Refused(9, [&] { return leaf.SetStrings(2, values); }), ENV_ERROR);
+    leaf.SetString("1234567");
+    EXPECT_EQ(WithLessThan(10, [&] { return leaf.SetStrings(2, values); }), ENV_OK);
+    EXPECT_STREQ(leaf.GetString(), "abc,def");
+}
+
 TEST(DataElementSetStrings, OwnTextWorks) {
     Leaf leaf("0123456789");
     const char *values[] = {leaf.GetString() + 8, leaf.GetString() + 7, "x"};
@@ -358,6 +407,7 @@ TEST(DataElementSetStrings, OwnTextWorks) {
 }
 
 TEST(DataElementSetLists, BadArgumentsChangeNothing) {
+    ReportCapture reports;
     Leaf leaf("old");
     const zr_long longs[] = {1};
     const double doubles[] = {1.0};
@@ -371,7 +421,10 @@ TEST(DataElementSetLists, BadArgumentsChangeNothing) {
     EXPECT_EQ(leaf.SetDoubles(1, nullptr), ENV_ERROR);
     EXPECT_EQ(leaf.SetStrings(1, nullptr), ENV_ERROR);
     EXPECT_EQ(leaf.SetStrings(2, strings), ENV_ERROR);
+    EXPECT_EQ(leaf.SetString(nullptr), ENV_ERROR);
+    EXPECT_EQ(leaf.SetBinary(1, nullptr), ENV_ERROR);
     EXPECT_STREQ(leaf.GetString(), "old");
+    EXPECT_EQ(reports.Take(), Reports{});
 }
 
 TEST(DataElementSetLists, AMillionValuesReadBack) {
@@ -502,6 +555,51 @@ TEST(DataElementGetBinary, ReportsAsTheDecoderDoes) {
     EXPECT_EQ(reports.Take(), Reports{});
 }
 
+TEST(DataElementGetters, TypesOfWritingAndReadingAreFree) {
+    Leaf leaf("a", zr_long{7});
+    EXPECT_EQ(leaf.GetDouble(), 7.0);
+    EXPECT_EQ(leaf.GetFloat(), 7.0F);
+    EXPECT_EQ(leaf.SetFloat(0.25F), ENV_OK);
+    EXPECT_EQ(leaf.GetDouble(), 0.25);
+    zr_long value = 0;
+    EXPECT_EQ(leaf.GetLong(value), ENV_BAD_FORMAT);
+    EXPECT_EQ(leaf.SetDouble(0.25), ENV_OK);
+    EXPECT_EQ(leaf.GetFloat(), 0.25F);
+    EXPECT_EQ(leaf.SetDouble(3.0), ENV_OK); // stored without a point
+    EXPECT_EQ(leaf.GetLong(value), ENV_OK);
+    EXPECT_EQ(value, 3);
+    EXPECT_EQ(leaf.SetDouble(1e20), ENV_OK);
+    EXPECT_EQ(leaf.GetLong(value), ENV_BAD_FORMAT) << "an exponent";
+
+    const zr_long longs[] = {1, -2};
+    std::array<double, 2> doubles{};
+    zr_long count = 2;
+    EXPECT_EQ(leaf.SetLongs(2, longs), ENV_OK);
+    EXPECT_EQ(leaf.GetDoubles(count, doubles.data()), ENV_OK);
+    EXPECT_EQ(doubles, (std::array<double, 2>{1.0, -2.0}));
+    doubles = {1.0, 2.5};
+    std::array<zr_long, 2> read{9, 9};
+    EXPECT_EQ(leaf.SetDoubles(2, doubles.data()), ENV_OK);
+    EXPECT_EQ(leaf.GetLongs(count, read.data()), ENV_BAD_FORMAT);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(read, (std::array<zr_long, 2>{1, 2})) << "the first one, and what the second begins with";
+}
+
+TEST(DataElementGetters, FaultsAreNotKeptInTheEnvironment) {
+    CZrEnv *env = CZrEnv::CreateEnv(1, nullptr);
+    ASSERT_EQ(env->SetString("A", "x", "no number"), ENV_OK);
+    CZrEnvDataElement *x = env->GetFirstSection()->GetDataElement("x", 1);
+    ASSERT_NE(x, nullptr);
+    env->SetLastError(ENV_IN_USE);
+    zr_long value = 0;
+    char buffer[2];
+    EXPECT_EQ(x->GetLong(value), ENV_BAD_FORMAT);
+    EXPECT_EQ(x->GetString(2, buffer), ENV_TOO_SMALL);
+    EXPECT_EQ(x->SetString(nullptr), ENV_ERROR);
+    EXPECT_EQ(env->GetLastError(), ENV_IN_USE);
+    CZrEnv::DestroyEnv(env, true);
+}
+
 TEST(DataElementGetters, NoValueIsAnErrorOfItsOwn) {
     ReportCapture reports;
     Leaf leaf;
@@ -571,6 +669,27 @@ TEST(DataElementGetLongs, FaultKeepsTheFirstNumbersAndNoCount) {
     EXPECT_EQ(count, 0);
 }
 
+TEST(DataElementGetLongs, OneValueIsAListAndNoneIsAFault) {
+    Leaf leaf(" 5 ");
+    zr_long value = 9;
+    zr_long count = 1;
+    EXPECT_EQ(leaf.GetLongs(count, &value), ENV_OK);
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ(value, 5);
+    for (const char *text : {"", " ", ","}) {
+        leaf.SetString(text);
+        double number = 9.0;
+        count = 1;
+        EXPECT_EQ(leaf.GetLongs(count, &value), ENV_BAD_FORMAT) << text;
+        EXPECT_EQ(count, 0) << text;
+        count = 1;
+        EXPECT_EQ(leaf.GetDoubles(count, &number), ENV_BAD_FORMAT) << text;
+        EXPECT_EQ(count, 0) << text;
+        EXPECT_EQ(number, 9.0) << text;
+    }
+    EXPECT_EQ(value, 5);
+}
+
 TEST(DataElementGetLongs, TwoValuesAreNoScalar) {
     Leaf leaf("5,6");
     zr_long value = 0;
@@ -593,10 +712,11 @@ TEST(DataElementGetDoubles, ReadsAsLongsDo) {
     EXPECT_EQ(leaf.GetDoubles(count, values.data()), ENV_TOO_SMALL);
     EXPECT_EQ(count, 0);
     EXPECT_EQ(values, (std::array<double, 4>{1.5, 20, 9, 9}));
-    leaf.SetString("1.5,x");
+    leaf.SetString("2.5,x");
     count = 4;
     EXPECT_EQ(leaf.GetDoubles(count, values.data()), ENV_BAD_FORMAT);
     EXPECT_EQ(count, 0);
+    EXPECT_EQ(values, (std::array<double, 4>{2.5, 20, 9, 9}));
 }
 
 TEST(DataElementGetNumbers, NoRoomIsTooSmallAndNullIsAnError) {
@@ -678,6 +798,9 @@ TEST(DataElementGetStrings, AStringThatIsTooLongIsLeftUnterminated) {
     EXPECT_EQ(buffers.texts[2], "########");
     EXPECT_EQ(leaf.GetStrings(count, 5, buffers.pointers.data()), ENV_OK);
     EXPECT_STREQ(buffers.pointers[1], "cdef");
+    EXPECT_EQ(leaf.GetStrings(count, 1, buffers.pointers.data()), ENV_TOO_SMALL);
+    EXPECT_EQ(count, 3);
+    EXPECT_STREQ(buffers.pointers[0], "ab") << "no room for a character, and none stored";
 }
 
 TEST(DataElementGetStrings, ArraySizeTellsTheRoomThatIsNeeded) {
@@ -710,6 +833,10 @@ TEST(DataElementGetStrings, BadArgumentsAreErrors) {
     EXPECT_EQ(leaf.GetStrings(count, 8, buffers.pointers.data()), ENV_ERROR);
     EXPECT_EQ(count, 2);
     EXPECT_STREQ(buffers.pointers[0], "a");
+    leaf.SetString("b"); // the null buffer is not needed
+    EXPECT_EQ(leaf.GetStrings(count, 8, buffers.pointers.data()), ENV_OK);
+    EXPECT_EQ(count, 1);
+    EXPECT_STREQ(buffers.pointers[0], "b");
 }
 
 TEST(DataElementGetArraySize, CountsPartsOfAnyText) {
@@ -836,6 +963,20 @@ TEST(DataElementNoMemory, MostSettersKeepTheOldValue) {
     EXPECT_EQ(reports.Take(), Reports(10, Message(Tag, OutOfMemory)));
 }
 
+// The joined text is stored as SetString does it. Texts this short need no memory while they are joined.
+TEST(DataElementNoMemory, ListsThatCannotBeStoredLoseTheOldValue) {
+    ReportCapture reports;
+    const zr_long longs[] = {1234, 5678};
+    const double doubles[] = {12.5, 7.25};
+    Leaf leaf("old");
+    EXPECT_EQ(Refused(10, [&] { return leaf.SetLongs(2, longs); }), ENV_ERROR);
+    EXPECT_EQ(leaf.GetString(), nullptr);
+    leaf.SetString("old");
+    EXPECT_EQ(Refused(10, [&] { return leaf.SetDoubles(2, doubles); }), ENV_ERROR);
+    EXPECT_EQ(leaf.GetString(), nullptr);
+    EXPECT_EQ(reports.Take(), Reports(2, Message(Tag, OutOfMemory)));
+}
+
 TEST(DataElementNoMemory, SetStringLosesTheOldValue) {
     ReportCapture reports;
     Leaf leaf("old");
@@ -860,29 +1001,39 @@ TEST(DataElementNoMemory, SetStringsReportsAnErrorAndLosesTheOldValue) {
 TEST(DataElementNoMemory, ATextThatFitsNeedsNone) {
     Leaf leaf("12345678");
     const char *values[] = {"a", "b"};
-    g_refusedSize = 1;
-    const EZrEnvError results[] = {leaf.SetString("1234567"), leaf.SetLong(-12345), leaf.SetStrings(2, values)};
-    EXPECT_EQ(g_refusedSize, 1U);
-    g_refusedSize = 0;
+    const auto results = WithLessThan(1, [&] {
+        return std::array{leaf.SetString("1234567"), leaf.SetLong(-12345), leaf.SetStrings(2, values)};
+    });
     EXPECT_THAT(results, testing::Each(ENV_OK));
     EXPECT_STREQ(leaf.GetString(), "a,b");
 }
 
 TEST(DataElementNoMemory, ReadingNeedsNone) {
     Leaf leaf("1.5,2.5");
-    std::array<double, 2> values{};
-    zr_long count = 2;
-    zr_long parts = 0;
-    zr_long longest = 0;
-    char bytes[16];
+    Leaf number("12");
+    std::array<double, 2> doubles{};
+    std::array<zr_long, 1> longs{};
+    zr_long count = 2, one = 1, parts = 0, longest = 0, texts = 2, value = 0;
+    double dValue = 0.0;
+    float fValue = 0.0F;
+    char bytes[16], first[8], second[8];
+    char *buffers[] = {first, second};
     zr_long length = sizeof bytes;
-    g_refusedSize = 1;
-    const EZrEnvError results[] = {leaf.GetDoubles(count, values.data()), leaf.GetArraySize(parts, longest),
-                                   leaf.GetBinary(&length, bytes)};
-    EXPECT_EQ(g_refusedSize, 1U);
-    g_refusedSize = 0;
+    const auto results = WithLessThan(1, [&] {
+        return std::array{leaf.GetDoubles(count, doubles.data()),
+                          number.GetLongs(one, longs.data()),
+                          number.GetLong(value),
+                          number.GetDouble(dValue),
+                          number.GetFloat(fValue),
+                          leaf.GetString(8, first),
+                          leaf.GetStrings(texts, 8, buffers),
+                          leaf.GetArraySize(parts, longest),
+                          leaf.GetBinary(&length, bytes)};
+    });
     EXPECT_THAT(results, testing::Each(ENV_OK));
-    EXPECT_EQ(values, (std::array<double, 2>{1.5, 2.5}));
+    EXPECT_EQ(doubles, (std::array<double, 2>{1.5, 2.5}));
+    EXPECT_EQ(longs[0], 12);
+    EXPECT_STREQ(second, "2.5");
 }
 
 } // namespace

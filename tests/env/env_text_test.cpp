@@ -1,6 +1,7 @@
 // Reading and writing as operations of the environment: order of steps, reports, files, what stays after a failure.
 #include <cstdio>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "env/text_support.h"
@@ -11,6 +12,9 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+static_assert(eEnvReadWrapped == 0 && eEnvReadNotWrapped == 1 && eEnvReadAuto == 2);
+static_assert(std::is_same_v<EEnvReadMode, Zr::EEnvReadMode> && Zr::eEnvReadAuto == eEnvReadAuto);
 
 class EnvText : public TextTest {
 protected:
@@ -32,13 +36,13 @@ TEST_F(EnvText, ReadingReplacesWhatWasThere) {
     EXPECT_EQ(TreeOf(*env), Tree{Section("B", {})});
     EXPECT_EQ(ReadAsFile("[C]\n"), Zr::ENV_OK);
     EXPECT_EQ(TreeOf(*env), Tree{Section("C", {})});
-    EXPECT_THAT(TextsOf(reports), IsEmpty());
+    EXPECT_THAT(reports.Take(), IsEmpty());
 }
 
 TEST_F(EnvText, NullTextIsReportedAndChangesNothing) {
     EXPECT_EQ(env->ReadFile(nullptr, eEnvReadAuto), Zr::ENV_ERROR);
     EXPECT_EQ(env->ReadString(nullptr, eEnvReadAuto), Zr::ENV_ERROR);
-    EXPECT_THAT(TextsOf(reports), ElementsAre("NULL-Pointer", "NULL-Pointer"));
+    EXPECT_THAT(reports.Take(), ElementsAre(Error(Tag, "NULL-Pointer"), Error(Tag, "NULL-Pointer")));
     EXPECT_EQ(TreeOf(*env), tree);
 }
 
@@ -48,10 +52,31 @@ TEST_F(EnvText, ReadingIntoASubenvironmentIsRefused) {
     EXPECT_EQ(sub->ReadString("[B]", eEnvReadAuto), Zr::ENV_ERROR);
     EXPECT_EQ(sub->ReadFile(Path("none").c_str(), eEnvReadAuto), Zr::ENV_ERROR);
     EXPECT_EQ(sub->ReadFile(nullptr, eEnvReadAuto), Zr::ENV_ERROR);
-    EXPECT_THAT(TextsOf(reports), ElementsAre("can not read subenv", "can not read subenv", "NULL-Pointer"));
+    EXPECT_EQ(sub->ReadString(nullptr, eEnvReadAuto), Zr::ENV_ERROR);
+    EXPECT_THAT(reports.Take(), ElementsAre(Message(Tag, "can not read subenv"), Message(Tag, "can not read subenv"),
+                                            Error(Tag, "NULL-Pointer"), Error(Tag, "NULL-Pointer")));
     EXPECT_EQ(TreeOf(*env), tree);
     EXPECT_EQ(sub->GetFileMTime(), Zr::ENV_ERROR);
     Zr::CZrEnv::DestroyEnv(sub, false);
+}
+
+// Opens a private operation to the test: an explicit instantiation may name it.
+void StoreFileMTime(Zr::CZrEnv &target, zr_long time);
+template <auto Operation>
+struct PrivateOperation {
+    friend void StoreFileMTime(Zr::CZrEnv &target, zr_long time) { (target.*Operation)(time); }
+};
+template struct PrivateOperation<&Zr::CZrEnv::SetFileMTime>;
+
+TEST_F(EnvText, TimeOfASubenvironmentIsNotStored) {
+    StoreFileMTime(*env, 77);
+    Zr::CZrEnv *sub = env->OpenSubenv("A", nullptr, true);
+    ASSERT_NE(sub, nullptr);
+    StoreFileMTime(*sub, 88);
+    EXPECT_THAT(reports.Take(), ElementsAre(Message(Tag, "Try to call 'env_core_set_mtime' for subenv")));
+    EXPECT_EQ(sub->GetFileMTime(), Zr::ENV_ERROR);
+    Zr::CZrEnv::DestroyEnv(sub, false);
+    EXPECT_EQ(env->GetFileMTime(), 77);
 }
 
 TEST_F(EnvText, WritingASubenvironmentGivesNoSections) {
@@ -62,14 +87,15 @@ TEST_F(EnvText, WritingASubenvironmentGivesNoSections) {
     char *text = sub->WriteString(true);
     EXPECT_STREQ(text, "");
     Zr::CZrEnv::FreeString(text);
-    EXPECT_THAT(TextsOf(reports), ElementsAre("can not write subenv", "can not write subenv"));
+    EXPECT_THAT(reports.Take(),
+                ElementsAre(Message(Tag, "can not write subenv"), Message(Tag, "can not write subenv")));
     EXPECT_EQ(TreeOf(*env), tree);
     Zr::CZrEnv::DestroyEnv(sub, false);
 }
 
 TEST_F(EnvText, FileThatCannotBeOpenedEmptiesTheEnvironment) {
     EXPECT_EQ(env->ReadFile(Path("missing").c_str(), eEnvReadAuto), Zr::ENV_ERROR);
-    EXPECT_THAT(TextsOf(reports), ElementsAre("Can't open to read:|" + Path("missing")));
+    EXPECT_THAT(reports.Take(), ElementsAre(Error(Tag, "Can't open to read:", Path("missing"))));
     EXPECT_EQ(TreeOf(*env), Tree());
     ExpectPlace(1, 1);
 }
@@ -77,17 +103,20 @@ TEST_F(EnvText, FileThatCannotBeOpenedEmptiesTheEnvironment) {
 TEST_F(EnvText, FolderAndEmptyPathAreNoFiles) {
     EXPECT_EQ(env->ReadFile(folder.string().c_str(), eEnvReadAuto), Zr::ENV_ERROR);
     EXPECT_EQ(env->ReadFile("", eEnvReadAuto), Zr::ENV_ERROR);
-    EXPECT_THAT(TextsOf(reports), ElementsAre("Can't open to read:|" + folder.string(), "Can't open to read:|"));
+    EXPECT_THAT(reports.Take(),
+                ElementsAre(Error(Tag, "Can't open to read:", folder.string()), Error(Tag, "Can't open to read:", "")));
     EXPECT_FALSE(env->WriteFile(folder.string().c_str(), true));
     EXPECT_FALSE(env->WriteFile("", true));
-    EXPECT_THAT(TextsOf(reports), ElementsAre("Can't open to write:|" + folder.string(), "Can't open to write:|"));
+    EXPECT_THAT(reports.Take(), ElementsAre(Error(Tag, "Can't open to write:", folder.string()),
+                                            Error(Tag, "Can't open to write:", "")));
 }
 
 TEST_F(EnvText, OverlongPathIsReportedWhole) {
     const std::string path = Path(std::string(400, 'p'));
     EXPECT_EQ(env->ReadFile(path.c_str(), eEnvReadAuto), Zr::ENV_ERROR);
     EXPECT_FALSE(env->WriteFile(path.c_str(), false));
-    EXPECT_THAT(TextsOf(reports), ElementsAre("Can't open to read:|" + path, "Can't open to write:|" + path));
+    EXPECT_THAT(reports.Take(),
+                ElementsAre(Error(Tag, "Can't open to read:", path), Error(Tag, "Can't open to write:", path)));
 }
 
 std::string streamPath; // what the replaced open_text opens in place of a path of many letters p
@@ -102,7 +131,7 @@ TEST_F(EnvText, FileNameInReportsIsCut) {
     zr::platform::services.open_text = OpenStreamPath;
     EXPECT_EQ(env->ReadFile(std::string(300, 'p').c_str(), eEnvReadAuto), Zr::ENV_BAD_FORMAT);
     zr::platform::services = {};
-    EXPECT_THAT(TextsOf(reports), ElementsAre("Section expected|" + std::string(259, 'p')));
+    EXPECT_THAT(reports.Take(), ElementsAre(Error(Tag, "Section expected", std::string(259, 'p'))));
 }
 
 std::FILE *OpenNoEnv(const char *path, const char *mode) {
@@ -117,8 +146,23 @@ TEST_F(EnvText, UnreadableFileEmptiesAndUnwritableFileDoesNot) {
     EXPECT_EQ(env->ReadFile(Path("a.env").c_str(), eEnvReadAuto), Zr::ENV_ERROR);
     EXPECT_EQ(TreeOf(*env), Tree());
     zr::platform::services = {};
-    EXPECT_THAT(TextsOf(reports),
-                ElementsAre("Can't open to write:|" + Path("a.env"), "Can't open to read:|" + Path("a.env")));
+    EXPECT_THAT(reports.Take(), ElementsAre(Error(Tag, "Can't open to write:", Path("a.env")),
+                                            Error(Tag, "Can't open to read:", Path("a.env"))));
+}
+
+std::FILE *OpenToRead(const char *path, const char *) {
+    return zr::platform::backend::OpenText(path, "rt");
+}
+
+TEST_F(EnvText, WritingThatFailsOnTheWayIsTrue) {
+    WriteBytes(Path("a.env"), "old");
+    ASSERT_EQ(env->SetString("A", "x", std::string(200000, 'v').c_str()), Zr::ENV_OK);
+    reports.Take();
+    zr::platform::services.open_text = OpenToRead;
+    EXPECT_TRUE(env->WriteFile(Path("a.env").c_str(), true));
+    zr::platform::services = {};
+    EXPECT_THAT(reports.Take(), IsEmpty());
+    EXPECT_EQ(ReadBytes(Path("a.env")), "old");
 }
 
 TEST_F(EnvText, PathMayLieInTheTreeThatIsReplaced) {
@@ -130,14 +174,14 @@ TEST_F(EnvText, PathMayLieInTheTreeThatIsReplaced) {
 
 TEST_F(EnvText, NullPathIsNotWritten) {
     EXPECT_FALSE(env->WriteFile(nullptr, true));
-    EXPECT_THAT(TextsOf(reports), ElementsAre("Can't open to write:|"));
+    EXPECT_THAT(reports.Take(), ElementsAre(Error(Tag, "Can't open to write:", "")));
 }
 
 TEST_F(EnvText, FailedReadKeepsTheSectionsBeforeTheFault) {
     EXPECT_EQ(ReadAsFile("[B]\n[C]\ny=2\n[D]\nz={\n"), Zr::ENV_BAD_FORMAT);
     EXPECT_EQ(TreeOf(*env), (Tree{Section("B", {}), Section("C", {Data("y", "2")})}));
-    EXPECT_THAT(TextsOf(reports), ElementsAre("Cbracesymbol expected|" + Path("a.env"),
-                                              "Fehler beim Lesen der Sektion:|D|" + Path("a.env")));
+    EXPECT_THAT(reports.Take(), ElementsAre(Error(Tag, "Cbracesymbol expected", Path("a.env")),
+                                            Error(Tag, "Fehler beim Lesen der Sektion:", "D", Path("a.env"))));
     ExpectPlace(6, 1);
     EXPECT_EQ(env->GetFileMTime(), -1);
 }
@@ -187,14 +231,26 @@ TEST_F(EnvText, ModificationTimeIsThatOfTheFile) {
     EXPECT_EQ(env->GetFileMTime(), 0x34567890);
 }
 
+TEST_F(EnvText, FailedReadKeepsTheRecordedTime) {
+    StoreFileMTime(*env, 77);
+    zr::platform::services.file_status = status;
+    EXPECT_EQ(ReadAsFile("[B]\n}"), Zr::ENV_BAD_FORMAT);
+    EXPECT_EQ(env->GetFileMTime(), 77);
+    EXPECT_EQ(env->ReadFile(Path("missing").c_str(), eEnvReadAuto), Zr::ENV_ERROR);
+    EXPECT_EQ(env->GetFileMTime(), 77);
+    EXPECT_EQ(env->ReadString("[B]\n}", eEnvReadAuto), Zr::ENV_BAD_FORMAT);
+    EXPECT_EQ(env->GetFileMTime(), 77);
+}
+
 TEST_F(EnvText, MissingModificationTimeIsReportedAndNoFailure) {
+    StoreFileMTime(*env, 77);
     zr::platform::services.file_status = noStatus;
     EXPECT_EQ(ReadAsFile("[B]"), Zr::ENV_OK);
-    EXPECT_EQ(env->GetFileMTime(), -1);
+    EXPECT_EQ(env->GetFileMTime(), 77);
     EXPECT_EQ(TreeOf(*env), Tree{Section("B", {})});
-    EXPECT_THAT(TextsOf(reports), ElementsAre("_stat failed"));
+    EXPECT_THAT(reports.Take(), ElementsAre(Message(Tag, "_stat failed")));
     EXPECT_EQ(ReadAsFile("[B]\n}"), Zr::ENV_BAD_FORMAT);
-    EXPECT_THAT(TextsOf(reports), ElementsAre("Section expected|" + Path("a.env")));
+    EXPECT_THAT(reports.Take(), ElementsAre(Error(Tag, "Section expected", Path("a.env"))));
 }
 
 TEST_F(EnvText, FileKeepsItsModeThroughACycle) {

@@ -161,15 +161,25 @@ TEST(FormatDouble, AgreesWithTheStandardLibrary) {
     }
 }
 
+// Switches to a locale with a decimal comma, under the names that systems have for one. False if there is none.
+bool SetLocaleWithComma() {
+    for (const char *name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "German_Germany.1252", "fr_FR.UTF-8"}) {
+        if (std::setlocale(LC_ALL, name) != nullptr && *std::localeconv()->decimal_point == ',')
+            return true;
+    }
+    return false;
+}
+
 TEST(FormatDouble, IgnoresTheProcessLocale) {
-    // A locale with a comma, if the system has one; the point must come either way.
-    const char *const locale = std::setlocale(LC_ALL, "de_DE.UTF-8");
-    if (locale == nullptr)
-        std::setlocale(LC_ALL, "German_Germany.1252");
+    const bool hasComma = SetLocaleWithComma();
     EXPECT_EQ(G13Text(1.5), "1.5");
     EXPECT_EQ(F6Text(1.5), "1.500000");
     EXPECT_EQ(ReadDouble("1.5"), 1.5);
+    EXPECT_EQ(ReadDouble("1,5"), 1.0);
+    EXPECT_EQ(ReadDouble("1.00000000000000000000000000000000000000005"), 1.0); // too long for the short ways
     std::setlocale(LC_ALL, "C");
+    if (!hasComma)
+        GTEST_SKIP() << "no locale with a decimal comma is installed: only the C locale was looked at";
 }
 
 struct Scanned {

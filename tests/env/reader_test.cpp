@@ -5,6 +5,8 @@
 #include <thread>
 #include <vector>
 
+#include "env/reader.h"
+#include "env/refused_memory.h"
 #include "env/text_support.h"
 
 namespace text_test {
@@ -12,6 +14,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using zr::test::Refusal;
 
 class Reader : public TextTest {
 protected:
@@ -20,7 +23,7 @@ protected:
     // Reads a text that has to succeed.
     Tree Read(const std::string &text, EEnvReadMode mode = eEnvReadWrapped) {
         EXPECT_EQ(env->ReadString(text.c_str(), mode), Zr::ENV_OK);
-        EXPECT_THAT(TextsOf(reports), IsEmpty());
+        EXPECT_THAT(reports.Take(), IsEmpty());
         return TreeOf(*env);
     }
     // The value of the only element of [A], written behind "x =".
@@ -30,18 +33,19 @@ protected:
             return "(not one element)";
         return tree[0].children[0].value.value_or("(no value)");
     }
-    void ExpectFault(const std::string &text, const Tree &tree, const std::vector<std::string> &texts, zr_long line,
-                     zr_long column) {
+    void ExpectFault(const std::string &text, const Tree &tree, const Reports &told, zr_long line, zr_long column) {
         SCOPED_TRACE(text);
         EXPECT_EQ(env->ReadString(text.c_str(), eEnvReadWrapped), Zr::ENV_BAD_FORMAT);
         EXPECT_EQ(TreeOf(*env), tree);
-        EXPECT_EQ(TextsOf(reports), texts);
+        EXPECT_EQ(reports.Take(), told);
         zr_long gotLine = 0, gotColumn = 0;
         EXPECT_EQ(env->GetErrorPosition(gotLine, gotColumn), Zr::ENV_OK);
         EXPECT_EQ(gotLine, line);
         EXPECT_EQ(gotColumn, column);
     }
-    const std::string expected = "Fehler beim Lesen der Sektion:";
+    // What is told of a text without a file name.
+    static zr::test::Report Fault(const char *what) { return Error(Tag, what, ""); }
+    static zr::test::Report GivenUp(const char *name) { return Error(Tag, "Fehler beim Lesen der Sektion:", name, ""); }
 };
 
 TEST_F(Reader, WorkedExampleGivesItsTree) {
@@ -63,6 +67,11 @@ TEST_F(Reader, WorkedExampleGivesItsTree) {
 TEST_F(Reader, TextWithoutASectionIsEmpty) {
     for (const char *text : {"", "\n", "abc", "x =1\n}\n", ";[A]\n", "  ; [A]\n", "__ZR_ENV_READ_MODE__"})
         EXPECT_EQ(Read(text), Tree()) << text;
+    for (const char *text : {"", "\r\n", "x =1\r\n"}) {
+        EXPECT_EQ(ReadAsFile(text), Zr::ENV_OK) << text;
+        EXPECT_EQ(TreeOf(*env), Tree()) << text;
+    }
+    EXPECT_THAT(reports.Take(), IsEmpty());
 }
 
 TEST_F(Reader, TextBeforeTheFirstSectionIsSkipped) {
@@ -216,32 +225,32 @@ TEST_F(Reader, LongModeLineIsSkippedAsFarAsItWasLookedAt) {
 }
 
 TEST_F(Reader, TokenThatBelongsToNoSectionIsReported) {
-    ExpectFault("[A]\nx=1\n}\n[B]\n", {Section("A", {Data("x", "1")})}, {"Section expected|"}, 3, 1);
-    ExpectFault("[A]\n  =1\n", {Section("A", {})}, {"Section expected|"}, 2, 3);
+    ExpectFault("[A]\nx=1\n}\n[B]\n", {Section("A", {Data("x", "1")})}, {Fault("Section expected")}, 3, 1);
+    ExpectFault("[A]\n  =1\n", {Section("A", {})}, {Fault("Section expected")}, 2, 3);
 }
 
 TEST_F(Reader, NameWithoutEqualSignAtTheEndIsReported) {
-    ExpectFault("[A]\nx=1\n[B]\nabc\n", {Section("A", {Data("x", "1")})}, {"Equal sign expected|", expected + "|B|"}, 5,
-                1);
-    ExpectFault("[B]\nabc", {}, {"Equal sign expected|", expected + "|B|"}, 2, 4);
+    ExpectFault("[A]\nx=1\n[B]\nabc\n", {Section("A", {Data("x", "1")})}, {Fault("Equal sign expected"), GivenUp("B")},
+                5, 1);
+    ExpectFault("[B]\nabc", {}, {Fault("Equal sign expected"), GivenUp("B")}, 2, 4);
 }
 
 TEST_F(Reader, MissingBraceIsReported) {
-    ExpectFault("[A]\nx ={\ny =1\n", {}, {"Cbracesymbol expected|", expected + "|A|"}, 4, 1);
-    ExpectFault("[A]\nx ={\ny =1\n [B]\n", {}, {"Cbracesymbol expected|", expected + "|A|"}, 4, 2);
-    ExpectFault("[A]\nx ={\n=\n}", {}, {"Cbracesymbol expected|", expected + "|A|"}, 3, 1);
+    ExpectFault("[A]\nx ={\ny =1\n", {}, {Fault("Cbracesymbol expected"), GivenUp("A")}, 4, 1);
+    ExpectFault("[A]\nx ={\ny =1\n [B]\n", {}, {Fault("Cbracesymbol expected"), GivenUp("A")}, 4, 2);
+    ExpectFault("[A]\nx ={\n=\n}", {}, {Fault("Cbracesymbol expected"), GivenUp("A")}, 3, 1);
 }
 
 TEST_F(Reader, FaultDeepInBlocksIsReportedOnceAndOnceForTheSection) {
-    ExpectFault("[0]\n[A]\na={\nb={\nc={\nd=1\n}\n", {Section("0", {})}, {"Cbracesymbol expected|", expected + "|A|"},
+    ExpectFault("[0]\n[A]\na={\nb={\nc={\nd=1\n}\n", {Section("0", {})}, {Fault("Cbracesymbol expected"), GivenUp("A")},
                 8, 1);
-    ExpectFault("[A]\na={\nb={\nc={\nname", {}, {"Equal sign expected|", expected + "|A|"}, 5, 5);
+    ExpectFault("[A]\na={\nb={\nc={\nname", {}, {Fault("Equal sign expected"), GivenUp("A")}, 5, 5);
 }
 
 TEST_F(Reader, PlaceCountsCommentsModeLineAndCarriageReturns) {
-    ExpectFault("__ZR_ENV_READ_MODE__\n;c\n[A]\n}", {Section("A", {})}, {"Section expected|"}, 4, 1);
-    ExpectFault("[A]\r\n}\r\n", {Section("A", {})}, {"Section expected|"}, 2, 1);
-    ExpectFault("[A]\\\n  }", {Section("A", {})}, {"Section expected|"}, 2, 3);
+    ExpectFault("__ZR_ENV_READ_MODE__\n;c\n[A]\n}", {Section("A", {})}, {Fault("Section expected")}, 4, 1);
+    ExpectFault("[A]\r\n}\r\n", {Section("A", {})}, {Fault("Section expected")}, 2, 1);
+    ExpectFault("[A]\\\n  }", {Section("A", {})}, {Fault("Section expected")}, 2, 3);
 }
 
 TEST_F(Reader, CarriageReturnIsDroppedAndWhatFollowsTaken) {
@@ -255,6 +264,18 @@ TEST_F(Reader, CarriageReturnIsDroppedAndWhatFollowsTaken) {
     EXPECT_EQ(Read("[A]\n\r;x\n\r\r\n=1\n"), Tree{Section("A", {Data("\r\n", "1")})});
 }
 
+// A block of a stream has 30000 bytes. Its first byte is taken as it is, also when it is a carriage return.
+TEST_F(Reader, CarriageReturnAtTheStartOfABlockStays) {
+    const std::string head = "[A]\nx =";
+    for (const std::size_t at : {29999u, 30000u, 30001u, 60000u}) {
+        const std::string filler(at - head.size(), 'v');
+        ASSERT_EQ(ReadAsFile(head + filler + "\rb\ny =2\n"), Zr::ENV_OK);
+        const bool first = at % 30000 == 0;
+        EXPECT_TRUE(TreeOf(*env) == (Tree{Section("A", {Data("x", filler + (first ? "\rb" : "b")), Data("y", "2")})}))
+            << at;
+    }
+}
+
 TEST_F(Reader, Byte0xFFEndsATextThatItDoesNotBegin) {
     EXPECT_EQ(Read("[A]\n\xFFx=1\n"), Tree{Section("A", {Data("\xFFx", "1")})});
     EXPECT_EQ(Value("\xFF"
@@ -263,7 +284,7 @@ TEST_F(Reader, Byte0xFFEndsATextThatItDoesNotBegin) {
               "a");
     EXPECT_EQ(Read("[A]\nx=1\xFFy=2\n"), (Tree{Section("A", {Data("x", "1"), Data("y", "2")})}));
     EXPECT_EQ(Read("[A\xFFx]=1\n"), Tree{Section("A", {Data("x]", "1")})});
-    ExpectFault("[A]\na\xFF=1\n", {}, {"Equal sign expected|", expected + "|A|"}, 2, 2);
+    ExpectFault("[A]\na\xFF=1\n", {}, {Fault("Equal sign expected"), GivenUp("A")}, 2, 2);
 }
 
 TEST_F(Reader, ZeroByteInAFileEndsTheTextThatHoldsIt) {
@@ -294,6 +315,64 @@ TEST_F(Reader, LastErrorIsClearedByWhatParses) {
     EXPECT_EQ(env->GetLastError(), Zr::ENV_OK);
 }
 
+TEST_F(Reader, LastErrorStaysWhereNothingIsParsed) {
+    env->SetLastError(Zr::ENV_TOO_SMALL);
+    EXPECT_EQ(env->ReadString(nullptr, eEnvReadAuto), Zr::ENV_ERROR);
+    EXPECT_EQ(env->ReadFile(Path("missing").c_str(), eEnvReadAuto), Zr::ENV_ERROR);
+    EXPECT_EQ(env->GetLastError(), Zr::ENV_TOO_SMALL);
+    EXPECT_EQ(env->ReadString("", eEnvReadAuto), Zr::ENV_OK);
+    EXPECT_EQ(env->GetLastError(), Zr::ENV_OK);
+}
+
+TEST_F(Reader, NullEnvironmentIsReported) {
+    EXPECT_EQ(Zr::CZrEnvReader(eEnvReadAuto).ReadFile(nullptr, Path("a.env").c_str()), Zr::ENV_ERROR);
+    EXPECT_EQ(Zr::CZrEnvReader(eEnvReadAuto).ReadString(nullptr, "[A]"), Zr::ENV_ERROR);
+    EXPECT_THAT(reports.Take(), ElementsAre(Error(Tag, "NULL-Pointer"), Error(Tag, "NULL-Pointer")));
+}
+
+// ---- No memory
+
+// The buffer for a text has 8192 bytes at first, and then twice as many. The fold keeps the value in it.
+TEST_F(Reader, TextIsCutWhereTheBufferCannotGrow) {
+    const std::string text = "[A]\nx =a\\\n" + std::string(10000, 'v') + "\ny =2\n";
+    const Tree cut = {Section("A", {Data("x", "a" + std::string(8190, 'v')), Data("y", "2")})};
+    for (const bool asFile : {false, true}) {
+        WriteBytes(Path("a.env"), text);
+        const std::string path = Path("a.env");
+        Zr::EZrEnvError result = Zr::ENV_ERROR;
+        bool met = false;
+        {
+            const Refusal refusal(16384, 16384);
+            result = asFile ? env->ReadFile(path.c_str(), eEnvReadAuto) : env->ReadString(text.c_str(), eEnvReadAuto);
+            met = refusal.Met();
+        }
+        EXPECT_TRUE(met);
+        EXPECT_EQ(result, Zr::ENV_OK);
+        EXPECT_TRUE(TreeOf(*env) == cut);
+        EXPECT_THAT(reports.Take(),
+                    ElementsAre(Error(Tag, "CZrEnvReader::AccumulateString : Out of memory", asFile ? path : "")));
+    }
+}
+
+// With little memory the block is halved, plus one: 30000, 15001, 7501. Where it ends shows at a carriage return.
+TEST_F(Reader, BlockIsHalvedUntilThereIsMemory) {
+    const std::string head = "[A]\nx =";
+    const std::string filler(7501 - head.size(), 'v');
+    WriteBytes(Path("a.env"), head + filler + "\rb\n");
+    const std::string path = Path("a.env");
+    Zr::EZrEnvError result = Zr::ENV_ERROR;
+    bool met = false;
+    {
+        const Refusal refusal(15001, 30000, 2);
+        result = env->ReadFile(path.c_str(), eEnvReadAuto);
+        met = refusal.Met();
+    }
+    EXPECT_TRUE(met);
+    EXPECT_EQ(result, Zr::ENV_OK);
+    EXPECT_TRUE(TreeOf(*env) == Tree{Section("A", {Data("x", filler + "\rb")})});
+    EXPECT_THAT(reports.Take(), IsEmpty());
+}
+
 // ---- Size and depth
 
 TEST_F(Reader, MillionLevelsRead) {
@@ -322,7 +401,7 @@ TEST_F(Reader, FaultBelowAMillionLevelsIsReportedOnce) {
     for (int i = 0; i < 1000000; ++i)
         text += "b ={\n";
     EXPECT_EQ(env->ReadString(text.c_str(), eEnvReadAuto), Zr::ENV_BAD_FORMAT);
-    EXPECT_THAT(TextsOf(reports), ElementsAre("Cbracesymbol expected|", expected + "|A|"));
+    EXPECT_THAT(reports.Take(), ElementsAre(Fault("Cbracesymbol expected"), GivenUp("A")));
     EXPECT_EQ(env->GetFirstSection(), nullptr);
 }
 

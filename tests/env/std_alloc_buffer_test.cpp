@@ -53,6 +53,19 @@ TEST(StdAllocBuffer, ABlockThatWasNotFreedIsReportedAndForgotten) {
     heap_free(forgotten);
 }
 
+TEST(StdAllocBuffer, ASecondLargeRequestKeepsTheNewBlock) {
+    ReportCapture reports;
+    void *forgotten = StdAllocBuffer(20000, 1);
+    void *kept = StdAllocBuffer(20001, 1);
+    ASSERT_NE(kept, nullptr);
+    EXPECT_NE(kept, forgotten);
+    EXPECT_EQ(g_StdAllocBuff, kept);
+    EXPECT_EQ(reports.Take(), Reports{Error("ZrEnvDataConvert", "g_StdAllocBuff !=  NIL")});
+    StdFreeBuffer();
+    EXPECT_EQ(g_StdAllocBuff, nullptr);
+    heap_free(forgotten);
+}
+
 TEST(StdAllocBuffer, NoMemoryIsReported) {
     ReportCapture reports;
     EXPECT_EQ(StdAllocBuffer(0xFFFFFFFF, 0xFFFFFFFF), nullptr);

@@ -21,8 +21,12 @@
 
 namespace text_test {
 
+using zr::test::Error;
+using zr::test::Message;
 using zr::test::ReportCapture;
-using zr::test::TextsOf;
+using zr::test::Reports;
+
+constexpr const char *Tag = "ZrEnv"; // of all reports of reading and writing
 
 inline std::string ReadBytes(const std::string &path) {
     std::ifstream stream(path, std::ios::binary);

@@ -92,12 +92,18 @@ TEST(ParseLong, RefusesWhatIsNoIntegerAndStoresNothing) {
 }
 
 TEST(ParseLong, StoresBeforeItRefusesWhatFollows) {
-    for (const char *text : {"12 34", "12,34", "12.0", "12abc", "12e1", "12\v", "12\x1A", "12\xFF"}) {
+    for (const char *text : {"12 34", "12,34", "12.0", "12abc", "12e1", "12x10", "12\v", "12\x1A", "12\xFF"}) {
         const Outcome<zr_long> outcome = Long(text);
         EXPECT_EQ(outcome.result, -1) << text;
         EXPECT_EQ(outcome.values, std::vector<zr_long>{12}) << text;
         EXPECT_EQ(outcome.message, "EOF expected") << text;
     }
+}
+
+TEST(ParseLong, TakesNoHexadecimal) {
+    const Outcome<zr_long> outcome = Long("0x10");
+    EXPECT_EQ(outcome.result, -1);
+    EXPECT_EQ(outcome.values, std::vector<zr_long>{0});
 }
 
 TEST(ParseDouble, AcceptsAllForms) {
@@ -106,6 +112,8 @@ TEST(ParseDouble, AcceptsAllForms) {
     ExpectDouble("1e", 1.0);
     ExpectDouble("1.D", 1.0);
     ExpectDouble("1.5D", 1.5);
+    ExpectDouble(".5D", 0.5);
+    ExpectDouble("-.25e-1\r", -0.025);
     ExpectDouble(".5", 0.5);
     ExpectDouble("5.", 5.0);
     ExpectDouble("+.5e3", 500.0);
@@ -166,6 +174,8 @@ TEST(ParseLongs, TooManyAreCheckedAndDropped) {
 
 TEST(ParseDoubles, ReadsAndDropsLikeLongs) {
     EXPECT_EQ(Doubles("1.5, 2e1 ,.5").values, (std::vector<double>{1.5, 20.0, 0.5}));
+    EXPECT_EQ(Doubles("1.5 ,\t2 \r,x").result, 0);
+    EXPECT_EQ(Doubles("1.5 ,\t2 \r,x").values, (std::vector<double>{1.5, 2.0}));
     EXPECT_EQ(Doubles("1.5,2,").result, -1);
     EXPECT_EQ(Doubles("1.5,2,").values, (std::vector<double>{1.5, 2.0}));
     EXPECT_EQ(Doubles("1,2e+,3").values, (std::vector<double>{1.0, 2.0}));
@@ -209,6 +219,27 @@ TEST(Parser, AMatchLeavesTheCursorBehindTheLine) {
     EXPECT_EQ(parser.Run(&CZrEnvValueParser::ParseLong), 0);
     EXPECT_EQ(values, (std::array<zr_long, 2>{1, 2}));
     EXPECT_EQ(parser.Run(&CZrEnvValueParser::ParseLong), -1);
+}
+
+TEST(Parser, AFailureLeavesTheCursorWhereItWas) {
+    std::array<double, 2> values{};
+    CZrEnvValueSink sink = CZrEnvValueSink::ForWriting(values.data(), sizeof values);
+    CZrEnvValueParser parser(" 1.5", sink);
+    EXPECT_EQ(parser.Run(&CZrEnvValueParser::ParseLong), -1); // behind the 1, whose 4 bytes are stored
+    EXPECT_EQ(parser.GetStatus(), CZrEnvValueParser::NoMatch);
+    EXPECT_EQ(parser.Run(&CZrEnvValueParser::ParseDouble), 0);
+    EXPECT_EQ(parser.GetStatus(), CZrEnvValueParser::Matched);
+    EXPECT_EQ(sink.BytesWritten(), sizeof(zr_long) + sizeof(double));
+    double value = 0.0;
+    std::memcpy(&value, reinterpret_cast<const char *>(values.data()) + sizeof(zr_long), sizeof value);
+    EXPECT_EQ(value, 1.5);
+}
+
+TEST(Parser, TheTextIsOnlyRead) {
+    static const char text[] = "1,2 ,3.5x"; // stands in memory that cannot be written
+    EXPECT_EQ(Longs(text).values, (std::vector<zr_long>{1, 2, 3}));
+    EXPECT_EQ(Doubles(text).values, (std::vector<double>{1.0, 2.0, 3.5}));
+    EXPECT_STREQ(text, "1,2 ,3.5x");
 }
 
 // Agreement with the reference

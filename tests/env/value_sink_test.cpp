@@ -60,6 +60,26 @@ TEST(ValueSink, OverflowStaysAndStoresNoMore) {
         EXPECT_EQ(memory[i], 0xA5);
 }
 
+TEST(ValueSink, EachStoreNeedsItsWholeSize) {
+    std::array<unsigned char, 12> memory;
+    memory.fill(0xA5);
+    CZrEnvValueSink longs = CZrEnvValueSink::ForWriting(memory.data(), 7);
+    longs.PutLong("1"); // 4 of 7
+    EXPECT_FALSE(longs.Overflowed());
+    longs.PutLong("2"); // 3 are left
+    EXPECT_TRUE(longs.Overflowed());
+    EXPECT_EQ(longs.BytesWritten(), 4U);
+    longs.PutString("");
+    longs.PutDouble("1");
+    EXPECT_EQ(longs.BytesWritten(), 4U);
+    for (std::size_t i = 4; i < memory.size(); ++i)
+        EXPECT_EQ(memory[i], 0xA5) << i;
+    CZrEnvValueSink doubles = CZrEnvValueSink::ForWriting(memory.data(), 7);
+    doubles.PutDouble("1");
+    EXPECT_TRUE(doubles.Overflowed());
+    EXPECT_EQ(doubles.BytesWritten(), 0U);
+}
+
 TEST(ValueSink, NullTextIsAnOverflow) {
     std::array<char, 16> memory{};
     for (const int kind : {0, 1, 2}) {
@@ -148,6 +168,26 @@ TEST(ValueSink, ATextThatIsTooLongTellsItsLengthAndEndsTheReading) {
     EXPECT_EQ(sink.Flags(), 20U);
     EXPECT_EQ(sink.GetLongText(text, 7), 0U);
     EXPECT_STREQ(text, "#######");
+    double number = 0.125;
+    CZrEnvValueSink doubles = CZrEnvValueSink::ForReading(&number, sizeof number);
+    EXPECT_EQ(doubles.GetDoubleText(text, 4), 5U);
+    EXPECT_STREQ(text, "#######");
+    EXPECT_EQ(doubles.Flags(), 20U);
+    CZrEnvValueSink doubleFits = CZrEnvValueSink::ForReading(&number, sizeof number);
+    EXPECT_EQ(doubleFits.GetDoubleText(text, 5), 5U);
+    EXPECT_STREQ(text, "0.125");
+}
+
+TEST(ValueSink, APartOfANumberIsNotRead) {
+    std::array<char, 8> memory{};
+    char text[8] = "#######";
+    CZrEnvValueSink longs = CZrEnvValueSink::ForReading(memory.data(), 3);
+    EXPECT_EQ(longs.GetLongText(text, 7), 0U);
+    EXPECT_EQ(longs.Flags(), 20U);
+    CZrEnvValueSink doubles = CZrEnvValueSink::ForReading(memory.data(), 7);
+    EXPECT_EQ(doubles.GetDoubleText(text, 7), 0U);
+    EXPECT_EQ(doubles.Flags(), 20U);
+    EXPECT_STREQ(text, "#######");
 }
 
 TEST(ValueSink, NullBufferEndsTheReading) {
@@ -155,6 +195,9 @@ TEST(ValueSink, NullBufferEndsTheReading) {
     CZrEnvValueSink sink = CZrEnvValueSink::ForReading(&value, sizeof value);
     EXPECT_EQ(sink.GetDoubleText(nullptr, 100), 0U);
     EXPECT_EQ(sink.Flags(), 20U);
+    CZrEnvValueSink longs = CZrEnvValueSink::ForReading(&value, sizeof value);
+    EXPECT_EQ(longs.GetLongText(nullptr, 100), 0U);
+    EXPECT_EQ(longs.Flags(), 20U);
 }
 
 TEST(ValueSink, WhatWasWrittenCanBeReadBack) {

@@ -1,6 +1,7 @@
 // The writer of the text format: what each construct is written as, and that the fast way writes as the plain reference
 // does.
 #include <cstdint>
+#include <cstring>
 #include <random>
 #include <string>
 #include <vector>
@@ -8,13 +9,16 @@
 #include <pthread.h>
 
 #include "env/reference_writer.h"
+#include "env/refused_memory.h"
 #include "env/text_support.h"
+#include "env/writer.h"
 
 namespace text_test {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using zr::test::Refusal;
 
 const std::string modeLine = "__ZR_ENV_READ_MODE__=NOT_WRAPPED\r\n";
 
@@ -67,7 +71,7 @@ TEST_F(Writer, WorkedExampleIsWrittenByteForByte) {
     EXPECT_EQ(Written(true), lines);
     EXPECT_EQ(WrittenAsFile(false), modeLine + lines);
     EXPECT_EQ(WrittenAsFile(true), lines);
-    EXPECT_THAT(TextsOf(reports), IsEmpty());
+    EXPECT_THAT(reports.Take(), IsEmpty());
 }
 
 TEST_F(Writer, EmptyEnvironmentIsTheModeLineOrNothing) {
@@ -81,7 +85,10 @@ TEST_F(Writer, MarksStandForLineEnds) {
     EXPECT_EQ(LineOf("\n", false), "  x =<<\\n>>\r\n");
     EXPECT_EQ(LineOf("a\r\nb\n", false), "  x =a<<\\r>><<\\n>>b<<\\n>>\r\n");
     Read("[a\nb]\nx\ny={\n}\n");
-    EXPECT_EQ(Written(true), "[a<<\\n>>b]\r\n  x<<\\n>>y ={\r\n  }\r\n");
+    const std::string written = "[a<<\\n>>b]\r\n  x<<\\n>>y ={\r\n  }\r\n";
+    EXPECT_EQ(Written(true), written);
+    ASSERT_EQ(env->ReadString(written.c_str(), eEnvReadAuto), Zr::ENV_OK);
+    EXPECT_EQ(TreeOf(*env), Tree{Section("a<<\\n>>b", {Block("x<<\\n>>y", {})})}) << "marks in names stay";
 }
 
 TEST_F(Writer, BackslashAtTheEndIsDoubledInBothModes) {
@@ -96,15 +103,24 @@ TEST_F(Writer, BackslashAtTheEndIsDoubledInBothModes) {
 TEST_F(Writer, BlanksAtTheEndsAreWrittenAndNotReadBack) {
     EXPECT_EQ(LineOf(" \t a \t ", false), "  x = \t a \t \r\n");
     EXPECT_EQ(CycleOf(" \t a \t ", false), "a");
+    env->DeleteEnvironmentSections();
     AddSection(" B ");
-    EXPECT_NE(Written(true).find("[ B ]\r\n"), std::string::npos);
+    AddData("\t n ", "1");
+    const std::string text = Written(true);
+    EXPECT_EQ(text, "[ B ]\r\n  \t n  =1\r\n");
+    ASSERT_EQ(env->ReadString(text.c_str(), eEnvReadAuto), Zr::ENV_OK);
+    EXPECT_EQ(TreeOf(*env), Tree{Section("B", {Data("n", "1")})});
 }
 
 TEST_F(Writer, ValueThatBeginsWithABraceReadsAsABlock) {
     EXPECT_EQ(LineOf("{a", true), "  x ={a\r\n");
     EXPECT_EQ(LineOf("{", true), "  x ={\r\n");
-    EXPECT_EQ(env->ReadString("[A]\r\n  x ={\r\n  y =1\r\n}", eEnvReadAuto), Zr::ENV_OK);
-    EXPECT_EQ(TreeOf(*env), Tree{Section("A", {Block("x", {Data("y", "1")})})});
+    AddData("y", "1");
+    AddData("}z", "2");
+    const std::string text = Written(true);
+    EXPECT_EQ(text, "[A]\r\n  x ={\r\n  y =1\r\n  }z =2\r\n");
+    ASSERT_EQ(env->ReadString(text.c_str(), eEnvReadAuto), Zr::ENV_OK);
+    EXPECT_EQ(TreeOf(*env), (Tree{Section("A", {Block("x", {Data("y", "1")}), Data("z", "2")})}));
 }
 
 TEST_F(Writer, BackslashAndBlanksAtTheEndFoldWhenReadWrapped) {
@@ -127,8 +143,17 @@ TEST_F(Writer, NamesThatReadDifferentlyAreWritten) {
     AddData(";a", "1");
     AddData("[b", "2");
     AddData("}c", "3");
-    EXPECT_EQ(Written(true), "[A]\r\n  ;a =1\r\n  [b =2\r\n  }c =3\r\n");
-    EXPECT_THAT(TextsOf(reports), IsEmpty());
+    const std::string text = Written(true);
+    EXPECT_EQ(text, "[A]\r\n  ;a =1\r\n  [b =2\r\n  }c =3\r\n");
+    ASSERT_EQ(env->ReadString(text.c_str(), eEnvReadAuto), Zr::ENV_OK);
+    EXPECT_EQ(TreeOf(*env), (Tree{Section("A", {}), Section("b =2\n  }c =3\n", {})})) << "a comment, a section";
+    EXPECT_THAT(reports.Take(), IsEmpty());
+}
+
+TEST_F(Writer, EmptySectionNameIsWritten) {
+    AddSection("");
+    AddData("x", "1");
+    EXPECT_EQ(Written(true), "[]\r\n  x =1\r\n");
 }
 
 TEST_F(Writer, ElementsWithoutNameOrTextAreLeftOut) {
@@ -141,7 +166,7 @@ TEST_F(Writer, ElementsWithoutNameOrTextAreLeftOut) {
     section->InsertElement(nameless);
     AddData("z", "");
     EXPECT_EQ(Written(true), "[A]\r\n  a =1\r\n  z =\r\n");
-    EXPECT_THAT(TextsOf(reports), IsEmpty());
+    EXPECT_THAT(reports.Take(), IsEmpty());
 }
 
 TEST_F(Writer, SectionInsideABlockHasNoEnd) {
@@ -163,7 +188,7 @@ TEST_F(Writer, UnknownClassIsReportedAndLeftOut) {
     section->InsertElement(new StrangeElement);
     AddData("x", "1");
     EXPECT_EQ(Written(true), "[A]\r\n  x =1\r\n");
-    EXPECT_THAT(TextsOf(reports), ElementsAre("Unknown env-Element"));
+    EXPECT_THAT(reports.Take(), ElementsAre(Error(Tag, "Unknown env-Element")));
 }
 
 // ---- Folds
@@ -226,6 +251,73 @@ TEST_F(Writer, FoldBehindABlankDoesNotHarm) {
     const std::string value = std::string(83, 'v') + " w";
     EXPECT_EQ(LineOf(value, true), "  x =" + std::string(83, 'v') + " \\\r\nw\r\n");
     EXPECT_EQ(CycleOf(value, true), value);
+}
+
+// ---- Null, no memory
+
+TEST_F(Writer, NullEnvironmentIsNotWritten) {
+    EXPECT_FALSE(Zr::CZrEnvWriter(false).WriteFile(nullptr, Path("w.env").c_str()));
+    EXPECT_FALSE(std::filesystem::exists(folder / "w.env"));
+    EXPECT_EQ(Zr::CZrEnvWriter(false).WriteString(nullptr), nullptr);
+    EXPECT_THAT(reports.Take(), IsEmpty());
+}
+
+// The buffer has 65536 bytes at first and is then doubled. One byte of it is for the text's end.
+TEST_F(Writer, TextIsCutWhereTheBufferCannotGrow) {
+    AddSection();
+    AddData("x", std::string(600000, 'v'));
+    AddData("y", "1");
+    const std::string whole = Written(false);
+    for (const std::size_t capacity : {65536u, 131072u, 262144u, 524288u}) {
+        char *text = nullptr;
+        bool met = false;
+        {
+            const Refusal refusal(2 * capacity, 2 * capacity);
+            text = env->WriteString(false);
+            met = refusal.Met();
+        }
+        ASSERT_NE(text, nullptr);
+        EXPECT_TRUE(met) << capacity;
+        EXPECT_TRUE(text == whole.substr(0, capacity - 1)) << capacity << ", " << std::strlen(text);
+        Zr::CZrEnv::FreeString(text);
+        EXPECT_THAT(reports.Take(), ElementsAre(Error(Tag, "Can not allocate buffer")));
+    }
+}
+
+// With little memory the buffer is halved, plus one: 65536, 32769, 16385; then it grows by 65536 at a time.
+TEST_F(Writer, BufferIsHalvedUntilThereIsMemory) {
+    AddSection();
+    AddData("x", std::string(300000, 'v'));
+    AddData("y", "1");
+    const std::string whole = Written(true);
+    const std::string path = Path("w.env");
+    char *text = nullptr, *cut = nullptr;
+    bool metByString = false, metByFile = false, metByCut = false, written = false;
+    {
+        const Refusal refusal(32769, 65536, 2);
+        text = env->WriteString(true);
+        metByString = refusal.Met();
+    }
+    {
+        const Refusal refusal(32769, 65536, 2);
+        written = env->WriteFile(path.c_str(), true);
+        metByFile = refusal.Met();
+    }
+    EXPECT_THAT(reports.Take(), IsEmpty());
+    {
+        const Refusal refusal(32769, 16385 + 65536, 3);
+        cut = env->WriteString(true);
+        metByCut = refusal.Met();
+    }
+    EXPECT_TRUE(metByString && metByFile && metByCut);
+    ASSERT_TRUE(text != nullptr && cut != nullptr);
+    EXPECT_TRUE(text == whole);
+    EXPECT_TRUE(written);
+    EXPECT_TRUE(ReadBytes(path) == whole);
+    EXPECT_TRUE(cut == whole.substr(0, 16384));
+    EXPECT_THAT(reports.Take(), ElementsAre(Error(Tag, "Can not allocate buffer")));
+    Zr::CZrEnv::FreeString(text);
+    Zr::CZrEnv::FreeString(cut);
 }
 
 // ---- Buffers, depth, sizes
