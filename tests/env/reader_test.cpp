@@ -121,6 +121,7 @@ TEST_F(Reader, EmptyValuesAreLegal) {
 TEST_F(Reader, ValueKeepsEverySignBehindTheFirst) {
     EXPECT_EQ(Value("a=b;c[d]e}f{g"), "a=b;c[d]e}f{g");
     EXPECT_EQ(Value("}"), "}");
+    EXPECT_EQ(Value("[B]"), "[B]");
     EXPECT_EQ(Value("=1"), "=1");
     EXPECT_EQ(Value(";1"), ";1");
 }
@@ -137,6 +138,7 @@ TEST_F(Reader, NamesakesKeepTheirOrder) {
 }
 
 TEST_F(Reader, NamesAreNotChecked) {
+    EXPECT_EQ(Read("[A]\nx[y];{ }=1\n"), Tree{Section("A", {Data("x[y];{ }", "1")})});
     EXPECT_EQ(Read("[A]\na@b=1\n]=2\n{=3\n"), Tree{Section("A", {Data("a@b", "1"), Data("]", "2"), Data("{", "3")})});
 }
 
@@ -371,6 +373,29 @@ TEST_F(Reader, BlockIsHalvedUntilThereIsMemory) {
     EXPECT_EQ(result, Zr::ENV_OK);
     EXPECT_TRUE(TreeOf(*env) == Tree{Section("A", {Data("x", filler + "\rb")})});
     EXPECT_THAT(reports.Take(), IsEmpty());
+}
+
+// A value this long gets an array of its own.
+TEST_F(Reader, ExceptionLeavesTheSectionsBeforeItAndNothingOpen) {
+    const std::string text = "[A]\nx =1\n[B]\ny =" + std::string(5000, 'v') + "\n";
+    const std::string path = Path("a.env");
+    WriteBytes(path, text);
+    for (const bool asFile : {false, true}) {
+        const auto read = [&] {
+            const Refusal refusal(5001, 5001);
+            if (asFile)
+                env->ReadFile(path.c_str(), eEnvReadAuto);
+            else
+                env->ReadString(text.c_str(), eEnvReadAuto);
+        };
+        EXPECT_THROW(read(), std::bad_alloc);
+        EXPECT_EQ(TreeOf(*env), Tree{Section("A", {Data("x", "1")})});
+        zr_long line = 0, column = 0;
+        EXPECT_EQ(env->GetErrorPosition(line, column), Zr::ENV_OK);
+    }
+    EXPECT_TRUE(std::filesystem::remove(path)) << "the file was closed";
+    EXPECT_EQ(env->ReadString(text.c_str(), eEnvReadAuto), Zr::ENV_OK);
+    EXPECT_EQ(TreeOf(*env).size(), 2u);
 }
 
 // ---- Size and depth

@@ -320,6 +320,26 @@ TEST_F(Writer, BufferIsHalvedUntilThereIsMemory) {
     Zr::CZrEnv::FreeString(cut);
 }
 
+// The list of the blocks that are open begins with room for one.
+TEST_F(Writer, ExceptionLeavesTheTreeAndNothingOpen) {
+    AddSection();
+    AddData("x", "1");
+    const Tree tree = TreeOf(*env);
+    const std::string path = Path("w.env");
+    const auto write = [&](bool asFile) {
+        const Refusal refusal(sizeof(void *), sizeof(void *));
+        if (asFile)
+            env->WriteFile(path.c_str(), true);
+        else
+            Zr::CZrEnv::FreeString(env->WriteString(true));
+    };
+    EXPECT_THROW(write(false), std::bad_alloc);
+    EXPECT_THROW(write(true), std::bad_alloc);
+    EXPECT_EQ(TreeOf(*env), tree);
+    EXPECT_TRUE(std::filesystem::remove(path)) << "the file was closed";
+    EXPECT_EQ(Written(true), "[A]\r\n  x =1\r\n");
+}
+
 // ---- Buffers, depth, sizes
 
 TEST_F(Writer, TextsAroundTheBufferSizesComeWhole) {
