@@ -155,6 +155,14 @@ private:
     ReportCapture *m_previous;
 };
 
+// The texts of the reports since they were last taken, those of one report joined by "|".
+inline std::vector<std::string> TextsOf(ReportCapture &capture) {
+    std::vector<std::string> texts;
+    for (const Report &report : capture.Take())
+        texts.push_back(JoinedTexts(report));
+    return texts;
+}
+
 } // namespace zr::test
 
 #endif
