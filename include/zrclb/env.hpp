@@ -48,6 +48,7 @@ class CZrEnvPathElem;
 class CZrEnvNameIndex;
 class CZrEnvNodeStore;
 class CZrEnvWalk;
+class CZrEnvProbe; // the tests' way to the private parts
 
 // Root of all nodes: a name, the block that holds it, the next sibling.
 class ZR_API CZrEnvElement {
@@ -109,6 +110,7 @@ private:
     friend class CZrEnvWriter;
     friend class CZrEnvNameIndex;
     friend class CZrEnvNodeStore;
+    friend class CZrEnvProbe;
 
     CZrEnvElement(char *szName, std::uint32_t uFlags) : m_szName(szName), m_uFlags(uFlags) {}
     void SetParent(CZrEnvBlock *pParent) { m_pParent = pParent; }
@@ -280,6 +282,7 @@ private:
     friend class CZrEnvWriter;
     friend class CZrEnvNameIndex;
     friend class CZrEnvNodeStore;
+    friend class CZrEnvProbe;
 
     CZrEnvBlock(char *szName, std::uint32_t uFlags) : CZrEnvElement(szName, uFlags) {}
     void InsertElementIntoContainer(CZrEnvElement *pElem);
@@ -319,6 +322,7 @@ private:
     friend class CZrEnvBlock;
     friend class CZrEnvReader;
     friend class CZrEnvNodeStore;
+    friend class CZrEnvProbe;
 
     CZrEnvSection(char *szName, std::uint32_t uFlags) : CZrEnvBlock(szName, uFlags) {}
     void SetEnv(CZrEnv *pEnv) { m_pEnv = pEnv; }
@@ -525,6 +529,7 @@ private:
     friend class CZrEnvWriter;
     friend class CZrEnvNodeStore;
     friend class CZrEnvWalk;
+    friend class CZrEnvProbe;
 
     CZrEnv(zr_long lID, CZrEnv *pDefault);
     explicit CZrEnv(CZrEnvElement *pRoot);
