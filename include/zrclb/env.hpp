@@ -249,7 +249,7 @@ public:
     bool RemoveElement(CZrEnvElement *pElem, bool bDelete);
 
     // Puts pNew at pOld's place in the sequence and behind its namesakes by number, and ends pOld with all that is below
-    // it. False, with nothing changed, for null or identical arguments, for a pNew that InsertElement refuses, and for a
+    // it. False, with nothing changed, for null or identical arguments, for a pNew that cannot become a child, and for a
     // foreign pOld after zr_message "CZrEnvBlock::ReplaceElement - Element geh\xF6rt nicht zum Block".
     bool ReplaceElement(CZrEnvElement *pOld, CZrEnvElement *pNew);
 

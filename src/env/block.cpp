@@ -1,4 +1,6 @@
 // CZrEnvBlock: the children of a block, in sequence and by name.
+#include <memory>
+
 #include <zrclb/report.h>
 
 #include "env/name_index.h"
@@ -80,10 +82,13 @@ CZrEnvNameIndex *CZrEnvBlock::LookUpIndex() const {
 }
 
 CZrEnvNameIndex &CZrEnvBlock::OrderedIndex() const {
-    if (!m_pIndex)
-        m_pIndex = new CZrEnvNameIndex(nullptr);
-    if (!m_pIndex->IsOrdered())
+    if (!m_pIndex) { // none is kept before it is complete
+        auto pIndex = std::make_unique<CZrEnvNameIndex>(nullptr);
+        pIndex->MakeOrdered(m_pFirst);
+        m_pIndex = pIndex.release();
+    } else if (!m_pIndex->IsOrdered()) {
         m_pIndex->MakeOrdered(m_pFirst);
+    }
     return *m_pIndex;
 }
 
@@ -289,12 +294,13 @@ void CZrEnvBlock::GetElemNames(std::vector<std::string> &rNames) {
 CZrEnvElement *CZrEnvBlock::CreateNewElement(const CZrEnvPathElem &rStep, EZrEnvElementType eType) {
     const zr_long fillTo = rStep.m_lPos < 2 ? 0 : rStep.m_lPos < 3 ? 1 : rStep.m_lPos - 2;
     for (zr_ulong count = Count(rStep.m_Name); count < static_cast<zr_ulong>(fillTo); ++count) {
-        CZrEnvElement *pFiller = CZrEnvNodeStore::NewData(rStep.m_Name);
-        if (!pFiller) {
+        CZrEnvNodeStore::Holder filler(CZrEnvNodeStore::NewData(rStep.m_Name));
+        if (!filler) {
             zr_message("Out of memory", nullptr, nullptr, kTag, __LINE__);
             return nullptr;
         }
-        InsertElement(pFiller);
+        InsertElement(filler.get());
+        filler.release();
     }
     if (rStep.m_lPos < 1)
         return nullptr;
@@ -302,17 +308,17 @@ CZrEnvElement *CZrEnvBlock::CreateNewElement(const CZrEnvPathElem &rStep, EZrEnv
         return pPresent;
     if (eType != ENV_TYPE_DATA && eType != ENV_TYPE_BLOCK)
         return nullptr;
-    CZrEnvElement *pNew = nullptr;
+    CZrEnvNodeStore::Holder added;
     if (eType == ENV_TYPE_DATA)
-        pNew = CZrEnvNodeStore::NewData(rStep.m_Name);
+        added.reset(CZrEnvNodeStore::NewData(rStep.m_Name));
     else
-        pNew = CZrEnvNodeStore::NewBlock(rStep.m_Name);
-    if (!pNew) {
+        added.reset(CZrEnvNodeStore::NewBlock(rStep.m_Name));
+    if (!added) {
         zr_message("Out of memory", nullptr, nullptr, kTag, __LINE__);
         return nullptr;
     }
-    InsertElement(pNew);
-    return pNew;
+    InsertElement(added.get());
+    return added.release();
 }
 
 } // namespace Zr

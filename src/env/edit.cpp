@@ -173,12 +173,13 @@ CZrEnvDataElement *CZrEnv::GetOrCreateEnvDataElement(const char *szSection, cons
         return nullptr;
     }
     CZrEnvDataElement *pNew = CZrEnvNodeStore::NewData(pElem->GetName() ? pElem->GetName() : "");
+    CZrEnvNodeStore::Holder held(pNew);
     if (!pNew || !ReplaceElement(pElem, pNew)) {
         zr_error("unbekannter Fehler", nullptr, nullptr, kTag, __LINE__);
-        delete pNew;
         SetLastError(ENV_ERROR);
         return nullptr;
     }
+    held.release();
     ResetLastError();
     return pNew;
 }
@@ -198,10 +199,11 @@ CZrEnvBlock *CZrEnv::CreateStart(const char *szSection, bool bHasSteps) {
         zr_error("Out of memory", nullptr, nullptr, kTag, __LINE__);
         return nullptr;
     }
-    if (ReplaceElement(m_pSubEnvRoot, pNew))
-        return pNew;
-    delete pNew;
-    return nullptr;
+    CZrEnvNodeStore::Holder held(pNew);
+    if (!ReplaceElement(m_pSubEnvRoot, pNew))
+        return nullptr;
+    held.release();
+    return pNew;
 }
 
 // The block of an inner step: the one that is there, a new one in place of a data element, or a new one.
@@ -218,10 +220,11 @@ CZrEnvBlock *CZrEnv::CreateStepBlock(CZrEnvBlock *pBlock, const CZrEnvPathElem &
         zr_error("Out of memory", nullptr, nullptr, kTag, __LINE__);
         return nullptr;
     }
-    if (ReplaceElement(pElem, pNew))
-        return pNew;
-    delete pNew;
-    return nullptr;
+    CZrEnvNodeStore::Holder held(pNew);
+    if (!ReplaceElement(pElem, pNew))
+        return nullptr;
+    held.release();
+    return pNew;
 }
 
 CZrEnvElement *CZrEnv::CreatePath(const char *szSection, const char *szPath, EZrEnvElementType eType) {

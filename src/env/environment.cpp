@@ -27,6 +27,16 @@ bool TakeOut(std::vector<CZrEnv *> &rList, const CZrEnv *pEnv) {
     return true;
 }
 
+// A new environment also needs a place in the lists of others: no memory for that is no memory for it.
+template <class Make>
+CZrEnv *OrNull(Make make) {
+    try {
+        return make();
+    } catch (const std::bad_alloc &) {
+        return nullptr;
+    }
+}
+
 } // namespace
 
 // --- life cycle -------------------------------------------------------------------------------------------------------
@@ -119,7 +129,7 @@ CZrEnv::~CZrEnv() {
 }
 
 CZrEnv *CZrEnv::CreateEnv(zr_long lID, CZrEnv *pDefault) {
-    return new (std::nothrow) CZrEnv(lID, pDefault);
+    return OrNull([=] { return new CZrEnv(lID, pDefault); });
 }
 
 EZrEnvError CZrEnv::DestroyEnv(CZrEnv *pEnv, bool bDefaults) {
@@ -363,9 +373,12 @@ void CZrEnv::UnlinkSection(CZrEnvSection *pSection) {
 void CZrEnv::DeleteSection(CZrEnvSection *pSection) {
     if (!pSection)
         return;
-    (pSection->m_pEnv ? pSection->m_pEnv : this)->UnlinkSection(pSection);
+    CZrEnv *pOwner = pSection->m_pEnv ? pSection->m_pEnv : this;
+    pOwner->UnlinkSection(pSection);
+    if (pOwner != this)
+        --pOwner->m_lSectionCount;
+    --m_lSectionCount; // whoever owned it
     delete pSection;
-    --m_lSectionCount;
 }
 
 EZrEnvError CZrEnv::DeleteSection(const char *szName) {
@@ -387,12 +400,12 @@ CZrEnv *CZrEnv::OpenSubenv(CZrEnvElement *pElem) {
         return nullptr;
     if (!IsSubEnv() && pElem->GetEnv() != this)
         return nullptr;
-    return new (std::nothrow) CZrEnv(pElem);
+    return OrNull([=] { return new CZrEnv(pElem); });
 }
 
 CZrEnv *CZrEnv::OpenSubenv(const char *szSection, const char *szPath, bool bDirect) {
     CZrEnvElement *pElem = GetElement(szSection, szPath, bDirect, false);
-    return pElem ? new (std::nothrow) CZrEnv(pElem) : nullptr;
+    return pElem ? OrNull([=] { return new CZrEnv(pElem); }) : nullptr;
 }
 
 CZrEnv *CZrEnv::CreateSubenv(const char *szSection, const char *szPath) {

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string_view>
 
 #include <zrclb/env.hpp>
@@ -31,6 +32,13 @@ public:
     // Single nodes. The name is stored as given, without any check. Null on no memory.
     static CZrEnvDataElement *NewData(std::string_view name); // without value
     static CZrEnvBlock *NewBlock(std::string_view name);
+
+    // Holds a node until a block takes it: an exception on the way ends the node.
+    struct End {
+        void operator()(CZrEnvElement *pElem) const { EndNode(pElem); }
+    };
+    using Holder = std::unique_ptr<CZrEnvElement, End>;
+    static void EndNode(CZrEnvElement *pElem) { delete pElem; }
 
     // Packs the nodes of one reading into chunks. Ending the batch leaves the nodes alive.
     class Batch {

@@ -75,9 +75,11 @@ TEST_F(Edit, Read_OfWhatIsNoDataElement) {
         Expect(row.expected, m_env->GetLong(szSection, szPath, value));
         EXPECT_EQ(99, value);
         EXPECT_EQ(0, m_env->GetLong(szSection, szPath));
+        Expect(row.expected, m_env->GetLastError());
         Expect(row.expected, m_env->GetDouble(szSection, szPath, number));
         EXPECT_EQ(99.0, number);
         EXPECT_EQ(0.0, m_env->GetDouble(szSection, szPath));
+        Expect(row.expected, m_env->GetLastError());
         Expect(row.expected, m_env->GetString(szSection, szPath, 8, buffer));
         EXPECT_EQ(nullptr, m_env->GetString(szSection, szPath));
         Expect(row.expected, m_env->GetLastError());
@@ -146,6 +148,38 @@ TEST_F(Edit, Read_StringsAtTheLimits) {
     Expect(ENV_OK, m_env->GetString("S", "t", 4, buffer));
     EXPECT_STREQ("abc", buffer);
     Expect(ENV_ERROR, m_env->GetString("S", "none", 8, buffer));
+}
+
+TEST_F(Edit, Read_NullBuffers) {
+    zr_long count = 3;
+    char buffer[4] = "";
+    Expect(ENV_ERROR, m_env->GetString("S", "t", 8, nullptr));
+    Expect(ENV_ERROR, m_env->GetBinary("S", "t", nullptr, buffer));
+    Expect(ENV_ERROR, m_env->GetBinary("S", "t", &count, nullptr));
+    Expect(ENV_ERROR, m_env->GetLongs("S", "list", count, nullptr));
+    EXPECT_EQ(0, count);
+    count = 3;
+    Expect(ENV_ERROR, m_env->GetDoubles("S", "list", count, nullptr));
+    EXPECT_EQ(0, count);
+    char *texts[] = {buffer, nullptr, buffer};
+    count = 3;
+    Expect(ENV_ERROR, m_env->GetStrings("S", "list", count, 4, texts), ENV_OK);
+}
+
+TEST_F(Edit, Read_BytesAndTheirLimits) {
+    const char bytes[] = {'a', '\0', ',', '\xFF', '\n'};
+    char buffer[8] = {};
+    zr_long length = sizeof buffer;
+    Expect(ENV_OK, m_env->SetBinary("S", "bin", sizeof bytes, bytes));
+    Expect(ENV_OK, m_env->GetBinary("S", "bin", &length, buffer));
+    EXPECT_EQ(std::string(bytes, sizeof bytes), std::string(buffer, static_cast<std::size_t>(length)));
+    EXPECT_EQ(Reports{}, m_reports.Take());
+    length = 2;
+    Expect(ENV_TOO_SMALL, m_env->GetBinary("S", "bin", &length, buffer));
+    EXPECT_EQ(2, length);
+    EXPECT_EQ(Reports{Message("ZrEnvDataConvert", "Small buffer")}, m_reports.Take());
+    Expect(ENV_ERROR, m_env->GetBinary("S", "none", &length, buffer));
+    Expect(ENV_ERROR, m_env->SetBinary("S", "bin", 2, nullptr));
 }
 
 TEST_F(Edit, Read_Lists) {
@@ -602,6 +636,28 @@ TEST_F(Edit, Delete_InASubenvironment) {
     EXPECT_EQ(ENV_OK, sub->Delete(nullptr, "x"));
     EXPECT_EQ(ENV_OK, sub->GetLastError());
     EXPECT_EQ("", Describe(*m_pBlock));
+}
+
+TEST_F(Edit, Delete_IsOkWhateverBecomesOfTheElement) {
+    {
+        const EnvPtr sub(m_env->OpenSubenv(m_pBlock));
+        ASSERT_TRUE(m_pSection->RemoveElement(m_pBlock, false));
+        EXPECT_EQ(ENV_OK, sub->Delete(nullptr, ""));
+        EXPECT_EQ(ENV_OK, sub->GetLastError());
+        EXPECT_EQ(Reports{Message("ZrEnv", "CZrEnv::DeleteElement - unbekanntes Objekt")}, m_reports.Take());
+        EXPECT_EQ("x=7", Describe(*m_pBlock)) << "it stands nowhere, so it is left alone";
+    }
+    Discard(m_pBlock);
+}
+
+TEST_F(Edit, DeleteElement_OfAnotherEnvironment) {
+    EnvPtr other = NewEnv();
+    EXPECT_TRUE(other->DeleteElement(m_pBlock)) << "its parent is asked, not the environment";
+    EXPECT_EQ(ENV_OK, other->GetLastError());
+    Expect(untouched, m_env->GetLastError());
+    EXPECT_TRUE(other->DeleteElement(m_pSection));
+    EXPECT_EQ(ENV_OK, other->GetLastError());
+    EXPECT_EQ("", Tree());
 }
 
 TEST_F(Edit, DeleteElement_Rows) {

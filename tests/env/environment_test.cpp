@@ -4,6 +4,8 @@
 
 #include <climits>
 
+#include "platform/services.h"
+
 namespace zr::test {
 namespace {
 
@@ -61,6 +63,22 @@ TEST(EnvironmentState, LastError_IsStoredAndGivenBack) {
     EXPECT_EQ(ENV_IN_USE, env->GetLastError());
     env->ResetLastError();
     EXPECT_EQ(ENV_OK, env->GetLastError());
+}
+
+// What is an error and what a message: both stand in the log, under their own heads, and errors go to the debugger too.
+std::string debuggerTexts;
+
+TEST_F(Environment, Reports_OnlyErrorsReachTheDebugger) {
+    debuggerTexts.clear();
+    zr::platform::services.debug_output = [](const char *szText) { debuggerTexts += szText; };
+    EXPECT_FALSE(m_env->InsertSection(m_pA));
+    EXPECT_EQ("", debuggerTexts);
+    m_env->SetDelimiter('\0');
+    EXPECT_NE(std::string::npos, debuggerTexts.find("\"ZrEnv\""));
+    EXPECT_NE(std::string::npos, debuggerTexts.find("Bad delimiter"));
+    zr::platform::services.debug_output = zr::platform::Services().debug_output;
+    EXPECT_EQ((Reports{Message("ZrEnv", "Fehler bei InsertSection"), Error("ZrEnv", "Bad delimiter")}),
+              m_reports.Take());
 }
 
 TEST_F(Environment, Delimiter_ZeroIsRefused) {
@@ -171,7 +189,28 @@ TEST_F(Environment, InsertSection_Appends) {
     EXPECT_EQ(nullptr, m_env->GetNextSection(pC));
     EXPECT_EQ(nullptr, m_env->GetNextSection(nullptr));
     EXPECT_EQ(3, m_env->CountElements(nullptr, nullptr, true));
-    EXPECT_EQ(untouched, m_env->GetLastError());
+    EXPECT_EQ(untouched, m_env->GetLastError()) << "nor does the walk along the list touch it";
+    EXPECT_EQ(Reports{}, m_reports.Take());
+}
+
+TEST_F(Environment, InsertSection_OfAnotherEnvironmentLeavesThatOne) {
+    EnvPtr other = NewEnv();
+    CZrEnvSection *pX = other->InsertSection("X"), *pY = other->InsertSection("Y");
+    other->InsertSection("Z");
+    EXPECT_TRUE(m_env->InsertSection(pX));
+    EXPECT_TRUE(m_env->InsertSectionBefore(pY, m_pA));
+    EXPECT_EQ(m_env.get(), pX->GetEnv());
+    EXPECT_EQ("[Y][A]b{c=1} d=2[B][X]", Describe(*m_env));
+    EXPECT_EQ("[Z]", Describe(*other));
+    EXPECT_EQ(4, m_env->CountElements(nullptr, nullptr, true));
+    EXPECT_TRUE(EnvIsSound(*other));
+
+    CZrEnvBlock block("block");
+    CZrEnvSection *pInBlock = new CZrEnvSection("in a block");
+    ASSERT_TRUE(block.InsertElement(pInBlock));
+    EXPECT_TRUE(m_env->InsertSectionBefore(pInBlock, m_pB));
+    EXPECT_EQ(nullptr, pInBlock->GetParent());
+    EXPECT_EQ("", Describe(block));
     EXPECT_EQ(Reports{}, m_reports.Take());
 }
 
@@ -296,6 +335,8 @@ TEST_F(Environment, InsertSectionBefore_PlaceThatIsNotInTheList) {
     CZrEnvSection fresh("fresh");
     EXPECT_FALSE(m_env->InsertSectionBefore(&fresh, &view));
     EXPECT_EQ(Reports{Error("ZrEnv", "Unexpected nil")}, m_reports.Take());
+    EXPECT_EQ(m_env.get(), fresh.GetEnv()) << "set before the place is looked for";
+    EXPECT_EQ(2, m_env->CountElements(nullptr, nullptr, true));
     EXPECT_EQ("[A]b{c=1} d=2[B]", Describe(*m_env));
 }
 
@@ -380,6 +421,22 @@ TEST_F(Environment, DeleteSection_ByName) {
     EXPECT_EQ(0, m_env->CountElements(nullptr, nullptr, true));
     m_env->InsertSection("again");
     EXPECT_EQ("[again]", Describe(*m_env));
+}
+
+TEST_F(Environment, DeleteSection_CountsDownWhateverItWas) {
+    m_env->DeleteSection(new CZrEnvSection("stands nowhere"));
+    EXPECT_EQ(1, m_env->CountElements(nullptr, nullptr, true));
+    EXPECT_EQ("[A]b{c=1} d=2[B]", Describe(*m_env));
+    m_env->DeleteEnvironmentSections();
+    EXPECT_EQ(0, m_env->CountElements(nullptr, nullptr, true));
+}
+
+TEST_F(Environment, DeleteSection_ThroughASubenvironmentOfIt) {
+    const EnvPtr sub(m_env->OpenSubenv(m_pA));
+    EXPECT_EQ(ENV_OK, sub->Delete(nullptr, ""));
+    EXPECT_EQ("[B]", Describe(*m_env));
+    EXPECT_EQ(1, m_env->CountElements(nullptr, nullptr, true));
+    EXPECT_EQ(nullptr, sub->GetSubEnvRootElement());
 }
 
 TEST_F(Environment, DeleteSection_NullElementDoesNothing) {
@@ -475,9 +532,13 @@ TEST_F(Environment, OpenSubenv_BySectionAndPath) {
     EXPECT_EQ(m_pC, byPath->GetSubEnvRootElement());
     EXPECT_EQ(m_pC, byTree->GetSubEnvRootElement());
     EXPECT_EQ(m_pB, bySection->GetSubEnvRootElement());
+    EXPECT_EQ(ENV_OK, m_env->GetLastError());
     EXPECT_EQ(nullptr, m_env->OpenSubenv("A", "c", true));
     EXPECT_EQ(ENV_NOT_FOUND, m_env->GetLastError());
     EXPECT_EQ(nullptr, m_env->OpenSubenv("C", nullptr, true));
+    EXPECT_EQ(nullptr, m_env->OpenSubenv("", "", true));
+    const EnvPtr byNull(m_env->OpenSubenv(nullptr, "ignored", true));
+    EXPECT_EQ(m_pA, byNull->GetSubEnvRootElement()) << "the first section answers";
     EnvPtr front = NewEnv(1, m_env.get());
     EXPECT_EQ(nullptr, front->OpenSubenv("A", "b", true)) << "the default chain is not asked";
     EXPECT_EQ(nullptr, front->OpenSubenv(nullptr, "b", true));
@@ -535,11 +596,91 @@ TEST_F(Environment, CreateSubenv_Failures) {
     m_env->SetLastError(untouched);
     EXPECT_EQ(nullptr, m_env->CreateSubenv("a]b", "x"));
     EXPECT_EQ(ENV_ERROR, m_env->GetLastError());
-    EXPECT_EQ(1u, m_reports.Take().size());
+    EXPECT_EQ(std::vector<std::string>{"Wrong section name: "}, TextsOf(m_reports));
+    EnvPtr empty = NewEnv();
+    for (const char *szPath : {"x", "", static_cast<const char *>(nullptr)}) {
+        empty->SetLastError(untouched);
+        EXPECT_EQ(nullptr, empty->CreateSubenv(nullptr, szPath)) << "no first section, and no name for one";
+        EXPECT_EQ(ENV_ERROR, empty->GetLastError());
+        EXPECT_EQ(std::vector<std::string>{"Wrong section name: "}, TextsOf(m_reports));
+        EXPECT_EQ("", Describe(*empty));
+    }
     m_env->SetLastError(untouched);
     EXPECT_EQ(nullptr, m_env->CreateSubenv("A", "x@0"));
     EXPECT_EQ(ENV_ERROR, m_env->GetLastError());
     EXPECT_EQ("[A]b{c=1} d=2[B]", Describe(*m_env));
+}
+
+// The last error is that of the last look-up on the way.
+TEST_F(Environment, CreateSubenv_LastErrorOfSuccess) {
+    const auto expect = [](CZrEnv &env, Zr::EZrEnvError expected, const char *szSection, const char *szPath) {
+        env.SetLastError(untouched);
+        EXPECT_NE(nullptr, EnvPtr(env.CreateSubenv(szSection, szPath)));
+        EXPECT_EQ(expected, env.GetLastError()) << (szPath ? szPath : "null");
+    };
+    expect(*m_env, ENV_OK, "A", "b@c");
+    expect(*m_env, ENV_OK, "B", nullptr);
+    expect(*m_env, ENV_OK, nullptr, "ignored");
+    expect(*m_env, ENV_OK, "A", "new@newer"); // of its section, in the making
+    expect(*m_env, ENV_NOT_FOUND, "C", "new");
+    expect(*m_env, ENV_NOT_FOUND, "D", nullptr);
+    const EnvPtr sub(m_env->OpenSubenv(m_pBlock));
+    expect(*sub, ENV_OK, nullptr, nullptr);
+    expect(*sub, ENV_OK, nullptr, "c");
+    expect(*sub, ENV_NOT_FOUND, nullptr, "new");
+}
+
+TEST_F(Environment, CreateSubenv_OverLongNames) {
+    for (std::size_t length : {300u, 10000u, 1000000u}) {
+        const std::string name(length, 'n');
+        const EnvPtr sub(m_env->CreateSubenv(name.c_str(), (name + "@" + name).c_str()));
+        ASSERT_NE(nullptr, sub);
+        EXPECT_EQ(name, NameOf(sub->GetSubEnvRootElement()));
+        EXPECT_EQ(sub->GetSubEnvRootElement(),
+                  EnvPtr(m_env->OpenSubenv(name.c_str(), (name + "@" + name).c_str(), true))->GetSubEnvRootElement());
+    }
+}
+
+// Each way to end what a view is rooted at or below, and what the view does then.
+TEST(SubenvironmentRoot, DeletedRootLeavesTheViewWithoutOne) {
+    using Ending = void (*)(CZrEnv & env, CZrEnvSection & section, CZrEnvElement & root);
+    const Ending endings[] = {
+        [](CZrEnv &env, CZrEnvSection &, CZrEnvElement &root) { EXPECT_TRUE(env.DeleteElement(&root)); },
+        [](CZrEnv &env, CZrEnvSection &, CZrEnvElement &) { EXPECT_EQ(ENV_OK, env.Delete("S", "o@b")); },
+        [](CZrEnv &env, CZrEnvSection &, CZrEnvElement &) { EXPECT_EQ(ENV_OK, env.Delete("S", "o")); },
+        [](CZrEnv &env, CZrEnvSection &, CZrEnvElement &) { EXPECT_EQ(ENV_OK, env.DeleteSection("S")); },
+        [](CZrEnv &env, CZrEnvSection &section, CZrEnvElement &) { env.DeleteSection(&section); },
+        [](CZrEnv &env, CZrEnvSection &, CZrEnvElement &) { env.DeleteEnvironmentSections(); },
+        [](CZrEnv &, CZrEnvSection &section, CZrEnvElement &) {
+            EXPECT_TRUE(section.RemoveElement(section.GetFirstElement(), true));
+        },
+        [](CZrEnv &, CZrEnvSection &section, CZrEnvElement &) {
+            EXPECT_TRUE(section.ReplaceElement(section.GetFirstElement(), NewLeaf("n")));
+        },
+        [](CZrEnv &env, CZrEnvSection &, CZrEnvElement &) { EXPECT_EQ(ENV_OK, env.SetLong("S", "o", 1)); },
+    };
+    for (const Ending &end : endings) {
+        SCOPED_TRACE(&end - endings);
+        ReportCapture reports;
+        EnvPtr env = NewEnv();
+        CZrEnvSection *pSection = env->InsertSection("S");
+        CZrEnvBlock *pRoot = AddBlock(*AddBlock(*pSection, "o"), "b");
+        AddLeaf(*pRoot, "x", "1");
+        const EnvPtr sub(env->OpenSubenv(pRoot));
+        end(*env, *pSection, *pRoot);
+        EXPECT_EQ(nullptr, sub->GetSubEnvRootElement());
+        EXPECT_TRUE(sub->IsSubEnv());
+        EXPECT_EQ(nullptr, sub->GetElement("S", nullptr, true, false));
+        EXPECT_EQ(nullptr, sub->GetElement("S", "x", true, false));
+        EXPECT_EQ(ENV_NOT_FOUND, sub->GetLastError());
+        EXPECT_EQ(nullptr, sub->GetPosElement("S", nullptr, 1, true, false));
+        EXPECT_EQ(0, sub->CountElements("S", nullptr, true));
+        EXPECT_EQ(ENV_ERROR, sub->SetLong("S", "x", 2));
+        EXPECT_EQ(nullptr, sub->CreateSubenv("S", "x"));
+        EXPECT_EQ(ENV_ERROR, sub->GetLastError());
+        EXPECT_EQ(Reports{}, reports.Take());
+        EXPECT_TRUE(EnvIsSound(*env));
+    }
 }
 
 TEST_F(Environment, Subenv_RootFollowsAReplacement) {
@@ -776,6 +917,23 @@ TEST_F(Environment, Copy_SharesSectionsAndState) {
     EXPECT_EQ(untouched, pCopy->GetLastError());
     EXPECT_FALSE(pCopy->IsSubEnv());
     EXPECT_EQ(m_pC, pCopy->GetElement("A", "b/c", true, false));
+}
+
+TEST_F(Environment, Copy_AssignedSharesSectionsAndState) {
+    EnvPtr other = NewEnv(9);
+    other->InsertSection("X");
+    alignas(CZrEnv) std::byte place[sizeof(CZrEnv)];
+    CZrEnv *pCopy = ::new (place) CZrEnv(*other);
+    m_env->SetLastError(untouched);
+    m_env->SetDelimiter('/');
+    *pCopy = *m_env;
+    EXPECT_EQ(m_pA, pCopy->GetFirstSection());
+    EXPECT_EQ(7, pCopy->GetID());
+    EXPECT_STREQ("/", pCopy->GetStrDelimiter());
+    EXPECT_EQ(untouched, pCopy->GetLastError());
+    EXPECT_EQ(2, pCopy->CountElements(nullptr, nullptr, true));
+    EXPECT_EQ(m_pC, pCopy->GetElement("A", "b/c", true, false));
+    EXPECT_EQ("[X]", Describe(*other));
 }
 
 TEST_F(Environment, Destruction_OfAMillionSections) {

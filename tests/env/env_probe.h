@@ -1,0 +1,74 @@
+// The tests' way to the private parts of elements and environments: each call goes straight to the member of its name.
+#ifndef ZRCLB_TESTS_ENV_ENV_PROBE_H
+#define ZRCLB_TESTS_ENV_ENV_PROBE_H
+
+#include <vector>
+
+#include <zrclb/env.hpp>
+
+#include "env/path.h"
+
+namespace Zr {
+
+class CZrEnvProbe {
+public:
+    // Elements
+    static void SetParent(CZrEnvElement &elem, CZrEnvBlock *pParent) { elem.SetParent(pParent); }
+    static void PutName(CZrEnvElement &elem, char *szName) { elem.PutName(szName); }
+    static void SetEnv(CZrEnvSection &section, CZrEnv *pEnv) { section.SetEnv(pEnv); }
+
+    // Blocks
+    static void InsertIntoIndex(CZrEnvBlock &block, CZrEnvElement *pElem) { block.InsertElementIntoContainer(pElem); }
+    static bool RemoveFromIndex(CZrEnvBlock &block, CZrEnvElement *pElem) {
+        return block.RemoveElementFromContainer(pElem);
+    }
+    static CZrEnvElement *CreateNewElement(CZrEnvBlock &block, const char *szName, zr_long lPos,
+                                           EZrEnvElementType eType) {
+        return block.CreateNewElement(Step(szName, lPos), eType);
+    }
+
+    // Environments
+    static void SetFileMTime(CZrEnv &env, zr_long lTime) { env.SetFileMTime(lTime); }
+    static zr_long FileMTime(const CZrEnv &env) { return env.m_lFileMTime; }
+    static zr_long RefCount(const CZrEnv &env) { return env.m_lRefCount; }
+    static CZrEnv *Parent(const CZrEnv &env) { return env.m_pParentEnv; }
+    static const std::vector<CZrEnv *> &SubEnvs(const CZrEnv &env) { return env.m_SubEnvs; }
+    static void RemoveSubEnv(CZrEnv &env, CZrEnv *pSub) { env.RemoveSubEnv(pSub); }
+
+    static CZrEnvElement *SearchProc(const CZrEnv &env, const char *szSection, const char *szPath, bool bDirect) {
+        return env.SearchProc(szSection, szPath, bDirect);
+    }
+    static CZrEnvElement *CommonSearch(const CZrEnv &env, const char *szPath, bool bDirect, CZrEnvBlock *pStart) {
+        return env.CommonSearch(szPath, bDirect, pStart);
+    }
+    static CZrEnvElement *SearchInTree(const CZrEnv &env, CZrEnvBlock *pBlock, const char *szName, zr_long lPos) {
+        return env.SearchInTree(pBlock, Step(szName, lPos));
+    }
+    static CZrEnvElement *FindElement(const CZrEnv &env, const char *szSection, const char *szPath, zr_long lPos,
+                                      bool bDirect) {
+        return env.FindElement(szSection, szPath, lPos, bDirect);
+    }
+    static CZrEnvElement *SetPosBlock(const CZrEnv &env, zr_long lPos, CZrEnvBlock *pBlock) {
+        return env.SetPosBlock(lPos, pBlock);
+    }
+    static CZrEnvElement *SetPosEnv(const CZrEnv &env, zr_long lPos) { return env.SetPosEnv(lPos); }
+
+    static CZrEnvElement *CreatePath(CZrEnv &env, const char *szSection, const char *szPath, EZrEnvElementType eType) {
+        return env.CreatePath(szSection, szPath, eType);
+    }
+    static bool ReplaceElement(CZrEnv &env, CZrEnvElement *pOld, CZrEnvElement *pNew) {
+        return env.ReplaceElement(pOld, pNew);
+    }
+
+private:
+    static CZrEnvPathElem Step(const char *szName, zr_long lPos) {
+        CZrEnvPathElem step;
+        step.m_Name = szName;
+        step.m_lPos = lPos;
+        return step;
+    }
+};
+
+} // namespace Zr
+
+#endif
