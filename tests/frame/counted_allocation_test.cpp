@@ -62,6 +62,40 @@ TEST_F(Heap, FailureCountsToo) {
     heap_block_count -= 1;
 }
 
+TEST_F(Heap, MallocCountsWhetherItSucceedsOrNot) {
+    void *block = heap_malloc(UINT_MAX);
+    EXPECT_EQ(Change(), 1);
+    EXPECT_TRUE(debugger.empty());
+    EXPECT_EQ(Log(), "");
+    if (block != nullptr) {
+        heap_free(block);
+    } else {
+        heap_block_count -= 1;
+    }
+    EXPECT_EQ(Change(), 0);
+}
+
+TEST_F(Heap, ReallocThatFailsLeavesTheBlock) {
+    auto *block = static_cast<char *>(heap_malloc(4));
+    ASSERT_NE(block, nullptr);
+    std::memcpy(block, "abc", 4);
+    auto *larger = static_cast<char *>(heap_realloc(block, UINT_MAX));
+    if (larger != nullptr) {
+        block = larger;
+    }
+    EXPECT_STREQ(block, "abc");
+    EXPECT_EQ(Change(), 1);
+    EXPECT_EQ(Log(), "");
+    heap_free(block);
+}
+
+TEST_F(Heap, ReallocToNothingFrees) {
+    void *block = heap_malloc(10);
+    EXPECT_EQ(heap_realloc(block, 0), nullptr);
+    EXPECT_EQ(Change(), 1);
+    heap_block_count -= 1;
+}
+
 TEST_F(Heap, ReallocKeepsContentAndCount) {
     auto *block = static_cast<char *>(heap_malloc(4));
     std::memcpy(block, "abc", 4);

@@ -68,6 +68,15 @@ protected:
     Item d = {{nullptr, nullptr}, 'd'};
 };
 
+TEST_F(List, FieldsStandInTheirOrder) {
+    EXPECT_EQ(offsetof(list_element, prev), 0u);
+    EXPECT_EQ(offsetof(list_element, next), sizeof(void *));
+    EXPECT_EQ(sizeof(list_element), 2 * sizeof(void *));
+    EXPECT_EQ(offsetof(list_descriptor, count), 0u);
+    EXPECT_EQ(offsetof(list_descriptor, first), sizeof(void *));
+    EXPECT_EQ(offsetof(list_descriptor, last), 2 * sizeof(void *));
+}
+
 TEST_F(List, InitClearsAllFields) {
     list = {7, &a.links, &b.links};
     list_init(&list);
@@ -164,6 +173,20 @@ TEST_F(List, DeleteKeepsTheEndsRight) {
     EXPECT_EQ(Names(), "ab");
 }
 
+TEST_F(List, DeleteDoesNotAskWhoseTheElementIs) {
+    FillAbc();
+    list_descriptor other;
+    list_init(&other);
+    list_delete(&other, &b.links);
+    EXPECT_EQ(other.count, -1);
+    EXPECT_EQ(other.first, nullptr);
+    EXPECT_EQ(other.last, nullptr);
+    EXPECT_EQ(a.links.next, &c.links);
+    EXPECT_EQ(c.links.prev, &a.links);
+    EXPECT_EQ(list.count, 3);
+    EXPECT_EQ(TakeError(), "");
+}
+
 std::string freed;
 
 int Free(list_element *element) {
@@ -185,6 +208,24 @@ TEST_F(List, FreeDeletesAndCallsBack) {
     EXPECT_EQ(Names(), "c");
 }
 
+list_descriptor *shrinking;
+
+int SeesItselfOutOfTheList(list_element *element) {
+    EXPECT_EQ(list_isinlist(shrinking, element), 0);
+    EXPECT_EQ(shrinking->count, 2);
+    freed += NameOf(element);
+    return -1;
+}
+
+TEST_F(List, FreeTakesTheElementOutBeforeItCallsBack) {
+    freed.clear();
+    FillAbc();
+    shrinking = &list;
+    list_free(&list, &a.links, SeesItselfOutOfTheList);
+    EXPECT_EQ(freed, "a");
+    EXPECT_EQ(Names(), "bc");
+}
+
 TEST_F(List, FreeAllCallsBackInOrderAndClears) {
     freed.clear();
     FillAbc();
@@ -203,18 +244,22 @@ Item *NewItem(char name) {
     return item;
 }
 
+int visits;
+
+// Spoils the links before the item goes, so that a walk that reads them too late goes astray.
 int FreeItem(list_element *element) {
+    ++visits;
+    *element = {element, element};
     std::free(element);
     return 0;
 }
 
 int FreeVisited(list_element *element, zr_value) {
-    std::free(element);
-    return 0;
+    return FreeItem(element);
 }
 
 int FreeSearched(list_element *element, zr_value) {
-    std::free(element);
+    FreeItem(element);
     return 2;
 }
 
@@ -225,19 +270,50 @@ TEST_F(List, CallbacksMayFreeTheElementAtHand) {
             Append(*NewItem(name));
         }
     };
+    visits = 0;
     fill();
     list_free_all(&list, FreeItem);
     EXPECT_EQ(list.count, 0);
+    EXPECT_EQ(visits, 3);
     fill();
     list_traverse(&list, FreeVisited, 0);
+    EXPECT_EQ(visits, 6);
     fill();
     list_traverse_backward(&list, FreeVisited, 0);
+    EXPECT_EQ(visits, 9);
     fill();
     EXPECT_EQ(list_search(&list, FreeSearched, 0), nullptr);
+    EXPECT_EQ(visits, 12);
     fill();
     EXPECT_EQ(list_search_backward(&list, FreeSearched, 0), nullptr);
+    EXPECT_EQ(visits, 15);
     fill();
     EXPECT_EQ(list_search_from_to(&list, list.first, list.last, FreeSearched, 0), nullptr);
+    EXPECT_EQ(visits, 18);
+    fill();
+    EXPECT_EQ(list_search_from(&list, list.first, FreeSearched, 0), nullptr);
+    EXPECT_EQ(visits, 21);
+    fill();
+    EXPECT_EQ(list_search_to(&list, list.last, FreeSearched, 0), nullptr);
+    EXPECT_EQ(visits, 24);
+}
+
+int UnlinkVisited(list_element *element, zr_value value) {
+    list_delete(reinterpret_cast<list_descriptor *>(value), element);
+    *element = {nullptr, nullptr};
+    return 0;
+}
+
+TEST_F(List, CallbacksMayUnlinkTheElementAtHand) {
+    FillAbc();
+    list_traverse(&list, UnlinkVisited, reinterpret_cast<zr_value>(&list));
+    EXPECT_EQ(Names(), "");
+    FillAbc();
+    list_traverse_backward(&list, UnlinkVisited, reinterpret_cast<zr_value>(&list));
+    EXPECT_EQ(Names(), "");
+    FillAbc();
+    EXPECT_EQ(list_search(&list, UnlinkVisited, reinterpret_cast<zr_value>(&list)), nullptr);
+    EXPECT_EQ(Names(), "");
 }
 
 std::string visited;
@@ -247,9 +323,9 @@ int Visit(list_element *element, zr_value value) {
     return NameOf(element) == static_cast<char>(value) ? 1 : 0;
 }
 
-int AnswerTwo(list_element *element, zr_value) {
+int AnswerValue(list_element *element, zr_value value) {
     visited += NameOf(element);
-    return 2;
+    return static_cast<int>(value);
 }
 
 // The names that a search looked at.
@@ -269,10 +345,22 @@ TEST_F(List, SearchGoesFromTheFirstToTheHit) {
 
 TEST_F(List, OnlyOneIsAHit) {
     FillAbc();
-    EXPECT_EQ(list_search(&list, AnswerTwo, 0), nullptr);
-    EXPECT_EQ(TakeVisited(), "abc");
-    EXPECT_EQ(list_search_backward(&list, AnswerTwo, 0), nullptr);
-    EXPECT_EQ(TakeVisited(), "cba");
+    for (int answer : {0, 2, -1, 256, 257}) {
+        auto value = static_cast<zr_value>(answer);
+        EXPECT_EQ(list_search(&list, AnswerValue, value), nullptr);
+        EXPECT_EQ(TakeVisited(), "abc");
+        EXPECT_EQ(list_search_from(&list, &b.links, AnswerValue, value), nullptr);
+        EXPECT_EQ(TakeVisited(), "bc");
+        EXPECT_EQ(list_search_to(&list, &b.links, AnswerValue, value), nullptr);
+        EXPECT_EQ(TakeVisited(), "ab");
+        EXPECT_EQ(list_search_from_to(&list, &b.links, &b.links, AnswerValue, value), nullptr);
+        EXPECT_EQ(TakeVisited(), "b");
+        EXPECT_EQ(list_search_backward(&list, AnswerValue, value), nullptr);
+        EXPECT_EQ(TakeVisited(), "cba");
+    }
+    EXPECT_EQ(list_search(&list, AnswerValue, 1), &a.links);
+    EXPECT_EQ(list_search_backward(&list, AnswerValue, 1), &c.links);
+    EXPECT_EQ(TakeVisited(), "ac");
 }
 
 TEST_F(List, SearchFromGoesToTheEnd) {
@@ -294,6 +382,14 @@ TEST_F(List, SearchToIncludesItsEnd) {
     EXPECT_EQ(TakeVisited(), "a");
 }
 
+TEST_F(List, SearchToGoesToTheEndIfItsEndDoesNotCome) {
+    FillAbc();
+    EXPECT_EQ(list_search_to(&list, nullptr, Visit, 'c'), &c.links);
+    EXPECT_EQ(TakeVisited(), "abc");
+    EXPECT_EQ(list_search_to(&list, &d.links, Visit, 'x'), nullptr);
+    EXPECT_EQ(TakeVisited(), "abc");
+}
+
 TEST_F(List, SearchFromToEndsAtTheEndIfItsEndDoesNotCome) {
     FillAbc();
     EXPECT_EQ(list_search_from_to(&list, &b.links, &c.links, Visit, 'c'), &c.links);
@@ -302,6 +398,10 @@ TEST_F(List, SearchFromToEndsAtTheEndIfItsEndDoesNotCome) {
     EXPECT_EQ(TakeVisited(), "b");
     EXPECT_EQ(list_search_from_to(&list, &b.links, &a.links, Visit, 'x'), nullptr);
     EXPECT_EQ(TakeVisited(), "bc");
+    EXPECT_EQ(list_search_from_to(&list, &b.links, nullptr, Visit, 'x'), nullptr);
+    EXPECT_EQ(TakeVisited(), "bc");
+    EXPECT_EQ(list_search_from_to(&list, nullptr, &c.links, Visit, 'c'), nullptr);
+    EXPECT_EQ(TakeVisited(), "");
 }
 
 TEST_F(List, SearchBackwardGoesFromTheLast) {
@@ -330,6 +430,17 @@ TEST_F(List, ValueIsAsWideAsAPointer) {
     std::vector<list_element *> seen;
     list_traverse(&list, StoreInto, reinterpret_cast<zr_value>(&seen));
     EXPECT_EQ(seen, (std::vector<list_element *>{&a.links, &b.links, &c.links}));
+}
+
+TEST_F(List, EmptyListIsWalkedOverNothing) {
+    EXPECT_EQ(list_search(&list, Visit, 'a'), nullptr);
+    EXPECT_EQ(list_search_to(&list, nullptr, Visit, 'a'), nullptr);
+    EXPECT_EQ(list_search_backward(&list, Visit, 'a'), nullptr);
+    list_traverse(&list, Visit, 0);
+    list_traverse_backward(&list, Visit, 0);
+    list_free_all(&list, Free);
+    EXPECT_EQ(TakeVisited(), "");
+    EXPECT_EQ(Names(), "");
 }
 
 TEST_F(List, NumbersCountFromOne) {
@@ -381,6 +492,9 @@ TEST_F(List, NullArgumentsAreTolerated) {
     EXPECT_EQ(list_search(nullptr, Visit, 'a'), nullptr);
     EXPECT_EQ(list_search(&list, nullptr, 'a'), nullptr);
     EXPECT_EQ(list_search_to(nullptr, &a.links, Visit, 'a'), nullptr);
+    EXPECT_EQ(list_search_from(&list, &a.links, nullptr, 'a'), nullptr);
+    EXPECT_EQ(list_search_to(&list, &a.links, nullptr, 'a'), nullptr);
+    EXPECT_EQ(list_search_from_to(&list, &a.links, &a.links, nullptr, 'a'), nullptr);
     EXPECT_EQ(list_search_backward(nullptr, Visit, 'a'), nullptr);
     EXPECT_EQ(list_search_backward(&list, nullptr, 'a'), nullptr);
     EXPECT_EQ(list_get_element_by_number(nullptr, 1), nullptr);

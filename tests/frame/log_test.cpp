@@ -122,6 +122,38 @@ TEST_F(Log, FileOfYesterdayIsEmptied) {
     EXPECT_EQ(TakeLog(), record);
 }
 
+TEST_F(Log, FileOfTomorrowIsEmptied) {
+    WriteOldLog();
+    time = Midnight(fixed_time) - 1;
+    PretendModified(time + 1);
+    zr_switch_error(1, "Fio", 1);
+    EXPECT_EQ(TakeLog(), record);
+}
+
+TEST_F(Log, FileWithoutAStatusIsAppendedTo) {
+    WriteOldLog();
+    zr::platform::services.file_status = [](const char *, zr::platform::FileStatus &) { return false; };
+    zr_switch_error(1, "Fio", 1);
+    EXPECT_EQ(TakeLog(), std::string("old") + record);
+}
+
+TEST_F(Log, IsOpenedOnceForEachRecordAndInItsMode) {
+    static std::string modes;
+    modes.clear();
+    zr::platform::services.open_text = [](const char *path, const char *mode) {
+        EXPECT_EQ(path, log_path);
+        modes += mode;
+        return zr::platform::backend::OpenText(path, mode);
+    };
+    WriteOldLog();
+    PretendModified(time - 2 * 86400);
+    zr_error("a", "b", "c", "Fio", 1);
+    PretendModified(time);
+    zr_message("a", "b", "c", "Fio", 1);
+    zr_switch_error(1, "Fio", 1);
+    EXPECT_EQ(modes, "waa");
+}
+
 TEST_F(Log, SameDayOfAnotherMonthOrYearIsAnotherDay) {
     std::int64_t month_ago = fixed_time;
     do {

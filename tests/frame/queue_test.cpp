@@ -1,6 +1,8 @@
 // Queue and stack of caller's values.
 #include <zrclb/queue.h>
 
+#include <cstddef>
+
 #include <gtest/gtest.h>
 
 #include "frame/counted_allocation.h"
@@ -8,6 +10,27 @@
 namespace {
 
 using zr::frame::heap_block_count;
+
+TEST(Queue, FieldsStandInTheirOrder) {
+    EXPECT_EQ(offsetof(queue, head), 0u);
+    EXPECT_EQ(offsetof(queue, tail), sizeof(void *));
+    EXPECT_EQ(offsetof(stack, top), 0u);
+    EXPECT_EQ(offsetof(queue_node, data), 0u);
+    EXPECT_EQ(offsetof(queue_node, next), sizeof(void *));
+    queue *q = queue_open();
+    EXPECT_EQ(q->head, nullptr);
+    queue_post(q, 4);
+    EXPECT_EQ(q->head, q->tail);
+    EXPECT_EQ(q->head->data, 4u);
+    EXPECT_EQ(q->head->next, nullptr);
+    queue_close(q);
+    stack *s = stack_open();
+    EXPECT_EQ(s->top, nullptr);
+    stack_push(s, 4);
+    EXPECT_EQ(s->top->data, 4u);
+    EXPECT_EQ(s->top->next, nullptr);
+    stack_close(s);
+}
 
 TEST(Queue, ValuesComeOutInTheOrderOfPosting) {
     queue *q = queue_open();
@@ -48,9 +71,12 @@ TEST(Queue, LookKeepsTheValue) {
 
 TEST(Queue, ClearLeavesAUsableQueue) {
     queue *q = queue_open();
+    zr_long before = heap_block_count;
     queue_post(q, 1);
     queue_post(q, 2);
     queue_clear(q);
+    EXPECT_EQ(heap_block_count, before);
+    EXPECT_EQ(queue_look(q), 0u);
     EXPECT_EQ(queue_get(q), 0u);
     queue_clear(q);
     queue_post(q, 3);
@@ -138,8 +164,23 @@ TEST(Stack, ClosingGivesAllNodesBack) {
     stack_push(s, 1);
     stack_push(s, 2);
     EXPECT_EQ(heap_block_count, before + 3);
+    stack_get(s);
+    EXPECT_EQ(heap_block_count, before + 3);
+    stack_pop(s);
+    EXPECT_EQ(heap_block_count, before + 2);
+    stack_push(s, 3);
     stack_close(s);
     EXPECT_EQ(heap_block_count, before);
+}
+
+TEST(Stack, ZeroIsStoredThoughItReadsAsEmpty) {
+    stack *s = stack_open();
+    EXPECT_EQ(stack_push(s, 5), s);
+    EXPECT_EQ(stack_push(s, 0), s);
+    EXPECT_EQ(stack_get(s), 0u);
+    EXPECT_EQ(stack_pop(s), 0u);
+    EXPECT_EQ(stack_pop(s), 5u);
+    stack_close(s);
 }
 
 TEST(Stack, ValueIsAsWideAsAPointer) {

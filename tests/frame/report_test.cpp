@@ -68,6 +68,20 @@ TEST_F(Report, ErrorWritesRecordWithTracebackAndTellsTheDebugger) {
     EXPECT_TRUE(boxes.empty());
 }
 
+TEST_F(Report, ErrorGivesEveryTextInItsOrder) {
+    zr_error("a", "", "c", "Fio", 5);
+    EXPECT_EQ(TakeLog(), Stamp() + ">ERROR  in prog.exe \"Fio\" line 5:\n  a!\n  !\n  c!\n\n\n\n\n");
+    std::vector<std::string> expected = {"ZR_ERROR in prog.exe \"Fio\" line 5:\n", "a", "", "c", "\n\n"};
+    EXPECT_EQ(debugger, expected);
+}
+
+TEST_F(Report, LongTextGoesToTheDebuggerWhole) {
+    std::string text(100000, 'x');
+    zr_error(nullptr, text.c_str(), nullptr, "Fio", 5);
+    ASSERT_EQ(debugger.size(), 3u);
+    EXPECT_EQ(debugger[1], text);
+}
+
 TEST_F(Report, ErrorWithoutTextsSendsNoClosingToTheDebugger) {
     zr_error(nullptr, nullptr, nullptr, "Fio", 5);
     EXPECT_EQ(TakeLog(), Stamp() + ">ERROR  in prog.exe \"Fio\" line 5:\n\n\n\n\n");
@@ -104,6 +118,7 @@ TEST_F(Report, SwitchErrorHasNoStampAndNoClosingOfItsOwn) {
     zr_switch_error(-2147483647 - 1, "Calc", 9);
     EXPECT_EQ(TakeLog(), "SWITCH ERROR in \"Calc\" line 9:\n  switch value = -2147483648!\n\n\n\n");
     EXPECT_TRUE(debugger.empty());
+    EXPECT_TRUE(boxes.empty());
 }
 
 TEST_F(Report, OnoffSilencesOnlyTheErrorRecord) {
@@ -150,19 +165,49 @@ TEST_F(Report, NameThatNobodyKnowsIsEmpty) {
     EXPECT_EQ(TakeLog(), Stamp() + "> MESSAGE in  \"Fio\" line 1:\n\n\n");
 }
 
-TEST_F(Report, NameIsAskedForAtTheFirstMessageOrError) {
-    static int asked;
-    asked = 0;
-    zr::frame::SetLogHook({[] { return true; },
-                           [](char *out, std::size_t size) {
-                               return str_ncpy(out, log_path.c_str(), static_cast<int>(size) - 1) != nullptr;
-                           },
-                           [](char *out, std::size_t size) {
-                               ++asked;
-                               return str_ncpy(out, "a name of more than forty characters, much more",
-                                               static_cast<int>(size) - 1) != nullptr;
-                           }});
-    zr_error_setname("");
+TEST_F(Report, NameThatCannotBeDerivedStaysAsItIs) {
+    zr_error_setname("mine");
+    zr_error_setname(nullptr);
+    zr_message(nullptr, nullptr, nullptr, "Fio", 1);
+    EXPECT_EQ(TakeLog(), Stamp() + "> MESSAGE in mine \"Fio\" line 1:\n\n\n");
+}
+
+int asked; // how often the program's name was asked for
+
+// Lets the name of the program be found, and none be set.
+class ReportName : public ReportFixture {
+protected:
+    void SetUp() override {
+        ReportFixture::SetUp();
+        asked = 0;
+        zr::frame::SetLogHook({[] { return true; },
+                               [](char *out, std::size_t size) {
+                                   return str_ncpy(out, log_path.c_str(), static_cast<int>(size) - 1) != nullptr;
+                               },
+                               [](char *out, std::size_t size) {
+                                   ++asked;
+                                   return str_ncpy(out, "a name of more than forty characters, much more",
+                                                   static_cast<int>(size) - 1) != nullptr;
+                               }});
+        zr_error_setname("");
+    }
+};
+
+TEST_F(ReportName, IsAskedForByAMessageAlone) {
+    zr_message(nullptr, nullptr, nullptr, "Fio", 1);
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(TakeLog().substr(25), "> MESSAGE in a name of more than forty characters, mu \"Fio\" line 1:\n\n\n");
+}
+
+TEST_F(ReportName, IsAskedForByAnErrorThatIsSilenced) {
+    zr_error_onoff(0);
+    zr_error(nullptr, nullptr, nullptr, "Fio", 1);
+    EXPECT_EQ(asked, 1);
+    ASSERT_EQ(debugger.size(), 1u);
+    EXPECT_EQ(debugger[0], "ZR_ERROR in a name of more than forty characters, mu \"Fio\" line 1:\n");
+}
+
+TEST_F(ReportName, IsAskedForAtTheFirstMessageOrError) {
     zr_switch_error(1, "Fio", 1);
     EXPECT_EQ(asked, 0);
     TakeLog();
@@ -182,6 +227,14 @@ TEST_F(Report, InvalidParameterHasThreeLines) {
     std::string log = TakeLog();
     EXPECT_EQ(log.find(Stamp() + "> MESSAGE in prog.exe \"clib\" line "), 0u);
     EXPECT_NE(log.find(":\n  Invalid Parameter!\n  !\n  !\n\n\n"), std::string::npos);
+}
+
+TEST_F(Report, InvalidParameterWithOneTextLeavesTheOtherLineEmpty) {
+    zr::frame::InvalidParameterReporter(L"buffer != 0", nullptr);
+    EXPECT_NE(TakeLog().find(":\n  Invalid Parameter!\n  buffer != 0!\n  !\n\n\n"), std::string::npos);
+    zr::frame::InvalidParameterReporter(nullptr, L"sprintf");
+    EXPECT_NE(TakeLog().find(":\n  Invalid Parameter!\n  !\n  sprintf!\n\n\n"), std::string::npos);
+    EXPECT_TRUE(debugger.empty());
 }
 
 TEST_F(Report, InvalidParameterTextsAreNarrowedAndCut) {

@@ -1,11 +1,21 @@
 // Reports of two threads: their records never mix.
 #include <zrclb/report.h>
 
+#include <chrono>
+#include <future>
 #include <thread>
 
 #include "frame/report_fixture.h"
 
 namespace {
+
+std::future<void> other_call; // waited for outside the box or handler that starts it
+
+// Whether a message of another thread gets through while this one waits.
+bool OtherThreadReports() {
+    other_call = std::async(std::launch::async, [] { zr_message("other", nullptr, nullptr, "T", 1); });
+    return other_call.wait_for(std::chrono::seconds(20)) == std::future_status::ready;
+}
 
 using ReportThreads = ReportFixture;
 
@@ -41,6 +51,49 @@ TEST_F(ReportThreads, RecordsDoNotMix) {
             EXPECT_EQ(found, count) << record;
         }
     }
+}
+
+TEST_F(ReportThreads, ReportsWithoutALogLeaveTheSectionFree) {
+    log_is_on = false;
+    SwitchLogOn();
+    zr_error("a", nullptr, nullptr, "Fio", 1);
+    zr_message("a", nullptr, nullptr, "Fio", 1);
+    zr_switch_error(1, "Fio", 1);
+    EXPECT_TRUE(OtherThreadReports());
+}
+
+TEST_F(ReportThreads, ReportsLeaveTheSectionFree) {
+    zr_error("a", nullptr, nullptr, "Fio", 1);
+    zr_message("a", nullptr, nullptr, "Fio", 1);
+    zr_switch_error(1, "Fio", 1);
+    zr_end();
+    TakeLog();
+    EXPECT_TRUE(OtherThreadReports());
+    EXPECT_NE(TakeLog(), "");
+}
+
+TEST_F(ReportThreads, BoxOfAnEndWithoutBeginHoldsNobodyUp) {
+    static bool passed;
+    passed = false;
+    zr::platform::services.show_message_box = [](zr_window, const char *, const char *, unsigned) {
+        passed = OtherThreadReports();
+        return 1;
+    };
+    zr_end();
+    other_call.wait();
+    EXPECT_TRUE(passed);
+}
+
+TEST_F(ReportThreads, HandlerRunsOutsideTheSection) {
+    zr_SetMessageBoxHandler(
+        [](zr_window, const char *, const char *, zr_ulong, zr_value) {
+            other_call = std::async(std::launch::async, [] { zr_SetMessageBoxHandler(nullptr, 0); });
+            return other_call.wait_for(std::chrono::seconds(20)) == std::future_status::ready ? 70 : 71;
+        },
+        0);
+    EXPECT_EQ(zr_MessageBox(nullptr, "", "", 0), 70);
+    other_call.wait();
+    EXPECT_EQ(zr_MessageBox(nullptr, "", "", 0), 1); // the other thread has removed the handler
 }
 
 TEST_F(ReportThreads, HandlersComeAndGoWhileBoxesAreShown) {

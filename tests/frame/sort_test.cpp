@@ -33,6 +33,9 @@ TEST(Sort, OnlyCountElementsAreTouched) {
     EXPECT_EQ(vector[0], 2);
     EXPECT_EQ(vector[1], 3);
     EXPECT_EQ(vector[2], 1);
+    sort_lvector(vector, 0);
+    sort_lvector(vector, 1);
+    EXPECT_EQ(vector[0], 2);
     double doubles[] = {2, 1};
     sort_dvector(doubles, 0);
     sort_dvector(doubles, 1);
@@ -77,6 +80,8 @@ TEST(Sort, DoubleIndexPointsToAscendingValues) {
     EXPECT_EQ(index[1], vector + 2);
     EXPECT_EQ(index[2], vector + 0);
     EXPECT_EQ(vector[0], 0.3);
+    EXPECT_EQ(vector[1], -0.1);
+    EXPECT_EQ(vector[2], 0.2);
 }
 
 TEST(Sort, DoubleIndexWithNanHoldsEveryAddressOnce) {
@@ -115,6 +120,8 @@ int Descending(const void *a, const void *b) {
 
 TEST(Sort, QuickMovesWholeElementsByTheCallersOrder) {
     Pair pairs[] = {{"a", 1}, {"b", 3}, {"c", 2}};
+    sort_quick(pairs, 0, sizeof(Pair), Descending);
+    EXPECT_STREQ(pairs[0].tag, "a");
     sort_quick(pairs, 3, sizeof(Pair), Descending);
     EXPECT_STREQ(pairs[0].tag, "b");
     EXPECT_STREQ(pairs[1].tag, "c");

@@ -41,6 +41,7 @@ protected:
 
 TEST_F(StrChange, CaseFollowsTheCodePage) {
     GoldenTable table("win_ctype.tsv");
+    int checked = 0;
     for (const auto &row : table.Rows()) {
         int byte = std::stoi(row.at("byte"));
         if (byte == 0) {
@@ -52,6 +53,31 @@ TEST_F(StrChange, CaseFollowsTheCodePage) {
         str_low(lower);
         EXPECT_EQ(static_cast<unsigned char>(upper[0]), std::stoi(row.at("CharUpperA"))) << byte;
         EXPECT_EQ(static_cast<unsigned char>(lower[0]), std::stoi(row.at("CharLowerA"))) << byte;
+        ++checked;
+    }
+    EXPECT_EQ(checked, 178);
+}
+
+// The letters beyond ASCII that the code page has in both sizes, one below the other.
+constexpr char capitals[] =
+    "\x8A\x8C\x8E\x9F\xC0\xC1\xC2\xC3\xC4\xC5\xC6\xC7\xC8\xC9\xCA\xCB\xCC\xCD\xCE\xCF\xD0\xD1\xD2\xD3\xD4\xD5\xD6\xD8\xD9\xDA\xDB\xDC\xDD\xDE";
+constexpr char smalls[] =
+    "\x9A\x9C\x9E\xFF\xE0\xE1\xE2\xE3\xE4\xE5\xE6\xE7\xE8\xE9\xEA\xEB\xEC\xED\xEE\xEF\xF0\xF1\xF2\xF3\xF4\xF5\xF6\xF8\xF9\xFA\xFB\xFC\xFD\xFE";
+
+TEST_F(StrChange, CaseOfEveryByte) {
+    for (int byte = 1; byte < 256; ++byte) {
+        const char ch = static_cast<char>(byte);
+        const bool ascii_small = ch >= 'a' && ch <= 'z';
+        const bool ascii_capital = ch >= 'A' && ch <= 'Z';
+        const char *small = std::strchr(smalls, ch);
+        const char *capital = std::strchr(capitals, ch);
+        char upper[] = {ch, '\0'};
+        char lower[] = {ch, '\0'};
+        EXPECT_EQ(str_cap(upper)[0], small != nullptr ? capitals[small - smalls] : ascii_small ? ch - 32 : ch) << byte;
+        EXPECT_EQ(str_low(lower)[0], capital != nullptr ? smalls[capital - capitals]
+                                     : ascii_capital    ? ch + 32
+                                                        : ch)
+            << byte;
     }
 }
 
@@ -92,10 +118,19 @@ TEST_F(StrChange, CaseOfWholeTexts) {
 }
 
 TEST_F(StrChange, CaseLeavesTheLocaleAlone) {
-    std::string before = std::setlocale(LC_CTYPE, nullptr);
-    char text[] = "\xE4";
-    str_cap(text);
-    EXPECT_EQ(before, std::setlocale(LC_CTYPE, nullptr));
+    // Any but the one that is named by the empty name will do.
+    for (const char *name : {"C", "C.UTF-8", "German_Germany.1252", "de_DE.UTF-8"}) {
+        if (std::setlocale(LC_CTYPE, name) == nullptr) {
+            continue;
+        }
+        std::string before = std::setlocale(LC_CTYPE, nullptr);
+        char text[] = "\xE4\xC4";
+        EXPECT_STREQ(str_cap(text), "\xC4\xC4") << name;
+        EXPECT_EQ(before, std::setlocale(LC_CTYPE, nullptr));
+        EXPECT_STREQ(str_low(text), "\xE4\xE4") << name;
+        EXPECT_EQ(before, std::setlocale(LC_CTYPE, nullptr));
+    }
+    std::setlocale(LC_CTYPE, "C");
 }
 
 TEST_F(StrChange, TrimTakesBlanksAlone) {
@@ -108,6 +143,7 @@ TEST_F(StrChange, TrimTakesBlanksAlone) {
                 {"a", "a", "a", "a"},
                 {"", "", "", ""},
                 {"    ", "", "", ""},
+                {" ", "", "", ""},
                 {" a\t", "a\t", "a\t", " a\t"},
                 {"\n a \n", "\n a \n", "\n a \n", "\n a \n"},
                 {"a\t ", "a\t", "a\t ", "a\t"},
@@ -173,6 +209,20 @@ TEST_F(StrChange, ReplReportsNull) {
     EXPECT_EQ(TakeError(), "str_repl : Falsche Parameter");
     EXPECT_EQ(str_repl(buffer.data(), 6, "a", nullptr), nullptr);
     EXPECT_EQ(TakeError(), "str_repl : Falsche Parameter");
+    EXPECT_EQ(Text(), "abc");
+}
+
+TEST_F(StrChange, ReplLooksForNullThenThePatternThenTheRoom) {
+    Set("abc", 4);
+    EXPECT_EQ(str_repl(buffer.data(), Size(), "", nullptr), nullptr);
+    EXPECT_EQ(TakeError(), "str_repl : Falsche Parameter");
+    EXPECT_EQ(str_repl(buffer.data(), 0, "x", "longer than the buffer"), nullptr);
+    EXPECT_EQ(TakeError(), "");
+    EXPECT_EQ(str_repl_all(buffer.data(), Size(), "", nullptr), 0);
+    EXPECT_EQ(TakeError(), "str_repl_all : Falsche Parameter");
+    EXPECT_EQ(str_repl_all(buffer.data(), 0, "x", "longer than the buffer"), 0);
+    EXPECT_EQ(str_repl_all(buffer.data(), 0, "", "longer than the buffer"), 0);
+    EXPECT_EQ(TakeError(), "");
     EXPECT_EQ(Text(), "abc");
 }
 
@@ -292,6 +342,21 @@ TEST_F(StrChange, InsKnowsItsBuffer) {
     EXPECT_EQ(TakeError(), "str_ins: Buffer zu klein");
 }
 
+TEST_F(StrChange, InsLooksForTheIndexThenForTextThenForTheRoom) {
+    Set("abc", 4);
+    EXPECT_EQ(str_ins(buffer.data(), Size(), 4, ""), nullptr);
+    EXPECT_EQ(TakeError(), "str_ins: Index zu gro\xDF");
+    EXPECT_EQ(str_ins(buffer.data(), 1, 4, "too long"), nullptr);
+    EXPECT_EQ(TakeError(), "str_ins: Index zu gro\xDF");
+    EXPECT_EQ(str_ins(buffer.data(), 1, 3, ""), buffer.data());
+    EXPECT_EQ(TakeError(), "");
+    EXPECT_EQ(Text(), "abc");
+    Set("", 4);
+    EXPECT_EQ(str_ins(buffer.data(), Size(), 0, ""), buffer.data());
+    EXPECT_EQ(TakeError(), "");
+    EXPECT_EQ(Text(), "");
+}
+
 TEST_F(StrChange, InsIntoAnEmptyTextCutsSilently) {
     Set("", 4);
     EXPECT_EQ(str_ins(buffer.data(), Size(), 0, "abcdef"), buffer.data());
@@ -348,6 +413,18 @@ TEST_F(StrChange, BackslashThatBeginsNothingStays) {
         std::strcpy(source, row.escaped);
         char out[16];
         EXPECT_STREQ(str_stoe(out, source), row.plain);
+    }
+}
+
+TEST_F(StrChange, OnlyTheBytesOfTheTableAreEscaped) {
+    const std::string escaped = "\a\b\t\n\v\f\r\"'\\";
+    for (int byte = 1; byte < 256; ++byte) {
+        char source[] = {static_cast<char>(byte), '\0'};
+        char out[4];
+        const bool in_table = escaped.find(source[0]) != std::string::npos;
+        EXPECT_EQ(str_len(str_etos(out, source)), in_table ? 2 : 1) << byte;
+        EXPECT_EQ(out[0], in_table ? '\\' : source[0]) << byte;
+        EXPECT_STREQ(str_stoe(nullptr, out), source) << byte;
     }
 }
 

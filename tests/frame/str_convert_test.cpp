@@ -219,6 +219,10 @@ TEST_F(StrConvert, DtosWithAFormatThatDoesNotFitGivesTheEmptyText) {
     EXPECT_EQ(convert_dtos(1.0, INT_MIN, INT_MAX, out), 0);
     EXPECT_STREQ(out, "");
     EXPECT_TRUE(TakeInvalidParameter());
+    std::strcpy(out, "old");
+    EXPECT_EQ(convert_dtos(1.0, INT_MIN, 1, out), 0); // one character more than the format has room for
+    EXPECT_STREQ(out, "");
+    EXPECT_TRUE(TakeInvalidParameter());
     EXPECT_EQ(convert_dtos(1.0, 1, 1, nullptr), 0);
 }
 
@@ -249,10 +253,9 @@ TEST_F(StrConvert, LtosFillsItsField) {
 
 TEST_F(StrConvert, LocaleDoesNotMatter) {
     const char *names[] = {"de_DE.UTF-8", "de_DE", "de_DE@euro", "German_Germany.1252", "fr_FR.UTF-8"};
+    bool found = false;
     for (const char *name : names) {
-        if (std::setlocale(LC_ALL, name) != nullptr) {
-            break;
-        }
+        found = found || std::setlocale(LC_ALL, name) != nullptr;
     }
     char out[32];
     convert_dtos(1.5, 0, 1, out);
@@ -266,6 +269,9 @@ TEST_F(StrConvert, LocaleDoesNotMatter) {
     EXPECT_EQ(printed, "2.5");
     EXPECT_EQ(read, 1.5);
     EXPECT_EQ(folded, 0);
+    if (!found) {
+        GTEST_SKIP() << "no locale with a decimal comma is installed";
+    }
 }
 
 } // namespace

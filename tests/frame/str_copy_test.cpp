@@ -112,7 +112,9 @@ TEST(StrCopy, PcatAppendsARangeOrNothing) {
         int first;
         int last;
         const char *result;
-    } rows[] = {{0, 0, "olda"}, {2, 99, "oldcdef"}, {4, 2, "old"}, {-1, 3, "old"}, {6, 6, "old"}, {99, 100, "old"}};
+    } rows[] = {{0, 0, "olda"},           {2, 99, "oldcdef"}, {4, 2, "old"},  {-1, 3, "old"},      {6, 6, "old"},
+                {99, 100, "old"},         {5, 5, "oldf"},     {0, -1, "old"}, {INT_MIN, 2, "old"}, {5, INT_MAX, "oldf"},
+                {INT_MAX, INT_MAX, "old"}};
     for (const auto &row : rows) {
         Buffer dst("old");
         EXPECT_EQ(str_pcat(dst.bytes, "abcdef", row.first, row.last), dst.bytes);

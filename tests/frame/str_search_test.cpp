@@ -4,6 +4,7 @@
 #include <clocale>
 #include <cstring>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "frame/report_fixture.h"
@@ -121,6 +122,12 @@ TEST(StrSearch, CharactersFromBothEnds) {
     EXPECT_EQ(str_ichr(text, 'x'), -1);
     EXPECT_EQ(str_irchr(text, 'x'), -1);
     EXPECT_EQ(str_ichr(text, 'a'), 0);
+    EXPECT_EQ(str_ichr(text, '\xE4'), 6);
+    EXPECT_EQ(str_ichr(text, '\0'), 7);
+    EXPECT_EQ(str_irchr(text, '\0'), 7);
+    char empty[] = "";
+    EXPECT_EQ(str_chr(empty, 'a'), nullptr);
+    EXPECT_EQ(str_irchr(empty, 'a'), -1);
 }
 
 TEST(StrSearch, Texts) {
@@ -203,15 +210,36 @@ TEST_F(StrTok, StateIsItsOwn) {
 }
 
 TEST_F(StrTok, PackedListIsWalkedToItsEmptyText) {
-    char packed[] = "a\0bc\0";
+    char packed[] = "a\0bc\0\0\0";
     EXPECT_EQ(str_tok(packed, nullptr), packed);
     EXPECT_EQ(str_tok(nullptr, nullptr), packed + 2);
     EXPECT_EQ(str_tok(nullptr, nullptr), nullptr);
     EXPECT_EQ(str_tok(nullptr, nullptr), nullptr);
+    EXPECT_EQ(std::memcmp(packed, "a\0bc\0\0", 7), 0);
     EXPECT_TRUE(debugger.empty());
-    packed[5] = 'x'; // the position stays at the empty text
+}
+
+TEST_F(StrTok, PackedListIsWalkedOnWhereItsEmptyTextWas) {
+    char packed[] = "a\0bc\0\0\0";
+    str_tok(packed, nullptr);
+    str_tok(nullptr, nullptr);
+    EXPECT_EQ(str_tok(nullptr, nullptr), nullptr);
+    packed[5] = 'x';
+    EXPECT_EQ(str_tok(nullptr, nullptr), packed + 5);
+    EXPECT_EQ(str_tok(nullptr, nullptr), nullptr);
     EXPECT_EQ(str_tok(packed + 2, nullptr), packed + 2);
-    EXPECT_EQ(std::memcmp(packed, "a\0bc\0x", 6), 0);
+    EXPECT_TRUE(debugger.empty());
+}
+
+TEST_F(StrTok, EachThreadHasItsPlace) {
+    char text[] = "a,b";
+    EXPECT_STREQ(str_tok(text, ","), "a");
+    std::thread([] {
+        char other[] = "x,y";
+        EXPECT_EQ(str_tok(nullptr, ","), nullptr);
+        EXPECT_STREQ(str_tok(other, ","), "x");
+    }).join();
+    EXPECT_STREQ(str_tok(nullptr, ","), "b");
 }
 
 TEST_F(StrTok, EmptyPackedListHasNoText) {

@@ -137,6 +137,23 @@ TEST_F(Trace, EndWithoutBeginShowsABoxAndTwoLines) {
     EXPECT_EQ(boxes.size(), 1u);
 }
 
+TEST_F(Trace, EveryEndWithoutBeginShowsItsBox) {
+    zr_end();
+    zr_end();
+    EXPECT_EQ(boxes.size(), 2u);
+    std::string lines = "> MISSMATCH WITH BEGIN-END-BRACKET:\n  END without BEGIN!\n\n";
+    EXPECT_EQ(TakeLog(), lines + lines);
+    EXPECT_TRUE(debugger.empty());
+}
+
+TEST_F(Trace, EndWithoutBeginShowsItsBoxWithoutALog) {
+    log_is_on = false;
+    SwitchLogOn();
+    zr_end();
+    EXPECT_EQ(boxes.size(), 1u);
+    EXPECT_FALSE(std::filesystem::exists(log_path));
+}
+
 TEST_F(Trace, BoxComesBeforeTheLogIsOpened) {
     static bool logged;
     logged = true;

@@ -1,6 +1,9 @@
 // Loading and unloading.
 #include "library/load.h"
 
+#include <chrono>
+#include <future>
+
 #include <zrclb/zrclb.h>
 
 #include "env/env_lock.h"
@@ -57,6 +60,29 @@ TEST_F(Load, SecondLoadKeepsTheHook) {
     zr::library::LibraryLoad(nullptr);
     zr_switch_error(1, "Fio", 1);
     EXPECT_NE(TakeLog(), "");
+}
+
+// Whether another thread gets into the section within the time.
+bool OtherThreadEnters(zr::platform::Lock &section, std::chrono::milliseconds limit, std::future<void> &other) {
+    other = std::async(std::launch::async, [&section] { zr::platform::LockGuard guard(section); });
+    return other.wait_for(limit) == std::future_status::ready;
+}
+
+TEST_F(Load, SectionsKeepOtherThreadsOutFromLoadToUnload) {
+    for (zr::platform::Lock *section :
+         {&zr::frame::LogSection(), &zr::env::Section(), &zr::frame::MessageBoxSection()}) {
+        std::future<void> other;
+        zr::library::LibraryLoad(nullptr);
+        section->Enter();
+        EXPECT_FALSE(OtherThreadEnters(*section, std::chrono::milliseconds(50), other));
+        section->Leave();
+        other.wait();
+        EXPECT_TRUE(OtherThreadEnters(*section, std::chrono::seconds(20), other));
+        zr::library::LibraryUnload();
+        section->Enter(); // a section that is gone holds nobody up
+        EXPECT_TRUE(OtherThreadEnters(*section, std::chrono::seconds(20), other));
+        zr::library::LibraryLoad(nullptr);
+    }
 }
 
 TEST_F(Load, SectionsAreReentrantAfterLoading) {
