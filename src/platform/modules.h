@@ -20,7 +20,8 @@ std::size_t ProgramPath(char *out, std::size_t size);
 using InvalidParameterReporter = void (*)(const wchar_t *expression, const wchar_t *function);
 
 // Makes `reporter` the C library's handler for the whole process; null brings back the one that was there before the first
-// call. On Linux the C library has no such check and never calls it. Threads: at load and unload only.
+// call. On Linux the C library has no such check and never calls it; nor does msvcrt.dll in a MinGW-w64 build, whose
+// handler is a stand-in, while the UCRT calls it. Threads: at load and unload only.
 void InstallInvalidParameterReporter(InvalidParameterReporter reporter);
 
 } // namespace zr::platform

@@ -42,15 +42,33 @@ TEST_F(WindowsEntry, ProcessLoadsAndUnloadsAndNothingElseDoes) {
     zr::library::LibraryLoad(nullptr);
 }
 
-TEST_F(WindowsEntry, FaultOfACheckedFunctionIsReportedAndTheFunctionFails) {
-    char text[4] = "old";
-    EXPECT_EQ(strcpy_s(text, sizeof text, nullptr), EINVAL);
+TEST_F(WindowsEntry, LoadInstallsTheReporterOfBadArguments) {
+    const _invalid_parameter_handler handler = _get_invalid_parameter_handler();
+    ASSERT_NE(handler, nullptr);
+    handler(L"buffer != 0", L"sprintf", nullptr, 0, 0);
     const std::string log = TakeLog();
     EXPECT_EQ(log.find(Stamp() + "> MESSAGE in prog.exe \"clib\" line "), 0u);
-    EXPECT_NE(log.find(":\n  Invalid Parameter!\n"), std::string::npos);
+    EXPECT_NE(log.find(":\n  Invalid Parameter!\n  buffer != 0!\n  sprintf!\n\n\n"), std::string::npos);
 }
 
-void OwnHandler(const wchar_t *, const wchar_t *, const wchar_t *, unsigned, std::uintptr_t) {}
+int own_calls;
+
+void OwnHandler(const wchar_t *, const wchar_t *, const wchar_t *, unsigned, std::uintptr_t) {
+    ++own_calls;
+}
+
+TEST_F(WindowsEntry, FaultOfACheckedFunctionIsReportedAndTheFunctionFails) {
+    char text[4] = "old";
+    const _invalid_parameter_handler before = _set_invalid_parameter_handler(OwnHandler);
+    own_calls = 0;
+    EXPECT_EQ(strcpy_s(text, sizeof text, nullptr), EINVAL);
+    _set_invalid_parameter_handler(before);
+    if (own_calls == 0) {
+        GTEST_SKIP() << "the C library of this build calls no handler at all";
+    }
+    EXPECT_EQ(strcpy_s(text, sizeof text, nullptr), EINVAL);
+    EXPECT_NE(TakeLog().find(":\n  Invalid Parameter!\n"), std::string::npos);
+}
 
 TEST_F(WindowsEntry, UnloadBringsTheHandlerBeforeBack) {
     zr::library::LibraryUnload();
