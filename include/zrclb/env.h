@@ -43,7 +43,8 @@
        through all of their callbacks, unless "No lock" is said: such a call on an environment that another thread may
        use at that time needs the caller's own protection. A borrowed text is protected by nothing.
     9. Reports. The tree below tells of a caller's faults through zr_message and of inconsistencies through zr_error;
-       what the functions report themselves is said with them. Without memory the report is zr_error "Out of memory".
+       what the functions report themselves is said with them. Without memory the report is zr_error "Out of memory",
+       or zr_message where a new element finds none; env_open and its kin may give null without one.
    10. Nothing throws, and a callback must not let an exception out: it would end the process. */
 #ifndef ZRCLB_ENV_H
 #define ZRCLB_ENV_H
@@ -202,7 +203,8 @@ ZR_API int env_get_doubles(zr_env env, const char *section, const char *path, in
 ZR_API int env_get_longs(zr_env env, const char *section, const char *path, int direct, zr_long *count,
                          zr_long *values) ZR_NOEXCEPT;
 
-/* A list of texts, each copied into items[i][0..width-1] with its terminator; *count as in env_get_doubles. */
+/* A list of texts, each copied into items[i][0..width-1] with its terminator; *count as in env_get_doubles.
+   -10 also for a count or width below 1, or a null item. */
 ZR_API int env_get_strings(zr_env env, const char *section, const char *path, int direct, zr_long *count, zr_long width,
                            char **items) ZR_NOEXCEPT;
 
@@ -248,7 +250,8 @@ ZR_API int env_check(zr_env env, const char *section, const char *path, int dire
 
    All take every name of a path as a direct child and touch no defaults. Putting makes what is missing; a data
    element in the midst of the path becomes an empty block, a block at its end becomes a data element and loses what
-   is in it. 0, or -10: null env or input, a path that leads to no data element. */
+   is in it. 0, or -10: null env or input, a path that leads to no data element; -4: a null path and a section that
+   was not there, which is made. */
 
 /* Stores a text. An empty path, also with a null env: zr_error "Empty path passed to env_put_core", -6. */
 ZR_API int env_put(zr_env env, const char *section, const char *path, const char *text) ZR_NOEXCEPT;
@@ -292,7 +295,7 @@ ZR_API int env_insert_before(zr_env env, const char *section, const char *path, 
 /* Joins texts into a path in buffer[0..size-1]. format is the first text, not a format; further texts follow, all
    const char *, and a null pointer (of pointer type) ends the list. 0; -7 when it does not fit: the buffer is then
    empty, or left alone if already the first text does not fit. A null format leaves the buffer alone and gives 0. A
-   null env means the delimiter '@'. -10 for a null buffer. No lock. */
+   null env means the delimiter '@'. -10 for a null buffer that something would go into. No lock. */
 ZR_API int env_create_path(zr_env env, zr_long size, char *buffer, const char *format, ...) ZR_NOEXCEPT;
 
 /* ---- Children by number, and iteration

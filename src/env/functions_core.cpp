@@ -3,6 +3,7 @@
 
 #include "env/function_call.h"
 #include "env/functions_access.h"
+#include "env/node_store.h"
 
 using namespace zr::env;
 using Zr::CZrEnv;
@@ -42,12 +43,6 @@ int CheckElement(const CZrEnv &rEnv, const char *section, const char *path, bool
     return rEnv.GetSection(section) ? Zr::ENV_BLOCK : Zr::ENV_NOT_FOUND;
 }
 
-// Ends an element that no block has taken: only a block may do that.
-void Discard(CZrEnvElement *pElem) {
-    CZrEnvBlock holder("holder");
-    holder.InsertElement(pElem);
-}
-
 int InsertElementBefore(const CZrEnv &rEnv, const char *section, const char *path, const char *name) {
     CZrEnvElement *pAnchor =
         rEnv.IsSubEnv() && !path ? rEnv.GetSubEnvRootElement() : rEnv.GetElement(section, path, true, true);
@@ -56,16 +51,11 @@ int InsertElementBefore(const CZrEnv &rEnv, const char *section, const char *pat
     CZrEnvBlock *pParent = pAnchor->GetParent();
     if (!pParent)
         return Zr::ENV_ERROR;
-    auto *pNew = new Zr::CZrEnvDataElement(name, nullptr);
-    try {
-        if (pParent->InsertElementBefore(pNew, pAnchor))
-            return Zr::ENV_OK;
-    } catch (...) {
-        Discard(pNew);
-        throw;
-    }
-    Discard(pNew);
-    return Zr::ENV_ERROR;
+    Zr::CZrEnvNodeStore::Holder pNew(new Zr::CZrEnvDataElement(name, nullptr));
+    if (!pParent->InsertElementBefore(pNew.get(), pAnchor))
+        return Zr::ENV_ERROR;
+    pNew.release();
+    return Zr::ENV_OK;
 }
 
 int InsertSectionBefore(CZrEnv &rEnv, const char *section, const char *name) {

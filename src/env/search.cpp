@@ -282,10 +282,12 @@ zr_long CZrEnv::BuildPathVA(zr_ulong ulSize, char *szBuffer, const char *szFirst
 }
 
 zr_long CZrEnv::BuildPathVA(char cDelimiter, zr_ulong ulSize, char *szBuffer, const char *szFirst, va_list pArgs) {
-    if (ulSize == 0 || !szBuffer)
+    if (ulSize == 0)
         return ENV_TOO_SMALL;
     if (!szFirst)
         return ENV_OK;
+    if (!szBuffer)
+        return ENV_TOO_SMALL;
     std::size_t length = std::strlen(szFirst);
     if (length + 1 > ulSize)
         return ENV_TOO_SMALL;

@@ -8,6 +8,7 @@
 #include <zrclb/env.h>
 
 #include "env/function_call.h"
+#include "env/functions_access.h"
 #include "env/tree_edits.h"
 
 using Zr::CZrEnv;
@@ -121,9 +122,14 @@ void SiblingWalk::Watch(CZrEnvElement *pNext) {
     m_next.reset(pNext ? Zr::CZrEnvWalk::Open(pNext, m_elementOwner.Of(*pNext)) : nullptr);
 }
 
+// As with every new handle, nothing may be left of the iteration of one that lay at the same place.
 CZrEnv *SiblingWalk::OpenSub(const StepAddress &rAddress) {
     CZrEnvElement *pElem = m_pEnv->GetElement(rAddress.section, rAddress.Path(), m_bDirect, false);
-    return pElem ? Zr::CZrEnvWalk::Open(pElem, m_subOwner.Of(*pElem)) : nullptr;
+    if (!pElem)
+        return nullptr;
+    CZrEnv *pSub = Zr::CZrEnvWalk::Open(pElem, m_subOwner.Of(*pElem));
+    ForgetIteration(Handle(pSub));
+    return pSub;
 }
 
 Subenv SiblingWalk::Step(StepAddress &rAddress) {

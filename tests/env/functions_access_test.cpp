@@ -100,6 +100,18 @@ TEST(EnvGet, FailuresKeepTheText) {
     EXPECT_STREQ(text, "Frame A");
 }
 
+TEST(EnvGet, BothNamesFailAlike) {
+    EnvHandle env(kModel);
+    char text[20] = "kept";
+    EXPECT_EQ(env_get_string(nullptr, "Model", "Title", 1, sizeof text, text), -10);
+    EXPECT_EQ(env_get_string(env, "Model", "Title", 1, sizeof text, nullptr), -10);
+    EXPECT_EQ(env_get_string(env, "Model", "bar", 1, sizeof text, text), -1);
+    EXPECT_EQ(env_get_string(env, "Model", "none", 1, sizeof text, text), -4);
+    EXPECT_EQ(env_get_string(env, "Model", "Title", 1, 7, text), -7);
+    EXPECT_STREQ(text, "kept");
+    EXPECT_EQ(env_check(env, "Model", "Title", 1), -1); // here -1 is the success
+}
+
 TEST(EnvGet, ElementWithoutValueIsAnError) {
     EnvHandle env(kModel);
     ASSERT_EQ(env_insert_before(env, "Model", "Title", "new"), 0);
@@ -147,8 +159,20 @@ TEST(EnvPut, NullAndRefusedArguments) {
     EXPECT_EQ(ValueOf(env, "Model", "Title"), "Frame A");
     ReportCapture capture;
     EXPECT_EQ(env_put(env, "a]b", "x", "1"), -10);
-    EXPECT_THAT(capture.Take(), testing::SizeIs(1));
+    EXPECT_THAT(capture.Take(), ElementsAre(Message("ZrEnv", "Wrong section name: ")));
     EXPECT_EQ(env_count_elements(env, nullptr, nullptr, 1), 3);
+}
+
+TEST(EnvPut, OverLongNamesAndTexts) {
+    EnvHandle env;
+    const std::string section(70000, 's');
+    const std::string name(70000, 'n');
+    const std::string value(70000, 'v');
+    EXPECT_EQ(env_put(env, section.c_str(), (name + "@" + name).c_str(), value.c_str()), 0);
+    EXPECT_EQ(ValueOf(env, section.c_str(), (name + "@" + name).c_str()), value);
+    EXPECT_EQ(env_data_length(env, section.c_str(), (name + "@" + name).c_str(), 1), 70000);
+    EXPECT_EQ(env_put(env, "S", DeepPath(20000).c_str(), "deep"), 0);
+    EXPECT_EQ(ValueOf(env, "S", DeepPath(20000).c_str()), "deep");
 }
 
 TEST(EnvPut, NullPathOfASubenvironmentIsItsRoot) {
@@ -168,6 +192,8 @@ TEST(EnvPutCore, ExtDataIsRefused) {
     EXPECT_EQ(zr::env::env_put_core(env, "Model", "", "1", "data"), -10);
     EXPECT_THAT(capture.Take(), ElementsAre(Message("Env_pg", "ext_data wird nicht mehr unterst\xFC"
                                                               "tzt.")));
+    EXPECT_EQ(zr::env::env_put_core(nullptr, nullptr, nullptr, nullptr, "data"), -10);
+    EXPECT_THAT(capture.Take(), testing::SizeIs(1)); // before all else
     EXPECT_EQ(zr::env::env_put_core(nullptr, "Model", "Title", "1", nullptr), -10);
     EXPECT_EQ(zr::env::env_put_core(env, "Model", "Title", nullptr, nullptr), -10);
     EXPECT_TRUE(capture.Take().empty());
@@ -183,6 +209,21 @@ TEST(EnvGetPos, CopiesChildren) {
     EXPECT_EQ(Pos(env, "Model", nullptr, 3), (Got{-1, "empty", ""}));
     EXPECT_EQ(Pos(env, "Model", "bar", 1), (Got{-1, "length", "1"}));
     EXPECT_EQ(Pos(env, nullptr, nullptr, 2), (Got{-2, "Other", "?"}));
+}
+
+TEST(EnvGetPos, IndirectSearchFindsTheBlockAnywhere) {
+    EnvHandle env("[S]\na ={\nb ={\nx =1\ny =2\n}\n}\n");
+    char name[20] = "?";
+    char text[20] = "?";
+    EXPECT_EQ(env_get_pos(env, "S", "b", 0, 2, nullptr, 20, name, 20, text), -1);
+    EXPECT_STREQ(name, "y");
+    EXPECT_STREQ(text, "2");
+    EXPECT_EQ(env_get_pos(env, "S", "b", 1, 2, nullptr, 20, name, 20, text), -4);
+    EXPECT_EQ(env_get_first_core(env, "S", "b", 0, nullptr, 20, name, 20, text), -1);
+    EXPECT_STREQ(name, "x");
+    EXPECT_EQ(env_get_next_core(env, 20, name, 20, text), -1);
+    EXPECT_STREQ(name, "y");
+    EXPECT_EQ(env_get_first_core(env, "S", "b", 1, nullptr, 20, name, 20, text), -4);
 }
 
 TEST(EnvGetPos, IdIsThatOfTheEnvironmentThatHasIt) {
@@ -240,6 +281,10 @@ TEST(EnvGetPos, ElementWithoutValueOrName) {
     EXPECT_EQ(Pos(env, "Model", nullptr, 1, 2), (Got{-7, "", "?"}));
     ASSERT_EQ(env_insert_before(env, "Model", nullptr, "x]y"), 0);
     EXPECT_EQ(Pos(env, nullptr, nullptr, 1), (Got{-10, "?", "?"}));
+    ASSERT_EQ(env_insert_before(env, "Model", "bar", nullptr), 0);
+    EXPECT_EQ(Pos(env, "Model", nullptr, 3), (Got{-7, "", "?"})); // no value, and no name that could fit
+    char text[20] = "?";
+    EXPECT_EQ(env_get_pos(env, "Model", nullptr, 1, 3, nullptr, 0, nullptr, 20, text), -10);
 }
 
 TEST(EnvGetPos, UnknownElementIsReported) {
@@ -255,6 +300,16 @@ TEST(EnvGetPos, UnknownElementIsReported) {
     EXPECT_EQ(env_get_core(env, "Model", "bar", 1, 2, nullptr, &name, nullptr), -10);
     EXPECT_STREQ(name, "strange");
     EXPECT_EQ(env_check(env, "Model", "bar@strange", 1), -4);
+    EXPECT_EQ(env_exist(env, "Model", "bar@strange", 1), 1);
+    EXPECT_EQ(env_exist_data(env, "Model", "bar@strange", 1), 0);
+    EXPECT_EQ(env_exist_block(env, "Model", "bar@strange", 1), 0);
+    char text[20] = "?";
+    EXPECT_EQ(env_get(env, "Model", "bar@strange", 1, 20, text), -1);
+    EnvHandle sub(env_open_subenv(env, "Model", "bar@strange", 1));
+    EXPECT_EQ(env_check(sub, nullptr, nullptr, 1), -4);
+    EXPECT_TRUE(capture.Take().empty());
+    EXPECT_EQ(env_put(env, "Model", "bar@strange", "1"), -10);
+    EXPECT_THAT(capture.Take(), ElementsAre(Error("ZrEnv", "unbekanntes Element")));
 }
 
 // --- iteration --------------------------------------------------------------------------------------------------------
@@ -344,6 +399,50 @@ TEST(EnvIteration, IdIsGivenOnSuccessOnly) {
     EXPECT_EQ(id, 4);
     EXPECT_EQ(env_get_first_core(env, "D", nullptr, 1, &id, 20, name, 20, text), -1);
     EXPECT_EQ(id, 9);
+    EXPECT_EQ(env_get_first_core(env, "Nowhere", nullptr, 1, &id, 20, name, 20, text), -4);
+    EXPECT_EQ(id, 9);
+}
+
+TEST(EnvIteration, UnknownElementHasAnIdToo) {
+    EnvHandle env("[S]\nbar ={\n}\n", 4);
+    ASSERT_TRUE(env->GetBlock("S", "bar", true, false)->InsertElement(new ForeignElement("strange")));
+    char name[20];
+    zr_long id = -1;
+    EXPECT_EQ(env_get_first_core(env, "S", "bar", 1, &id, 20, name, 0, nullptr), -10);
+    EXPECT_STREQ(name, "strange");
+    EXPECT_EQ(id, 4);
+    id = -1;
+    EXPECT_EQ(env_get_pos(env, "S", "bar", 1, 1, &id, 0, nullptr, 0, nullptr), -10);
+    EXPECT_EQ(id, 4);
+}
+
+TEST(EnvIteration, MeetsWhatIsAppendedOnTheWay) {
+    EnvHandle env(kModel);
+    EXPECT_EQ(First(env, "Other", nullptr).name, "x");
+    EXPECT_EQ(env_put(env, "Other", "y", "2"), 0);
+    EXPECT_EQ(Next(env), (Got{-1, "y", "2"}));
+    EXPECT_EQ(Next(env).result, -4);
+}
+
+TEST(EnvIteration, SubenvironmentOfAWalkStartsWithout) {
+    // the place of an environment that has ended, though with -8, is given again
+    EnvHandle held(kModel);
+    EnvHandle holder("", 0, held);
+    EnvHandle other(kModel);
+    for (int i = 0; i < 20; ++i) {
+        std::vector<zr_env> ended;
+        for (int j = 0; j < 5; ++j) {
+            ended.push_back(env_open(0, held));
+            EXPECT_EQ(First(ended.back(), "Model", nullptr).name, "Title");
+        }
+        for (zr_env env : ended)
+            EXPECT_EQ(env_close(env, 1), -8);
+        const auto step = [](zr_env sub, const char *, const char *, void *) {
+            EXPECT_EQ(Next(sub), (Got{-10, "?", "?"}));
+        };
+        EXPECT_EQ(env_traverse(other, "Model", nullptr, 1, step, nullptr), 0);
+        EXPECT_EQ(env_traverse_leafs(other, step, nullptr), 0);
+    }
 }
 
 TEST(EnvIteration, ElementWithoutValueLeavesTheText) {

@@ -94,6 +94,28 @@ TEST(EnvOpenSubenv, RootIsTheAddressedElement) {
     EXPECT_EQ(ValueOf(nested, "ignored", "length"), "1");
 }
 
+TEST(EnvOpenSubenv, DefaultIsAskedWithTheSection) {
+    EnvHandle deflt("[D]\nx =far\n[Model]\nonly =d\n", 7);
+    EnvHandle env(kModel, 2, deflt);
+    EnvHandle sub(env_open_subenv(env, "Model", "bar", 1));
+    char text[20] = "";
+    EXPECT_EQ(env_get(sub, "D", "x", 1, sizeof text, text), 7);
+    EXPECT_STREQ(text, "far");
+    EXPECT_EQ(env_get(sub, "Model", "only", 1, sizeof text, text), 7);
+    EXPECT_EQ(env_get(sub, "Model", "length", 1, sizeof text, text), 2); // its own comes first, below its root
+    EXPECT_EQ(env_get(sub, "D", "y", 1, sizeof text, text), -4);
+}
+
+TEST(EnvOpenSubenv, AnyDirectButZeroIsDirect) {
+    EnvHandle env(kModel);
+    for (int direct : {1, 2, -1, 256, 65536}) {
+        EXPECT_EQ(env_open_subenv(env, "Model", "length", direct), nullptr) << direct;
+        EXPECT_EQ(env_check(env, "Model", "length", direct), -4) << direct;
+        EXPECT_EQ(env_exist(env, "Model", "length", direct), 0) << direct;
+        EXPECT_EQ(env_count_path(env, "Model", "length", direct), 0) << direct;
+    }
+}
+
 TEST(EnvOpenSubenv, NullForWhatIsNotThere) {
     EnvHandle deflt("[D]\nx =1\n");
     EnvHandle env(kModel, 0, deflt);
@@ -134,7 +156,26 @@ TEST(EnvCreateSubenv, NullForWhatCannotBeMade) {
     EXPECT_EQ(env_create_subenv(nullptr, "S", "a"), nullptr);
     ReportCapture capture;
     EXPECT_EQ(env_create_subenv(env, "a]b", nullptr), nullptr);
-    EXPECT_EQ(capture.Take().size(), 1u);
+    EXPECT_THAT(capture.Take(), ElementsAre(Message("ZrEnv", "Wrong section name: ")));
+    EXPECT_EQ(env_create_subenv(env, nullptr, "a"), nullptr); // no first section that could answer
+    EXPECT_EQ(env_count_elements(env, nullptr, nullptr, 1), 0);
+    capture.Take();
+    EXPECT_EQ(env_create_subenv(env, "S", "x@0"), nullptr);
+    EXPECT_TRUE(capture.Take().empty());
+    EXPECT_EQ(WrittenText(env), "[S]\n");
+}
+
+TEST(EnvCreateSubenv, DataInTheMidstBecomesABlock) {
+    EnvHandle env(kModel);
+    {
+        EnvHandle sub(env_create_subenv(env, "Model", "Title@inner"));
+        EXPECT_EQ(env_check(env, "Model", "Title", 1), -2);
+        EXPECT_EQ(env_check(env, "Model", "Title@inner", 1), -2);
+    }
+    EnvHandle block(env_open_subenv(env, "Model", "bar", 1));
+    EnvHandle below(env_create_subenv(block, "ignored", "new@deep"));
+    EXPECT_EQ(env_put(below, nullptr, "x", "1"), 0);
+    EXPECT_EQ(ValueOf(env, "Model", "bar@1@new@deep@x"), "1");
 }
 
 TEST(EnvDefaults, ChainIsAttachedAndTakenOff) {
@@ -153,6 +194,16 @@ TEST(EnvDefaults, ChainIsAttachedAndTakenOff) {
     EXPECT_EQ(env_detach_default_chain(first), static_cast<zr_env>(second));
 }
 
+TEST(EnvDefaults, AttachedDefaultIsHeldUntilTakenOff) {
+    EnvHandle env("[S]\nc =3\n", 3);
+    const zr_env deflt = env_open(1, nullptr);
+    env_attach_as_last_default(env, deflt);
+    EXPECT_EQ(env_close(deflt, 0), -8);
+    EXPECT_EQ(env_detach_default_chain(env), deflt);
+    EXPECT_EQ(env_close(deflt, 0), 0);
+    EXPECT_EQ(env_exist(env, "S", "x", 1), 0);
+}
+
 TEST(EnvDefaults, NullAndCirclesAreIgnored) {
     EnvHandle env;
     EnvHandle deflt;
@@ -165,7 +216,11 @@ TEST(EnvDefaults, NullAndCirclesAreIgnored) {
     env_attach_as_last_default(env, deflt);
     env_attach_as_last_default(env, deflt);
     env_attach_as_last_default(deflt, env);
+    env_attach_as_last_default(deflt, deflt);
+    EXPECT_TRUE(capture.Take().empty());
     EXPECT_EQ(env_exist(env, "S", "x", 1), 0);
+    EXPECT_EQ(env_exist(deflt, "S", "x", 1), 0);
+    EXPECT_EQ(env_detach_default_chain(deflt), nullptr);
     EXPECT_EQ(env_detach_default_chain(env), static_cast<zr_env>(deflt));
 }
 
@@ -179,10 +234,20 @@ TEST(EnvDelimiter, SetGivesTheFormerOne) {
     EXPECT_EQ(env_set_delimiter(env, '\0'), '#');
     EXPECT_THAT(capture.Take(), ElementsAre(Error("ZrEnv", "Bad delimiter")));
     EXPECT_EQ(env_get_delimiter(env), '#');
+    EXPECT_EQ(env_set_delimiter(env, '\xA7'), '#');
+    EXPECT_EQ(env_get_delimiter(env), '\xA7');
+    EXPECT_STREQ(env_get_str_delimiter(env), "\xA7");
+    EXPECT_EQ(ValueOf(env, "Model",
+                      "bar\xA7"
+                      "2\xA7length"),
+              "2");
 }
 
 TEST(EnvDelimiter, NullHandleMeansTheUsualOne) {
+    ReportCapture capture;
     EXPECT_EQ(env_set_delimiter(nullptr, '#'), '@');
+    EXPECT_EQ(env_set_delimiter(nullptr, '\0'), '@');
+    EXPECT_TRUE(capture.Take().empty());
     EXPECT_EQ(env_get_delimiter(nullptr), '@');
     EXPECT_STREQ(env_get_str_delimiter(nullptr), "@");
 }
@@ -200,6 +265,8 @@ TEST(EnvCheckSectionName, RefusesNullAndBracket) {
     EXPECT_EQ(env_CheckSectionName(""), 1);
     EXPECT_EQ(env_CheckSectionName("a]b"), 0);
     EXPECT_EQ(env_CheckSectionName(nullptr), 0);
+    EXPECT_EQ(env_CheckSectionName(std::string(100000, 's').c_str()), 1);
+    EXPECT_EQ(env_CheckSectionName((std::string(100000, 's') + "]").c_str()), 0);
 }
 
 TEST(EnvErrorPosition, TellsWhereAReadStopped) {
@@ -211,12 +278,26 @@ TEST(EnvErrorPosition, TellsWhereAReadStopped) {
     EXPECT_EQ(column, 78);
     EXPECT_EQ(env_read_from_string("[S]\na =1\nb ={\n", env), -5);
     EXPECT_EQ(env_get_error_position(env, &line, &column), 0);
-    EXPECT_GE(line, 3);
-    EXPECT_GE(column, 1);
+    EXPECT_EQ(line, 4);
+    EXPECT_EQ(column, 1);
+    line = column = 77;
     EXPECT_EQ(env_get_error_position(env, nullptr, nullptr), 0);
+    EXPECT_EQ(env_get_error_position(env, &line, nullptr), 0);
+    EXPECT_EQ(line, 4);
+    EXPECT_EQ(env_get_error_position(env, nullptr, &column), 0);
+    EXPECT_EQ(column, 1);
+    EXPECT_EQ(env_read_from_string("[S]\na =1\n  }x\n", env), -5);
+    EXPECT_EQ(env_get_error_position(env, &line, &column), 0);
+    EXPECT_EQ(line, 3);
+    EXPECT_EQ(column, 3);
+    line = column = 77;
     EXPECT_EQ(env_read_from_string("[S]\n", env), 0);
     EXPECT_EQ(env_get_error_position(env, &line, &column), -4);
+    EnvHandle sub(env_open_subenv(env, "S", nullptr, 1));
+    EXPECT_EQ(env_get_error_position(sub, &line, &column), -4);
     EXPECT_EQ(env_get_error_position(nullptr, &line, &column), -10);
+    EXPECT_EQ(line, 77);
+    EXPECT_EQ(column, 77);
 }
 
 // --- queries ----------------------------------------------------------------------------------------------------------
@@ -285,6 +366,9 @@ TEST(EnvCount, ElementsOfBlocks) {
     EXPECT_EQ(env_count_elements(env, "Model", "bar@2", 1), 2);
     EXPECT_EQ(env_count_elements(env, "Model", "empty", 1), 0);
     EXPECT_EQ(env_count_elements(env, "Model", "Title", 1), 0);
+    EnvHandle nested("[S]\na ={\nb ={\nx =1\ny =2\nz =3\n}\n}\n");
+    EXPECT_EQ(env_count_elements(nested, "S", "b", 0), 3);
+    EXPECT_EQ(env_count_elements(nested, "S", "b", 1), 0);
     EXPECT_EQ(env_count_elements(env, "Nowhere", nullptr, 1), 0);
     EXPECT_EQ(env_count_elements(env, "D", nullptr, 1), 0); // without defaults
     EXPECT_EQ(env_count_elements(nullptr, nullptr, nullptr, 1), -10);
@@ -323,8 +407,10 @@ TEST(EnvCheck, SubenvironmentPassesEmptyBlockBy) {
     EnvHandle leaf(env_open_subenv(env, "Model", "Title", 1));
     EXPECT_EQ(env_check(leaf, nullptr, nullptr, 1), -1);
     EXPECT_EQ(env_check(leaf, nullptr, "x", 1), -4);
+    EXPECT_EQ(env_check(leaf, nullptr, "", 1), -4); // a path needs a block to begin in
     EnvHandle empty(env_open_subenv(env, "Model", "empty", 1));
     EXPECT_EQ(env_check(empty, nullptr, nullptr, 1), -4);
+    EXPECT_EQ(env_check(empty, nullptr, "", 1), -2);
     EnvHandle blank(env_open_subenv(env, "Blank", nullptr, 1));
     EXPECT_EQ(env_check(blank, "Blank", nullptr, 1), -4);
 }
@@ -335,6 +421,13 @@ TEST(EnvCheck, SubenvironmentWhoseRootIsGoneHasNothing) {
     EXPECT_EQ(env_delete(env, "Model", "bar"), 0);
     EXPECT_EQ(env_check(sub, nullptr, nullptr, 1), -4);
     EXPECT_EQ(env_exist(sub, nullptr, "length", 1), 0);
+    EXPECT_EQ(env_exist(sub, nullptr, nullptr, 1), 0);
+    EXPECT_EQ(env_count_elements(sub, nullptr, nullptr, 1), 0);
+    EXPECT_EQ(env_insert_before(sub, nullptr, nullptr, "n"), -4);
+    EXPECT_EQ(env_put(sub, nullptr, "x", "1"), -10);
+    EXPECT_EQ(env_delete(sub, nullptr, "length"), -4);
+    EXPECT_EQ(env_rename(sub, nullptr, nullptr, "n"), -4);
+    EXPECT_EQ(env_create_subenv(sub, nullptr, "x"), nullptr);
 }
 
 TEST(EnvGetCore, LendsNameAndText) {
@@ -355,6 +448,30 @@ TEST(EnvGetCore, LendsNameAndText) {
     EXPECT_EQ(env_get_core(env, "Model", "bar@2", 1, 0, &id, &name, &text), -2); // the block itself
     EXPECT_STREQ(name, "bar");
     EXPECT_EQ(env_get_core(env, "Model", "bar@2", 1, 2, nullptr, nullptr, nullptr), -1);
+}
+
+TEST(EnvGetCore, PositionBelowOneIsTheElementItself) {
+    EnvHandle env(kModel, 4);
+    for (zr_long pos : {0, -1, -2147483647 - 1}) {
+        const char *name = nullptr;
+        const char *text = "unchanged";
+        zr_long id = -1;
+        EXPECT_EQ(env_get_core(env, "Model", "bar", 1, pos, &id, &name, &text), -2);
+        EXPECT_STREQ(name, "bar");
+        EXPECT_STREQ(text, "unchanged");
+        EXPECT_EQ(id, 4);
+        EXPECT_EQ(env_get_core(env, "Model", "Title", 1, pos, &id, &name, &text), -1);
+        EXPECT_STREQ(name, "Title");
+        EXPECT_STREQ(text, "Frame A");
+    }
+}
+
+TEST(EnvGetCore, IndirectSearchFindsTheBlockAnywhere) {
+    EnvHandle env("[S]\na ={\nb ={\nx =1\n}\n}\n");
+    const char *name = nullptr;
+    EXPECT_EQ(env_get_core(env, "S", "b", 0, 1, nullptr, &name, nullptr), -1);
+    EXPECT_STREQ(name, "x");
+    EXPECT_EQ(env_get_core(env, "S", "b", 1, 1, nullptr, &name, nullptr), -4);
 }
 
 TEST(EnvGetCore, DefaultAnswersWithItsId) {
@@ -414,6 +531,29 @@ TEST(EnvRename, ElementsAndSections) {
     EXPECT_EQ(WrittenText(env), "[T]\n  b =1\n");
 }
 
+TEST(EnvRename, RootOfASubenvironment) {
+    EnvHandle env(kModel);
+    EnvHandle sub(env_open_subenv(env, "Model", "bar@2", 1));
+    EXPECT_EQ(env_rename(sub, nullptr, nullptr, "rod"), 0);
+    EXPECT_EQ(env_rename(sub, "ignored", "length@2", "width"), 0);
+    EXPECT_EQ(ValueOf(env, "Model", "rod@width"), "3");
+    EnvHandle section(env_open_subenv(env, "Other", nullptr, 1));
+    EXPECT_EQ(env_rename(section, nullptr, nullptr, "Last"), 0);
+    EXPECT_EQ(ValueOf(env, "Last", "x"), "1");
+}
+
+TEST(EnvRename, NameWithTheDelimiterIsOutOfReach) {
+    EnvHandle deflt("[D]\nx =1\n");
+    EnvHandle env("[S]\na =1\n", 0, deflt);
+    EXPECT_EQ(env_rename(env, "S", "a", "x@y"), 0);
+    EXPECT_EQ(env_exist(env, "S", "x@y", 1), 0);
+    EXPECT_EQ(WrittenText(env), "[S]\n  x@y =1\n");
+    EXPECT_EQ(env_rename(env, "D", "x", "y"), -4); // without defaults
+    const std::string name(100000, 'n');
+    EXPECT_EQ(env_rename(env, "S", nullptr, name.c_str()), 0);
+    EXPECT_EQ(env_exist(env, name.c_str(), nullptr, 1), 1);
+}
+
 TEST(EnvDelete, ElementsSectionsAndAll) {
     EnvHandle env(kModel);
     EXPECT_EQ(env_delete(env, "Model", "bar@2"), 0);
@@ -424,9 +564,25 @@ TEST(EnvDelete, ElementsSectionsAndAll) {
     EXPECT_EQ(env_delete(nullptr, "Model", nullptr), -10);
     ReportCapture capture;
     EXPECT_EQ(env_delete(env, nullptr, "bar"), -10);
-    EXPECT_EQ(capture.Take().size(), 1u);
+    EXPECT_THAT(capture.Take(),
+                ElementsAre(Message("ZrEnv", "szPath != NULL and szSection = NULL, env_delete called")));
     EXPECT_EQ(env_delete(env, nullptr, nullptr), 0);
     EXPECT_EQ(env_count_elements(env, nullptr, nullptr, 1), 0);
+}
+
+TEST(EnvDelete, SubenvironmentDeletesBelowItsRoot) {
+    EnvHandle deflt("[D]\nx =1\n");
+    EnvHandle env(kModel, 0, deflt);
+    EnvHandle sub(env_open_subenv(env, "Model", "bar@2", 1));
+    EXPECT_EQ(env_delete(sub, nullptr, "length"), 0);
+    EXPECT_EQ(ValueOf(env, "Model", "bar@2@length"), "3");
+    ReportCapture capture;
+    EXPECT_EQ(env_delete(sub, nullptr, nullptr), -10);
+    EXPECT_THAT(capture.Take(), ElementsAre(Error("ZrEnv", "env_delete (env, NIL, NIL) called with subenv")));
+    EXPECT_EQ(env_delete(sub, "Other", nullptr), -10);
+    EXPECT_THAT(capture.Take(), ElementsAre(Message("ZrEnv", "DeleteSection-Aufruf bei SubEnv")));
+    EXPECT_EQ(env_delete(env, "D", "x"), -4); // without defaults
+    EXPECT_EQ(env_count_elements(env, nullptr, nullptr, 1), 3);
 }
 
 TEST(EnvInsertBefore, ElementGoesInFront) {
@@ -525,6 +681,108 @@ TEST(EnvCreatePath, TellsWhenItDoesNotFit) {
     EXPECT_EQ(env_create_path(nullptr, -1, buffer, "x", kNull), -7);
     EXPECT_EQ(env_create_path(nullptr, 0, nullptr, "x", kNull), -7);
     EXPECT_EQ(env_create_path(nullptr, 8, buffer, nullptr), 0);
+    EXPECT_EQ(env_create_path(nullptr, 8, nullptr, nullptr), 0);
+    EXPECT_EQ(env_create_path(nullptr, 0, buffer, nullptr), -7);
+    const std::string longer(100000, 'p');
+    EXPECT_EQ(env_create_path(nullptr, 8, buffer, longer.c_str(), kNull), -7);
+    EXPECT_STREQ(buffer, "a@b@c");
+    EXPECT_EQ(env_create_path(nullptr, 8, buffer, "a", longer.c_str(), kNull), -7);
+    EXPECT_STREQ(buffer, "");
+    EXPECT_EQ(env_create_path(nullptr, 8, buffer, "a", "", "", kNull), 0);
+    EXPECT_STREQ(buffer, "a@@");
+    EXPECT_EQ(env_create_path(nullptr, 8, buffer, "a@b@c", kNull), 0);
     EXPECT_EQ(env_create_path(nullptr, 8, nullptr, "x", kNull), -10);
     EXPECT_STREQ(buffer, "a@b@c");
+}
+
+// --- addresses that lead nowhere --------------------------------------------------------------------------------------
+
+namespace {
+
+void Never(zr_env, const char *, const char *, void *) {
+    ADD_FAILURE();
+}
+
+// What every function that looks an element up gives for it, in the order of the header.
+std::vector<int> LookUps(zr_env env, const char *section, const char *path, int direct) {
+    char text[20] = "?";
+    char *items[] = {text};
+    zr_long number = 1;
+    zr_long count = 1;
+    zr_long size = 20;
+    double real = 0;
+    const char *lent = nullptr;
+    const zr_env sub = env_open_subenv(env, section, path, direct);
+    EXPECT_EQ(env_close(sub, 0), 0);
+    return {sub != nullptr,
+            env_get(env, section, path, direct, 20, text),
+            env_get_string(env, section, path, direct, 20, text),
+            env_get_bin(env, section, path, direct, text, &size),
+            env_get_double(env, section, path, direct, &real),
+            env_get_long(env, section, path, direct, &number),
+            env_get_doubles(env, section, path, direct, &(count = 1), &real),
+            env_get_longs(env, section, path, direct, &(count = 1), &number),
+            env_get_strings(env, section, path, direct, &(count = 1), 20, items),
+            env_get_reference(env, section, path, direct, &lent),
+            env_get_array_size(env, section, path, direct, &count, &number),
+            env_data_length(env, section, path, direct),
+            env_exist(env, section, path, direct),
+            env_exist_data(env, section, path, direct),
+            env_exist_block(env, section, path, direct),
+            env_count_path(env, section, path, direct),
+            env_count_elements(env, section, path, direct),
+            env_check(env, section, path, direct),
+            env_rename(env, section, path, "n"),
+            env_delete(env, section, path),
+            env_insert_before(env, section, path, "n"),
+            env_get_core(env, section, path, direct, 1, nullptr, nullptr, nullptr),
+            env_get_pos(env, section, path, direct, 1, nullptr, 20, text, 20, text),
+            env_get_first(env, section, path, direct, nullptr, 20, text, 20, text, 0),
+            env_traverse(env, section, path, direct, Never, nullptr),
+            env_copy_block(env, env, section, path, 2),
+            env_list_elem_names(env, section, path, direct, ',', 20, text)};
+}
+
+const std::vector<int> kNothing = {0, -4, -4, -4, -4, -4, -4, -4, -4, -4, -4, 0,   0, 0,
+                                   0, 0,  0,  -4, -4, -4, -4, -4, -4, -4, -4, -10, -2};
+
+} // namespace
+
+TEST(EnvAddresses, OverLongAndMalformedOnesLeadNowhere) {
+    EnvHandle env(kModel);
+    const std::string before = WrittenText(env);
+    const std::string longName(100000, 'p');
+    const std::string deep = DeepPath(20000, "bar");
+    const std::string longPosition = "bar@" + std::string(1000, '9');
+    const std::pair<const char *, const char *> addresses[] = {
+        {"Model", longName.c_str()},
+        {longName.c_str(), "Title"},
+        {longName.c_str(), nullptr},
+        {"Model", deep.c_str()},
+        {"Model", longPosition.c_str()},
+        {"Model", "bar@2147483648"},
+        {"Model", "Title@Title"},
+        {"Model", "title"},
+        {"model", "Title"},
+        {"", "Title"},
+        {"", nullptr},
+        {"Model]", "Title"},
+        {"Model", "bar@\xFF"},
+        {"\xFF", nullptr},
+        {"Model", "bar@3"},
+    };
+    ReportCapture capture;
+    for (const auto &[section, path] : addresses) {
+        SCOPED_TRACE(std::string(section).substr(0, 20) + " " + std::string(path ? path : "(null)").substr(0, 20));
+        EXPECT_EQ(LookUps(env, section, path, 1), kNothing);
+        EXPECT_EQ(LookUps(env, section, path, 0), kNothing);
+    }
+    EXPECT_TRUE(capture.Take().empty());
+    EXPECT_EQ(WrittenText(env), before);
+}
+
+TEST(EnvAddresses, StepsThatAreNoNamesAreLeftOut) {
+    EnvHandle env(kModel);
+    for (const char *path : {"@@bar@2@@length@2", "a=b@bar@2@length@2@", "bar@02@length@0000002", "bar@2@=@length@2@@"})
+        EXPECT_EQ(ValueOf(env, "Model", path), "3") << path;
 }

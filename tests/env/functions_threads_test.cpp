@@ -1,6 +1,9 @@
 // The lock of the env_ functions: threads on shared environments, and calls from within callbacks.
 #include <atomic>
 #include <chrono>
+#include <functional>
+#include <future>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -34,7 +37,8 @@ int WorkOn(zr_env env, int thread, int rounds) {
         const zr_env sub = env_open_subenv(env, "Shared", nullptr, 1);
         char name[40];
         char text[40];
-        int seen = env_get_first_core(sub, nullptr, nullptr, 1, nullptr, 40, name, 40, text) < 0;
+        const int first = env_get_first_core(sub, nullptr, nullptr, 1, nullptr, 40, name, 40, text);
+        int seen = first == -1 || first == -2;
         while (env_get_next_core(sub, 40, name, 40, text) > -3)
             ++seen;
         wrong += seen < 2;
@@ -145,6 +149,124 @@ TEST(EnvLock, CallbackMayCallBack) {
     };
     EXPECT_EQ(env_traverse(env, nullptr, nullptr, 1, Descend, reinterpret_cast<void *>(call)), 0);
     EXPECT_EQ(ValueOf(env, "S", "new"), "1");
+}
+
+TEST(EnvLock, FilesTextsAndDelimitersDoNotWaitForIt) {
+    const TempFolder folder;
+    const std::string file = folder.File("model.env");
+    EnvHandle env("[S]\na =1\n");
+    std::promise<std::vector<int>> promise;
+    std::future<std::vector<int>> results = promise.get_future();
+    std::thread outsider;
+    bool inTime = false;
+    {
+        const zr::env::SectionGuard guard;
+        outsider = std::thread([&] {
+            std::vector<int> result = {
+                env_write_file(file.c_str(), env),        env_write_file_ex(file.c_str(), env, 0),
+                env_read_file(file.c_str(), env),         env_read_file_ex(file.c_str(), env, 0),
+                env_read_from_string("[S]\na =2\n", env), env_read_from_string_ex("[S]\na =2\n", env, 0)};
+            env_free_string(env_write_to_string(env));
+            env_free_string(env_write_to_string_ex(env, 0));
+            char path[10];
+            result.push_back(env_put_bin(env, "S", "b", "x", 1));
+            result.push_back(env_get_delimiter(env) == '@' && *env_get_str_delimiter(env) == '@');
+            result.push_back(env_create_path(env, 10, path, "a", static_cast<const char *>(nullptr)));
+            result.push_back(env_CheckSectionName("S"));
+            promise.set_value(result);
+        });
+        inTime = results.wait_for(std::chrono::seconds(60)) == std::future_status::ready;
+    }
+    outsider.join();
+    EXPECT_TRUE(inTime);
+    EXPECT_EQ(results.get(), (std::vector<int>{1, 1, 0, 0, 0, 0, 0, 1, 0, 1}));
+}
+
+TEST(EnvLock, AllOtherCallsWaitForIt) {
+    EnvHandle env("[S]\na =1\n");
+    EnvHandle deflt;
+    EnvHandle target;
+    const zr_env e = env;
+    char b[20][40];
+    zr_long n[20] = {};
+    double d[2] = {};
+    const char *lent[3] = {};
+    char *items[] = {b[0]};
+    const char *texts[] = {"t"};
+    const zr_long longs[] = {1};
+    const double d2[] = {1};
+    zr_long c[5] = {1, 1, 1, 1, 1};
+    const std::function<void()> calls[] = {
+        [&] { env_close(env_open(1, nullptr), 0); },
+        [&] { env_close(env_open_subenv(e, "S", "a", 1), 0); },
+        [&] { env_close(env_create_subenv(e, "S", "b"), 0); },
+        [&] { env_attach_as_last_default(e, deflt); },
+        [&] { env_detach_default_chain(target); },
+        [&] { env_set_delimiter(target, '@'); },
+        [&] { env_get_file_mtime(e); },
+        [&] { env_get_error_position(e, &n[0], &n[1]); },
+        [&] { env_get(e, "S", "a", 1, 40, b[1]); },
+        [&] { env_get_string(e, "S", "a", 1, 40, b[2]); },
+        [&] { env_get_bin(e, "S", "a", 1, b[3], &c[0]); },
+        [&] { env_get_double(e, "S", "a", 1, &d[0]); },
+        [&] { env_get_long(e, "S", "a", 1, &n[2]); },
+        [&] { env_get_doubles(e, "S", "a", 1, &c[1], &d[1]); },
+        [&] { env_get_longs(e, "S", "a", 1, &c[2], &n[3]); },
+        [&] { env_get_strings(e, "S", "a", 1, &c[3], 40, items); },
+        [&] { env_get_reference(e, "S", "a", 1, &lent[0]); },
+        [&] { env_get_array_size(e, "S", "a", 1, &n[4], &n[5]); },
+        [&] { env_data_length(e, "S", "a", 1); },
+        [&] { env_exist(e, "S", "a", 1); },
+        [&] { env_exist_data(e, "S", "a", 1); },
+        [&] { env_exist_block(e, "S", "a", 1); },
+        [&] { env_count_path(e, "S", "a", 1); },
+        [&] { env_count_elements(e, "S", nullptr, 1); },
+        [&] { env_check(e, "S", "a", 1); },
+        [&] { env_put(e, "S", "p1", "1"); },
+        [&] { env_put_string(e, "S", "p2", "1"); },
+        [&] { env_put_double(e, "S", "p3", 1); },
+        [&] { env_put_long(e, "S", "p4", 1); },
+        [&] { env_put_doubles(e, "S", "p5", 1, d2); },
+        [&] { env_put_longs(e, "S", "p6", 1, longs); },
+        [&] { env_put_strings(e, "S", "p7", 1, texts); },
+        [&] { env_rename(e, "S", "none", "n"); },
+        [&] { env_delete(e, "S", "none"); },
+        [&] { env_insert_before(e, "S", "a", "i"); },
+        [&] { env_get_core(e, "S", nullptr, 1, 1, &n[6], &lent[1], &lent[2]); },
+        [&] { env_get_pos(e, "S", nullptr, 1, 1, &n[7], 40, b[4], 40, b[5]); },
+        [&] { env_get_first_core(e, "S", nullptr, 1, &n[8], 40, b[6], 40, b[7]); },
+        [&] { env_get_next_core(e, 40, b[8], 40, b[9]); },
+        [&] { env_get_first(e, "S", nullptr, 1, &n[9], 40, b[10], 40, b[11], 0); },
+        [&] { env_get_next(e, 40, b[12], 40, b[13], 0); },
+        [&] { env_traverse(e, "S", nullptr, 1, CountStep, &n[10]); },
+        [&] { env_traverse_leafs(e, CountStep, &n[11]); },
+        [&] { env_sink(target, deflt, 2); },
+        [&] { env_copy_block(target, e, "S", nullptr, 2); },
+        [&] { env_copy_block_to(target, e, "T", nullptr, "S", nullptr, 2); },
+        [&] { env_list_elem_names(e, "S", nullptr, 1, ',', 40, b[14]); },
+        [&] { env_set_data_version(e, 1, 2, 3, 4); },
+        [&] { env_get_data_version(e, &n[12], &n[13], &n[14], &n[15]); },
+    };
+    std::atomic<int> started{0};
+    std::atomic<int> done{0};
+    std::vector<std::thread> threads;
+    {
+        const zr::env::SectionGuard guard;
+        for (const auto &call : calls)
+            threads.emplace_back([&] {
+                ++started;
+                call();
+                ++done;
+            });
+        while (started != static_cast<int>(std::size(calls)))
+            std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        EXPECT_EQ(done, 0);
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(done, static_cast<int>(std::size(calls)));
+    EXPECT_EQ(env_detach_default_chain(env), static_cast<zr_env>(deflt));
 }
 
 TEST(EnvLock, IsReentrant) {

@@ -1,5 +1,5 @@
 // The env_ functions that read and write typed values, files and texts, and the version of data.
-#include <cmath>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "function_fixture.h"
+#include "platform/files.h"
 #include "report_capture.h"
 
 using namespace zr::test;
@@ -35,6 +36,7 @@ struct Getters {
     zr_env env;
     const char *section;
     const char *path;
+    int direct = 1;
     zr_long count = 3;
     zr_long size = 50;
     zr_long lValue = 99;
@@ -42,19 +44,19 @@ struct Getters {
     zr_long longs[3] = {};
     double doubles[3] = {};
     char bytes[50] = "?";
+    const char *lent = "?";
 
     std::vector<int> All() {
         char word[3][20] = {};
         char *items[3] = {word[0], word[1], word[2]};
-        const char *text = "?";
-        return {env_get(env, section, path, 1, 50, bytes),
-                env_get_bin(env, section, path, 1, bytes, &size),
-                env_get_double(env, section, path, 1, &dValue),
-                env_get_long(env, section, path, 1, &lValue),
-                env_get_doubles(env, section, path, 1, &(count = 3), doubles),
-                env_get_longs(env, section, path, 1, &(count = 3), longs),
-                env_get_strings(env, section, path, 1, &(count = 3), 20, items),
-                env_get_reference(env, section, path, 1, &text)};
+        return {env_get(env, section, path, direct, 50, bytes),
+                env_get_bin(env, section, path, direct, bytes, &size),
+                env_get_double(env, section, path, direct, &dValue),
+                env_get_long(env, section, path, direct, &lValue),
+                env_get_doubles(env, section, path, direct, &(count = 3), doubles),
+                env_get_longs(env, section, path, direct, &(count = 3), longs),
+                env_get_strings(env, section, path, direct, &(count = 3), 20, items),
+                env_get_reference(env, section, path, direct, &lent)};
     }
 };
 
@@ -70,9 +72,58 @@ TEST(EnvFile, WriteGivesOneAndReadNull) {
     EnvHandle copy;
     EXPECT_EQ(env_read_file(file.c_str(), copy), 0);
     EXPECT_EQ(WrittenText(copy), WrittenText(env));
-    EXPECT_GT(env_get_file_mtime(copy), 0);
+    zr::platform::FileStatus status;
+    ASSERT_TRUE(zr::platform::GetFileStatus(file.c_str(), status));
+    EXPECT_EQ(env_get_file_mtime(copy), status.modified);
     EnvHandle sub(env_open_subenv(copy, "Model", nullptr, 1));
     EXPECT_EQ(env_get_file_mtime(sub), -10);
+}
+
+TEST(EnvFile, PlainFormsWriteWrappedAndReadAutomatically) {
+    const TempFolder folder;
+    const std::string file = folder.File("model.env");
+    EnvHandle env;
+    ASSERT_EQ(env_put(env, "S", "a", std::string(300, 'v').c_str()), 0);
+    EXPECT_EQ(env_write_file(file.c_str(), env), 1);
+    const std::string wrapped = Bytes(file);
+    EXPECT_TRUE(wrapped.starts_with("[S]\r\n  a =v"));
+    EXPECT_NE(wrapped.find("v\\\r\nv"), std::string::npos); // long values are folded
+    char *text = env_write_to_string(env);
+    EXPECT_EQ(wrapped, text);
+    env_free_string(text);
+    EXPECT_EQ(env_write_file_ex(file.c_str(), env, 0), 1);
+    EXPECT_EQ(Bytes(file).find('\\'), std::string::npos);
+    text = env_write_to_string_ex(env, 0);
+    EXPECT_EQ(Bytes(file), text);
+    env_free_string(text);
+    // a first line that says "not wrapped" decides where the mode is automatic, and only there
+    const char *marked = "__ZR_ENV_READ_MODE__=NOT_WRAPPED\n[S]\na =1\\\nb =2\n";
+    std::ofstream(file, std::ios::binary) << marked;
+    EXPECT_EQ(env_read_file(file.c_str(), env), 0);
+    EXPECT_EQ(ValueOf(env, "S", "a"), "1\\");
+    EXPECT_EQ(env_read_from_string(marked, env), 0);
+    EXPECT_EQ(ValueOf(env, "S", "a"), "1\\");
+    EXPECT_EQ(env_read_file_ex(file.c_str(), env, 2), 0);
+    EXPECT_EQ(ValueOf(env, "S", "a"), "1\\");
+    EXPECT_EQ(env_read_file_ex(file.c_str(), env, 0), 0);
+    EXPECT_EQ(ValueOf(env, "S", "a"), "1b =2");
+    EXPECT_EQ(env_read_from_string_ex(marked, env, 0), 0);
+    EXPECT_EQ(ValueOf(env, "S", "a"), "1b =2");
+}
+
+TEST(EnvFile, SubenvironmentIsNotReadInto) {
+    const TempFolder folder;
+    const std::string file = folder.File("model.env");
+    EnvHandle env(kModel);
+    ASSERT_EQ(env_write_file(file.c_str(), env), 1);
+    EnvHandle sub(env_open_subenv(env, "Model", "bar", 1));
+    ReportCapture capture;
+    EXPECT_EQ(env_read_file(file.c_str(), sub), -10);
+    EXPECT_EQ(env_read_file_ex(file.c_str(), sub, 1), -10);
+    EXPECT_EQ(env_read_from_string("[S]\n", sub), -10);
+    EXPECT_EQ(env_read_from_string_ex("[S]\n", sub, 1), -10);
+    EXPECT_EQ(ValueOf(sub, nullptr, "length"), "7");
+    EXPECT_EQ(env_count_elements(env, nullptr, nullptr, 1), 1);
 }
 
 TEST(EnvFile, ModesAndWraps) {
@@ -116,12 +167,24 @@ TEST(EnvFile, Failures) {
     const std::string missing = folder.File("missing.env");
     EXPECT_EQ(env_read_file(missing.c_str(), env), -10);
     EXPECT_THAT(capture.Take(), ElementsAre(Error("ZrEnv", "Can't open to read:", missing)));
+    for (const std::string &path : {folder.File("no/such/folder/x"), folder.File(std::string(300, 'x').c_str())}) {
+        EXPECT_EQ(env_read_file(path.c_str(), env), -10);
+        EXPECT_THAT(capture.Take(), ElementsAre(Error("ZrEnv", "Can't open to read:", path)));
+        EXPECT_EQ(env_write_file(path.c_str(), env), 0);
+        EXPECT_THAT(capture.Take(), testing::SizeIs(1));
+    }
+    EXPECT_NE(env_read_file(folder.File(".").c_str(), env), 0);
+    EXPECT_EQ(env_write_file(folder.File(".").c_str(), env), 0);
     EXPECT_EQ(env_read_file(nullptr, env), -10);
+    EXPECT_EQ(env_read_file("", env), -10);
     EXPECT_EQ(env_read_from_string(nullptr, env), -10);
     EXPECT_EQ(env_write_file(nullptr, env), 0);
-    EXPECT_EQ(env_write_file(folder.File("no/such/folder/x").c_str(), env), 0);
+    EXPECT_EQ(env_write_file("", env), 0);
+    capture.Take();
     EXPECT_EQ(env_read_from_string("[S]\nb ={\n", env), -5);
     EXPECT_FALSE(capture.Take().empty());
+    EXPECT_EQ(env_read_from_string("", env), 0);
+    EXPECT_EQ(env_count_elements(env, nullptr, nullptr, 1), 0);
 }
 
 TEST(EnvText, WrittenAndFreed) {
@@ -158,6 +221,22 @@ TEST(EnvTyped, ValuesAndIds) {
     EXPECT_EQ(env_get_long(zero, "Z", "z", 1, &lValue), 0);
     EnvHandle sub(env_open_subenv(env, "Model", "bar", 1));
     EXPECT_EQ(env_get_long(sub, nullptr, "length", 1, &lValue), 3);
+}
+
+TEST(EnvTyped, DefaultsAnswerWithTheirId) {
+    EnvHandle last("[D]\nx =5\nb ={\ny =6\n}\n", 7);
+    EnvHandle middle("", 2, last);
+    EnvHandle env(kModel, 3, middle);
+    EXPECT_THAT((Getters{env, "D", "x"}.All()), testing::Each(7));
+    EXPECT_THAT((Getters{env, "D", "b@y"}.All()), testing::Each(7));
+    EXPECT_THAT((Getters{env, "D", "y"}.All()), testing::Each(-4));
+    EXPECT_THAT((Getters{env, "D", "y", 0}.All()), testing::Each(7));
+    EXPECT_THAT((Getters{env, "Model", "length", 0}.All()), testing::Each(3));
+    EXPECT_THAT((Getters{env, "D", "b"}.All()), testing::Each(-1));
+    EnvHandle zero("[D]\nx =5\n", 0, middle);
+    EXPECT_THAT((Getters{zero, "D", "x"}.All()), testing::Each(0));
+    EnvHandle negative("[D]\nx =5\n", -7);
+    EXPECT_THAT((Getters{negative, "D", "x"}.All()), testing::Each(-7));
 }
 
 TEST(EnvTyped, Lists) {
@@ -197,6 +276,24 @@ TEST(EnvTyped, WrongForms) {
     zr_long longs[3];
     EXPECT_EQ(env_get_longs(env, "Model", "text", 1, &count, longs), -5);
     EXPECT_EQ(count, 0);
+    double doubles[3];
+    EXPECT_EQ(env_get_doubles(env, "Model", "words", 1, &(count = 3), doubles), -5);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(env_get_doubles(env, "Model", "longs", 1, &(count = 2), doubles), -7);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(env_get_double(env, "Model", "both", 1, &dValue), -5);
+    EXPECT_EQ(dValue, 12);
+    EXPECT_EQ(env_get_long(env, "Model", "double", 1, &(lValue = 99)), -5);
+    for (zr_long none : {0, -1, -2147483647 - 1}) {
+        char word[6];
+        char *items[] = {word};
+        EXPECT_EQ(env_get_longs(env, "Model", "longs", 1, &(count = none), longs), -7) << none;
+        EXPECT_EQ(env_get_doubles(env, "Model", "longs", 1, &(count = none), doubles), -7) << none;
+        EXPECT_EQ(env_get_strings(env, "Model", "words", 1, &(count = none), 6, items), -10) << none;
+        EXPECT_EQ(env_get_strings(env, "Model", "words", 1, &(count = 1), none, items), -10) << none;
+        items[0] = nullptr;
+        EXPECT_EQ(env_get_strings(env, "Model", "words", 1, &(count = 1), 6, items), -10);
+    }
 }
 
 TEST(EnvTyped, NotFoundAndNoData) {
@@ -208,7 +305,18 @@ TEST(EnvTyped, NotFoundAndNoData) {
         EXPECT_EQ(getters.dValue, 99);
         EXPECT_EQ(getters.size, 50);
         EXPECT_STREQ(getters.bytes, "?");
+        EXPECT_STREQ(getters.lent, "?");
+        EXPECT_THAT(getters.longs, testing::Each(0));
+        EXPECT_THAT(getters.doubles, testing::Each(0));
+        EXPECT_EQ(getters.count, 0);
     }
+    Getters ofBlock{env, "Model", "bar"};
+    EXPECT_THAT(ofBlock.All(), testing::Each(-1));
+    EXPECT_EQ(ofBlock.lValue, 99);
+    EXPECT_EQ(ofBlock.dValue, 99);
+    EXPECT_EQ(ofBlock.size, 50);
+    EXPECT_STREQ(ofBlock.bytes, "?");
+    EXPECT_STREQ(ofBlock.lent, "?");
     EXPECT_THAT((Getters{env, "Nowhere", "long"}.All()), testing::Each(-4));
     EXPECT_THAT((Getters{env, "Model", std::string(20000, 'x').c_str()}.All()), testing::Each(-4));
     EXPECT_THAT((Getters{env, "Model", "bar"}.All()), testing::Each(-1));
@@ -267,10 +375,13 @@ TEST(EnvTyped, NullHandleAndOutputs) {
 TEST(EnvTyped, ElementWithoutValue) {
     EnvHandle env(kModel);
     ASSERT_EQ(env_insert_before(env, "Model", "long", "new"), 0);
-    EXPECT_THAT((Getters{env, "Model", "new"}.All()), ElementsAre(-10, -10, -10, -10, -10, -10, -10, 0));
-    const char *text = "t";
-    EXPECT_EQ(env_get_reference(env, "Model", "new", 1, &text), 0);
-    EXPECT_EQ(text, nullptr);
+    Getters getters{env, "Model", "new"};
+    EXPECT_THAT(getters.All(), ElementsAre(-10, -10, -10, -10, -10, -10, -10, 0));
+    EXPECT_EQ(getters.lValue, 99);
+    EXPECT_EQ(getters.dValue, 99);
+    EXPECT_STREQ(getters.bytes, "?");
+    EXPECT_EQ(getters.lent, nullptr);
+    EXPECT_EQ(env_data_length(env, "Model", "new", 1), 0);
 }
 
 TEST(EnvReference, LendsTheTextItself) {
@@ -296,9 +407,40 @@ TEST(EnvBinary, RoundTrip) {
     for (zr_long small : {5, 1, 0, -1}) {
         size = small;
         EXPECT_EQ(env_get_bin(env, "S", "bin", 1, back, &size), -7) << small;
+        EXPECT_THAT(TextsOf(capture), testing::Each(testing::HasSubstr("Small buffer")));
     }
     EXPECT_EQ(env_put_bin(nullptr, "S", "bin", data, 1), -10);
     EXPECT_EQ(env_put_bin(env, "S", nullptr, data, 1), -10);
+}
+
+TEST(EnvBinary, NothingToStore) {
+    EnvHandle env("", 3);
+    const char data[] = {'a', 'b'};
+    char back[10] = "?";
+    for (zr_long none : {0, -1, -2147483647 - 1}) {
+        EXPECT_EQ(env_put_bin(env, "S", "bin", data, none), 0) << none;
+        zr_long size = sizeof back;
+        EXPECT_EQ(env_get_bin(env, "S", "bin", 1, back, &size), 3);
+        EXPECT_EQ(size, 0);
+    }
+    EXPECT_EQ(env_put_bin(env, "S", "bin", nullptr, 0), 0);
+    EXPECT_EQ(env_put_bin(env, "S", "", data, 2), -10); // the section itself
+}
+
+TEST(EnvBinary, PlainTextIsGivenAsItIs) {
+    EnvHandle env(kModel, 3);
+    char back[10] = "#########";
+    zr_long size = 4;
+    EXPECT_EQ(env_get_bin(env, "Model", "text", 1, back, &size), 3);
+    EXPECT_EQ(size, 3);
+    EXPECT_EQ(std::string(back, 5), std::string("abc\0#", 5));
+    std::memcpy(back, "#########", 10);
+    size = 3;
+    EXPECT_EQ(env_get_bin(env, "Model", "text", 1, back, &size), 3);
+    EXPECT_EQ(size, 3);
+    EXPECT_EQ(std::string(back, 4), "abc#"); // no room for a terminator
+    size = 2;
+    EXPECT_EQ(env_get_bin(env, "Model", "text", 1, back, &size), -7);
 }
 
 TEST(EnvArraySize, CountsAndMeasures) {
@@ -316,6 +458,11 @@ TEST(EnvArraySize, CountsAndMeasures) {
     EXPECT_EQ(count, 1);
     EXPECT_EQ(width, 0);
     EXPECT_EQ(env_get_array_size(env, "Model", "length", 0, nullptr, nullptr), 0);
+    EXPECT_EQ(env_get_array_size(env, "Model", "longs", 1, nullptr, &width), 0);
+    EXPECT_EQ(width, 1);
+    EXPECT_EQ(env_get_array_size(env, "Model", "longs", 1, &count, nullptr), 0);
+    EXPECT_EQ(count, 3);
+    EXPECT_EQ(env_get_array_size(env, "Model", "length", 1, &count, &width), -4);
 }
 
 TEST(EnvArraySize, FailuresGiveZeros) {
@@ -363,6 +510,54 @@ TEST(EnvTypedPut, StoresTexts) {
     EXPECT_EQ(env_put_doubles(env, "S", "ds", 2, doubles), 0);
     EXPECT_EQ(env_put_strings(env, "S", "ss", 3, items), 0);
     EXPECT_EQ(WrittenText(env), "[S]\n  l =-2147483648\n  d =0.1\n  ls =1,-2,2147483647\n  ds =0.1,2\n  ss =a,,b c\n");
+}
+
+TEST(EnvTypedPut, DoublesHaveThirteenDigits) {
+    EnvHandle env;
+    const double values[] = {1.0 / 3, 1e300, -123456789012345.0};
+    EXPECT_EQ(env_put_double(env, "S", "d", 2.0 / 3), 0);
+    EXPECT_EQ(ValueOf(env, "S", "d"), "0.6666666666667");
+    EXPECT_EQ(env_put_doubles(env, "S", "ds", 3, values), 0);
+    EXPECT_EQ(ValueOf(env, "S", "ds"), "0.3333333333333,1e+300,-1.234567890123e+14");
+}
+
+TEST(EnvTypedPut, DefaultsAreNotTouched) {
+    EnvHandle deflt("[D]\nx =1\n", 7);
+    const zr_long longs[] = {2, 3};
+    const double doubles[] = {2, 3};
+    const char *items[] = {"2", "3"};
+    const std::function<int(zr_env)> puts[] = {
+        [](zr_env env) { return env_put_long(env, "D", "x", 2); },
+        [](zr_env env) { return env_put_double(env, "D", "x", 2); },
+        [](zr_env env) { return env_put_bin(env, "D", "x", "2", 1); },
+        [&](zr_env env) { return env_put_longs(env, "D", "x", 2, longs); },
+        [&](zr_env env) { return env_put_doubles(env, "D", "x", 2, doubles); },
+        [&](zr_env env) { return env_put_strings(env, "D", "x", 2, items); },
+    };
+    for (const auto &put : puts) {
+        EnvHandle env("", 3, deflt);
+        EXPECT_EQ(put(env), 0);
+        EXPECT_EQ(ValueOf(deflt, "D", "x"), "1");
+        EXPECT_NE(ValueOf(env, "D", "x"), "1");
+    }
+}
+
+TEST(EnvTypedPut, NullPathOfASubenvironmentIsItsRoot) {
+    EnvHandle env(kModel);
+    EnvHandle leaf(env_open_subenv(env, "Model", "text", 1));
+    const zr_long longs[] = {2, 3};
+    const double doubles[] = {2.5, 3};
+    const char *items[] = {"a", "b"};
+    EXPECT_EQ(env_put_long(leaf, "ignored", nullptr, 5), 0);
+    EXPECT_EQ(ValueOf(env, "Model", "text"), "5");
+    EXPECT_EQ(env_put_double(leaf, nullptr, nullptr, 5.5), 0);
+    EXPECT_EQ(ValueOf(env, "Model", "text"), "5.5");
+    EXPECT_EQ(env_put_longs(leaf, nullptr, nullptr, 2, longs), 0);
+    EXPECT_EQ(ValueOf(env, "Model", "text"), "2,3");
+    EXPECT_EQ(env_put_doubles(leaf, nullptr, nullptr, 2, doubles), 0);
+    EXPECT_EQ(ValueOf(env, "Model", "text"), "2.5,3");
+    EXPECT_EQ(env_put_strings(leaf, nullptr, nullptr, 2, items), 0);
+    EXPECT_EQ(ValueOf(env, "Model", "text"), "a,b");
 }
 
 TEST(EnvTypedPut, NullAndEmptyInputs) {
@@ -419,7 +614,8 @@ TEST(EnvDataVersion, MissingPartsAreZero) {
                  {"[_Zr_Data_Version_Info_]\n", {0, 0, 0, 0}},
                  {"[_Zr_Data_Version_Info_]\nVersion ={\n}\n", {0, 0, 0, 0}},
                  {"[_Zr_Data_Version_Info_]\nVersion =no\n", {0, 0, 0, 0}},
-                 {"[_Zr_Data_Version_Info_]\nVersion =5,6\n", {5, 6, 0, 0}}};
+                 {"[_Zr_Data_Version_Info_]\nVersion =5,6\n", {5, 6, 0, 0}},
+                 {"[_Zr_Data_Version_Info_]\nb ={\nVersion =5,6,7,8\n}\n", {0, 0, 0, 0}}};
     for (const auto &c : cases) {
         EnvHandle env(c.text);
         zr_long v[4] = {9, 9, 9, 9};
@@ -429,6 +625,7 @@ TEST(EnvDataVersion, MissingPartsAreZero) {
     zr_long a = 9;
     env_get_data_version(nullptr, &a, nullptr, nullptr, nullptr);
     EXPECT_EQ(a, 0);
+    env_get_data_version(nullptr, nullptr, nullptr, nullptr, nullptr);
 }
 
 TEST(EnvDataVersion, DefaultAnswers) {

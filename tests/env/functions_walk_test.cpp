@@ -103,14 +103,14 @@ private:
     std::vector<std::string> m_steps;
 };
 
-// A tree of few names, so that there are many namesakes.
-std::string RandomTree(std::mt19937 &random, int depth) {
+// A tree of few names, so that there are many namesakes; with so many elements at least in each block.
+std::string RandomTree(std::mt19937 &random, int depth, unsigned atLeast = 0) {
     std::string text;
-    const auto count = random() % 6;
+    const auto count = atLeast + random() % (6 - atLeast);
     for (auto i = count; i > 0; --i) {
         const std::string name(1, static_cast<char>('a' + random() % 3));
         if (depth > 0 && random() % 2)
-            text += name + " ={\n" + RandomTree(random, depth - 1) + "}\n";
+            text += name + " ={\n" + RandomTree(random, depth - 1, atLeast) + "}\n";
         else
             text += name + " =" + std::to_string(random() % 100) + "\n";
     }
@@ -670,13 +670,26 @@ TEST(EnvSink, LongPathsOfAppendedLeafsAreCut) {
 TEST(EnvSink, CopiesARandomTreeWhole) {
     std::mt19937 random(42);
     for (int round = 0; round < 50; ++round) {
-        EnvHandle source(("[S]\n" + RandomTree(random, 4)).c_str());
-        EnvHandle overwritten;
-        EnvHandle added;
-        EXPECT_EQ(env_sink(overwritten, source, 2), 0);
-        EXPECT_EQ(env_sink(added, source, 0), 0);
-        EXPECT_EQ(WrittenText(added), WrittenText(overwritten));
-        EXPECT_EQ(Leafs(overwritten).size(), Leafs(added).size());
+        // an empty block is not copied, and would shift the numbers of its namesakes
+        EnvHandle source(("[S]\n" + RandomTree(random, 4, 1)).c_str());
+        const std::string text = WrittenText(source);
+        for (zr_long mode : {0, 1, 2}) {
+            EnvHandle target;
+            EXPECT_EQ(env_sink(target, source, mode), 0);
+            EXPECT_EQ(WrittenText(target), text) << mode;
+        }
+        EnvHandle updated;
+        EXPECT_EQ(env_sink(updated, source, 3), 0);
+        EXPECT_EQ(WrittenText(updated), "");
+    }
+}
+
+TEST(EnvSink, IntoItselfChangesNothing) {
+    EnvHandle env(kModel);
+    const std::string before = WrittenText(env);
+    for (zr_long mode : {0, 2, 3}) {
+        EXPECT_EQ(env_sink(env, env, mode), 0) << mode;
+        EXPECT_EQ(WrittenText(env), before) << mode;
     }
 }
 
@@ -711,10 +724,37 @@ TEST(EnvCopyBlock, EndsThatCannotBeOpened) {
     EXPECT_EQ(env_copy_block(nullptr, source, "Model", nullptr, 2), -10);
     EXPECT_EQ(env_copy_block(target, nullptr, "Model", nullptr, 2), -10);
     EXPECT_EQ(env_count_elements(target, nullptr, nullptr, 1), 0);
+    EXPECT_EQ(env_copy_block(target, source, "Model", "length", 2), -10); // not a direct child
+    EXPECT_EQ(env_count_elements(target, nullptr, nullptr, 1), 0);
     ReportCapture capture;
     EXPECT_EQ(env_copy_block_to(target, source, "a]b", nullptr, "Model", nullptr, 2), -10);
+    EXPECT_THAT(capture.Take(), ElementsAre(Message("ZrEnv", "Wrong section name: ")));
     EXPECT_EQ(env_copy_block_to(target, source, nullptr, "x", "Model", nullptr, 2), -10);
     EXPECT_EQ(env_copy_block_to(nullptr, source, "x", nullptr, "Model", nullptr, 2), -10);
+}
+
+TEST(EnvCopyBlock, ModesAreThoseOfTheSink) {
+    EnvHandle source("[S]\nb ={\nx =1\ny =2\n}\n");
+    const char *before = "[S]\n  b ={\n    x =old\n  }\n";
+    const struct {
+        zr_long mode;
+        int result;
+        const char *after;
+    } cases[] = {{0, 0, "[S]\n  b ={\n    x =old\n    y =2\n  }\n"},
+                 {1, 0, "[S]\n  b ={\n    x =old\n    x =1\n    y =2\n  }\n"},
+                 {2, 0, "[S]\n  b ={\n    x =1\n    y =2\n  }\n"},
+                 {3, 0, "[S]\n  b ={\n    x =1\n  }\n"},
+                 {4, -10, before}};
+    SwitchCapture capture;
+    for (const auto &c : cases) {
+        EnvHandle target(before);
+        EXPECT_EQ(env_copy_block(target, source, "S", "b", c.mode), c.result) << c.mode;
+        EXPECT_EQ(WrittenText(target), c.after) << c.mode;
+        EnvHandle other(before);
+        EXPECT_EQ(env_copy_block_to(other, source, "S", "b", "S", "b", c.mode), c.result) << c.mode;
+        EXPECT_EQ(WrittenText(other), c.after) << c.mode;
+    }
+    EXPECT_THAT(capture.Take(), ElementsAre("Env_uti2: 4", "Env_uti2: 4"));
 }
 
 TEST(EnvCopyBlock, LeafOrEmptyBlockIsNoBlockToCopy) {
@@ -746,6 +786,24 @@ TEST(EnvListElemNames, NamesAndSeparators) {
     EXPECT_EQ(Names(env, "D", nullptr), "x,");
     EnvHandle sub(env_open_subenv(env, "Model", "bar", 1));
     EXPECT_EQ(Names(sub, nullptr, nullptr), "length,");
+    char out[20] = "kept";
+    EXPECT_EQ(env_list_elem_names(env, "Model", "deep", 0, ',', 20, out), 0);
+    EXPECT_STREQ(out, "x,");
+    EXPECT_EQ(env_list_elem_names(env, "Model", "deep", 1, ',', 20, out), -2);
+    EXPECT_STREQ(out, "");
+    EnvHandle leaf(env_open_subenv(env, "Model", "Title", 1));
+    EXPECT_EQ(Names(leaf, nullptr, nullptr), "(-2)");
+    EnvHandle empty;
+    EXPECT_EQ(Names(empty, nullptr, nullptr), "");
+    EXPECT_EQ(env_delete(env, "Model", "bar@1"), 0);
+    EXPECT_EQ(Names(sub, nullptr, nullptr), "(-2)"); // the default has no block for a null section
+}
+
+TEST(EnvListElemNames, NamelessAndValuelessOnesAreListed) {
+    EnvHandle env("[S]\na =1\n");
+    ASSERT_EQ(env_insert_before(env, "S", "a", nullptr), 0);
+    ASSERT_EQ(env_insert_before(env, "S", "a", "n"), 0);
+    EXPECT_EQ(Names(env, "S", nullptr), ",n,a,");
 }
 
 TEST(EnvListElemNames, CapacityCountsTheTerminator) {
