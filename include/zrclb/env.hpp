@@ -113,8 +113,6 @@ private:
     friend class CZrEnvProbe;
 
     CZrEnvElement(char *szName, std::uint32_t uFlags) : m_szName(szName), m_uFlags(uFlags) {}
-    void SetParent(CZrEnvBlock *pParent) { m_pParent = pParent; }
-    void PutName(char *szName);
     void ReleaseName();
 
     char *m_szName = nullptr;

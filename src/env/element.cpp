@@ -63,12 +63,6 @@ void CZrEnvElement::ReleaseName() {
     m_szName = nullptr;
 }
 
-void CZrEnvElement::PutName(char *szName) {
-    ReleaseName();
-    m_szName = szName;
-    m_uFlags |= CZrEnvNodeStore::OwnsName;
-}
-
 // The environment of the section at the top. A walk, not a call for each level.
 CZrEnv *CZrEnvElement::GetEnv() const {
     if (!m_pParent)

@@ -76,7 +76,6 @@ public:
     static void ReleaseSlot(void *pNode, std::uint32_t uCount = 1);
 
     static bool IsBlock(const CZrEnvElement *pElem) { return (pElem->m_uFlags & KindBlock) != 0; }
-    static bool IsData(const CZrEnvElement *pElem) { return (pElem->m_uFlags & KindData) != 0; }
 };
 
 } // namespace Zr

@@ -13,8 +13,6 @@ namespace Zr {
 class CZrEnvProbe {
 public:
     // Elements
-    static void SetParent(CZrEnvElement &elem, CZrEnvBlock *pParent) { elem.SetParent(pParent); }
-    static void PutName(CZrEnvElement &elem, char *szName) { elem.PutName(szName); }
     static void SetEnv(CZrEnvSection &section, CZrEnv *pEnv) { section.SetEnv(pEnv); }
 
     // Blocks

@@ -4,7 +4,6 @@
 #include "env/tree_checker.h"
 
 #include <climits>
-#include <cstring>
 
 namespace zr::test {
 namespace {
@@ -49,41 +48,7 @@ protected:
 
 // Elements
 
-char *NewText(const char *szText) {
-    char *szCopy = new char[std::strlen(szText) + 1];
-    return std::strcpy(szCopy, szText);
-}
-
-TEST_F(PrivateParts, PutName_TakesOverAnyName) {
-    CZrEnvBlock parent("parent");
-    CZrEnvBlock *pChild = AddBlock(parent, "m");
-    for (const char *szName : {"longer than before", "", "a=b"}) {
-        char *szOwned = NewText(szName);
-        Probe::PutName(*pChild, szOwned);
-        EXPECT_EQ(szOwned, pChild->GetName()) << "the array itself";
-    }
-    EXPECT_EQ(&parent, pChild->GetParent());
-    Probe::PutName(*pChild, NewText("m"));
-    EXPECT_TRUE(BlockIsSound(parent));
-}
-
-TEST_F(PrivateParts, PutName_DoesNotTellTheParent) {
-    CZrEnvBlock parent("parent");
-    CZrEnvDataElement *pFirst = AddLeaf(parent, "a"), *pSecond = AddLeaf(parent, "a");
-    Probe::PutName(*pFirst, NewText("a"));
-    EXPECT_EQ(pFirst, parent.GetElement("a", 1)) << "SetName would have put it behind";
-    EXPECT_EQ(pSecond, parent.GetElement("a", 2));
-}
-
-TEST_F(PrivateParts, SetParentAndSetEnv_StoreThePointerAlone) {
-    CZrEnvBlock block("block"), child("child");
-    Probe::SetParent(child, &block);
-    EXPECT_EQ(&block, child.GetParent());
-    EXPECT_EQ(0u, block.GetElemCount());
-    EXPECT_EQ(nullptr, block.GetFirstElement());
-    Probe::SetParent(child, nullptr);
-    EXPECT_EQ(nullptr, child.GetParent());
-
+TEST_F(PrivateParts, SetEnv_StoresThePointerAlone) {
     CZrEnvSection section("section");
     Probe::SetEnv(section, m_env.get());
     EXPECT_EQ(m_env.get(), section.GetEnv());
