@@ -77,7 +77,13 @@ run_preset() {
 
 section "tools"
 tools/setup.sh test || { echo "0 passed, 1 failed"; exit 1; }
-mkdir -p build
+mkdir -p build/locale
+
+# A locale with a decimal comma, for the tests that show that numbers do not follow it.
+if [ ! -d build/locale/de_DE.UTF-8 ]; then
+    localedef -i de_DE -f UTF-8 build/locale/de_DE.UTF-8 || fault "locale"
+fi
+export LOCPATH="$PWD/build/locale"
 
 if [ $# -eq 0 ]; then
     section "sources: texts and format"

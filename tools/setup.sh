@@ -7,7 +7,7 @@ set -eu
 packages="g++ cmake ninja-build"
 if [ "${1:-build}" = test ]; then
     packages="$packages g++-multilib clang-14 clang-tidy-14 clang-format-14 googletest
-              g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix wine wine64 git"
+              g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix wine wine64 git locales"
 fi
 
 missing=""
