@@ -7,7 +7,7 @@ set -u
 cd "$(dirname "$0")" || exit 1
 jobs=$(nproc)
 presets=("$@")
-[ $# -gt 0 ] || presets=(linux-release windows-release linux-asan linux-32 linux-clang linux-tsan)
+[ $# -gt 0 ] || presets=(linux-release windows-release linux-asan linux-32 linux-clang linux-tsan fuzz)
 
 passed=0
 failed=0

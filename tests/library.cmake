@@ -10,7 +10,7 @@ add_test(NAME library_exports
                  -P ${PROJECT_SOURCE_DIR}/cmake/CheckExports.cmake)
 add_test(NAME library_needs
          COMMAND ${CMAKE_COMMAND} -D LIBRARY=$<TARGET_FILE:zrclb> -D OBJDUMP=${CMAKE_OBJDUMP}
-                 -D VERSION=${PROJECT_VERSION} -D SOVERSION=${PROJECT_VERSION_MAJOR}
+                 -D VERSION=${PROJECT_VERSION} -D SOVERSION=${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
                  -P ${PROJECT_SOURCE_DIR}/cmake/CheckNeeds.cmake)
 
 set(package_arguments -D BUILD=${PROJECT_BINARY_DIR} -D SOURCE=${CMAKE_CURRENT_SOURCE_DIR}/package
