@@ -30,11 +30,9 @@ bool EndsInFold(std::string_view line) {
     return last + 1 < line.size() || last == 0 || line[last - 1] != '\\';
 }
 
-// "a" or "b", or that there is none.
+// The value in quotes, shortened.
 std::string Quoted(const Session &session, const char *text) {
     constexpr std::size_t most = 40;
-    if (text == nullptr)
-        return "nothing";
     const std::string_view whole = text;
     return "'" + session.ToUser(whole.substr(0, most)) + (whole.size() > most ? "...'" : "'");
 }
@@ -47,10 +45,11 @@ std::string ValueLoss(const Session &session, const Zr::CZrEnvElement &was, cons
     const std::string place = session.ToUser(PlaceOf(was));
     if (before == nullptr || after == nullptr)
         return place + ": a value and a block are mistaken for one another";
-    if (before->GetString() != nullptr && std::strcmp(ValueOf(was), ValueOf(is)) == 0)
+    if (before->GetString() == nullptr)
+        return place + ": an element without a value is lost";
+    if (std::strcmp(ValueOf(was), ValueOf(is)) == 0)
         return "";
-    return place + ": the value " + Quoted(session, before->GetString()) + " becomes " +
-           Quoted(session, after->GetString());
+    return place + ": the value " + Quoted(session, before->GetString()) + " becomes " + Quoted(session, ValueOf(is));
 }
 
 std::string FirstDifference(const Session &session, const Zr::CZrEnv &before, const Zr::CZrEnv &after) {
@@ -154,6 +153,21 @@ bool FindUnkept(std::string_view text, Place &place, const char *&what) {
     return false;
 }
 
+bool FindCut(std::string_view bytes, Place &place) {
+    const std::size_t mark = bytes.find('\x1A');
+    if (mark == std::string_view::npos || bytes.find_first_not_of("\x1A \t\r\n", mark) == std::string_view::npos)
+        return false;
+    place = PlaceAt(bytes, mark);
+    return true;
+}
+
+void WarnOfCut(const Session &session, const std::string &path, std::string_view bytes) {
+    Place place;
+    if (FindCut(bytes, place))
+        session.err << path << ':' << place.line << ':' << place.column
+                    << ": warning: text behind byte 0x1A is lost when the file is written\n";
+}
+
 void ReadText(const Session &session, const std::string &path, const std::string &text, Zr::CZrEnv &env) {
     const std::size_t zero = text.find('\0');
     if (zero != std::string::npos)
@@ -169,9 +183,9 @@ void ReadText(const Session &session, const std::string &path, const std::string
 }
 
 std::string ReadEnvironment(const Session &session, const std::string &path, Zr::CZrEnv &env) {
-    std::string text = TextOf(ReadBytes(path));
-    ReadText(session, path, text, env);
-    return text;
+    std::string bytes = ReadBytes(path);
+    ReadText(session, path, TextOf(bytes), env);
+    return bytes;
 }
 
 std::string WriteText(const Zr::CZrEnv &env, bool wrap) {

@@ -46,7 +46,13 @@ bool FindUnkept(std::string_view text, Place &place, const char *&what);
 // wrong; `path` is for the message only.
 void ReadText(const Session &session, const std::string &path, const std::string &text, Zr::CZrEnv &env);
 
-// ReadBytes, TextOf and ReadText in one; the result is the text.
+// True when text stands behind the first byte 0x1A, which ends the reading; `place` is that byte's.
+bool FindCut(std::string_view bytes, Place &place);
+
+// Warns of such text: the file that is written does not have it.
+void WarnOfCut(const Session &session, const std::string &path, std::string_view bytes);
+
+// ReadBytes, TextOf and ReadText in one, with the bytes as the result.
 std::string ReadEnvironment(const Session &session, const std::string &path, Zr::CZrEnv &env);
 
 // The environment's text in the format's own line ends. Failure with InputOutput when the library could not make all

@@ -50,7 +50,7 @@ int Run(const Session &session, const Arguments &arguments) {
     if (from == "json")
         ReadJson(file, env);
     else
-        ReadEnvironment(session, file, env);
+        WarnOfCut(session, file, ReadEnvironment(session, file, env));
     const std::string result = Converted(session, file, env, to);
     if (arguments.Has("-o"))
         ReplaceFile(output, result);
@@ -71,7 +71,7 @@ const Verb &ConvertVerb() {
         "standard output.\n"
         "  --to wrapped     environment text, long lines folded\n"
         "  --to notwrapped  environment text, one line for each value, a mode line in front\n"
-        "  --to json        JSON; the form is described in the manual\n"
+        "  --to json        JSON; the form is described in docs/tool.md\n"
         "  --from json      FILE is JSON of that form\n",
         {{"--to", true}, {"--from", true}, {"-o", true}},
         Run};

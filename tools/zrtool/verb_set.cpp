@@ -1,6 +1,7 @@
 // zrtool env set: changes one value in a file, or makes it.
 #include <cctype>
 #include <string>
+#include <vector>
 
 #include "env_file.h"
 #include "safe_write.h"
@@ -10,24 +11,27 @@ namespace zrtool {
 
 namespace {
 
-void Warn(const Session &session, const std::string &file, const std::string &text) {
-    session.err << file << ": warning: " << text << '\n';
-}
-
 // A write forces the tree into the shape that the path demands. What it destroys on the way is worth a word.
-void WarnOfReplacement(const Session &session, const std::string &file, Zr::CZrEnv &env, const std::string &section,
-                       const std::string &path) {
+std::vector<std::string> FindReplacements(const Session &session, Zr::CZrEnv &env, const std::string &section,
+                                          const std::string &path) {
+    std::vector<std::string> found;
     if (const Zr::CZrEnvBlock *block = env.GetBlock(section.c_str(), path.c_str(), true, false)) {
-        if (block->GetElemCount() > 0)
-            Warn(session, file, "a block with " + std::to_string(block->GetElemCount()) + " elements becomes a value");
+        if (block->ToEnvSection() == nullptr && block->GetElemCount() > 0)
+            found.push_back("a block with " + std::to_string(block->GetElemCount()) + " elements becomes a value");
     }
     const auto isStep = [&](std::size_t at) { return std::isdigit(static_cast<unsigned char>(path[at])) == 0; };
     for (std::size_t at = path.find('@'); at != std::string::npos && at + 1 < path.size();
          at = path.find('@', at + 1)) {
         const std::string front = path.substr(0, at);
         if (isStep(at + 1) && env.GetDataElement(section.c_str(), front.c_str(), true, false) != nullptr)
-            Warn(session, file, "the value of " + session.ToUser(front) + " gives way to a block");
+            found.push_back("the value of " + session.ToUser(front) + " gives way to a block");
     }
+    return found;
+}
+
+bool EndsInPosition(const std::string &path) {
+    const std::size_t at = path.find_last_not_of("0123456789");
+    return at != std::string::npos && path[at] == '@' && at + 1 < path.size();
 }
 
 int Run(const Session &session, const Arguments &arguments) {
@@ -39,23 +43,28 @@ int Run(const Session &session, const Arguments &arguments) {
 
     Chain chain;
     Zr::CZrEnv &env = chain.Add();
-    const std::string text = ReadEnvironment(session, file, env);
+    const std::string bytes = ReadEnvironment(session, file, env);
+    const std::string text = TextOf(bytes);
     const bool wrap = !IsNotWrapped(text);
-    WarnOfReplacement(session, file, env, section, path);
+    const std::string target = "[" + session.ToUser(section) + "] '" + session.ToUser(path) + "'";
+    std::vector<std::string> warnings = FindReplacements(session, env, section, path);
     if (env.SetString(section.c_str(), path.c_str(), value.c_str()) != Zr::ENV_OK)
-        throw Failure(BadUsage,
-                      "nothing can be set at [" + session.ToUser(section) + "] '" + session.ToUser(path) + "'");
+        throw Failure(BadUsage, "nothing can be set at " + target);
     ReadBack readBack(session, env, wrap);
     if (!readBack.Fault().empty())
         throw Failure(BadUsage, "a file cannot hold this value: " + readBack.Fault());
+    if (readBack.Env().GetString(section.c_str(), path.c_str()) == nullptr)
+        throw Failure(BadUsage, "the value could not be read at " + target + " afterwards" +
+                                    (EndsInPosition(path) ? ": the position skips elements" : ""));
     Place place;
     const char *unkept = nullptr;
     if (FindUnkept(text, place, unkept))
-        Warn(session, file, unkept);
+        warnings.emplace_back(unkept);
     if (!readBack.Loss().empty())
-        Warn(session, file, "does not read back as it was set: " + readBack.Loss());
-    if (readBack.Env().GetString(section.c_str(), path.c_str()) == nullptr)
-        Warn(session, file, "the position skips elements; nothing is read at " + session.ToUser(path));
+        warnings.push_back("does not read back as it was set: " + readBack.Loss());
+    for (const std::string &warning : warnings)
+        session.err << file << ": warning: " << warning << '\n';
+    WarnOfCut(session, file, bytes);
     ReplaceFile(file, readBack.Text());
     return Done;
 }
