@@ -28,10 +28,14 @@ upwards() {
 }
 upwards platform "frame|files|env|settings|expressions|desktop|library"
 upwards frame "files|env|settings|expressions|desktop|library"
-upwards env "settings|expressions|desktop|library"
+upwards files "env|settings|expressions|desktop|library"
+upwards env "files|settings|expressions|desktop|library"
+upwards settings "expressions|desktop|library"
+upwards expressions "desktop|library"
+upwards desktop "expressions|library"
 
 system='_WIN32|_WIN64|__linux__|__unix__|_MSC_VER|__MINGW32__|<windows\.h>|<unistd\.h>|<sys/|<pthread\.h>'
 find src -path src/platform -prune -o -type f -print | xargs grep -nE "$system" | fault "operating system outside src/platform"
-grep -rnE "$system" src/platform/*.h | fault "operating system in the headers of the seam"
+grep -rnE "$system" src/platform/*.h src/platform/*.cpp | fault "operating system in the portable parts of the seam"
 
 [ ! -s "$faults" ]

@@ -2,9 +2,15 @@
 #ifndef ZRCLB_ZRCLB_H
 #define ZRCLB_ZRCLB_H
 
+#include <zrclb/clock.h>
 #include <zrclb/env.h>
+#include <zrclb/file_handle.h>
+#include <zrclb/file_name.h>
+#include <zrclb/files.h>
+#include <zrclb/folders.h>
 #include <zrclb/heap.h>
 #include <zrclb/list.h>
+#include <zrclb/numbers.h>
 #include <zrclb/paths.h>
 #include <zrclb/queue.h>
 #include <zrclb/report.h>

@@ -2,6 +2,7 @@
 #ifndef ZR_PLATFORM_STREAMS_H
 #define ZR_PLATFORM_STREAMS_H
 
+#include <cstdint>
 #include <cstdio>
 
 #include "platform/services.h"
@@ -28,6 +29,12 @@ namespace zr::platform {
 inline std::FILE *OpenText(const char *path, const char *mode) {
     return services.open_text(path, mode);
 }
+
+// Position in bytes from the start of the file, 64 bits wide on every platform; -1 on failure.
+std::int64_t TellStream(std::FILE *stream);
+
+// As fseek, with 64 bits.
+bool SeekStream(std::FILE *stream, std::int64_t offset, int whence);
 
 } // namespace zr::platform
 

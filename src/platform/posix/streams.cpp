@@ -251,4 +251,12 @@ int posix::DescriptorOf(std::FILE *stream) {
     return fileno(stream);
 }
 
+std::int64_t TellStream(std::FILE *stream) {
+    return ftello(stream);
+}
+
+bool SeekStream(std::FILE *stream, std::int64_t offset, int whence) {
+    return fseeko(stream, offset, whence) == 0;
+}
+
 } // namespace zr::platform

@@ -56,4 +56,12 @@ std::FILE *backend::OpenText(const char *path, const char *mode) {
     return stream;
 }
 
+std::int64_t TellStream(std::FILE *stream) {
+    return _ftelli64(stream);
+}
+
+bool SeekStream(std::FILE *stream, std::int64_t offset, int whence) {
+    return _fseeki64(stream, offset, whence) == 0;
+}
+
 } // namespace zr::platform

@@ -1,0 +1,39 @@
+// Drives, current folders, free space.
+//
+// A drive is a number: 1 is A, 3 is C. On Linux C is the root folder, and another drive exists if ZR_DRIVE_<letter> names a
+// folder. Every drive has a current folder of its own; relative paths start at that of the current drive. All of it belongs to the
+// process: changes race with relative paths of other threads, but never corrupt memory.
+#ifndef ZR_PLATFORM_DRIVES_H
+#define ZR_PLATFORM_DRIVES_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "platform/system_error.h"
+
+namespace zr::platform {
+
+// Number of the current drive, 0 if there is none (the current folder lies on the network).
+int CurrentDrive();
+
+// Makes a drive current; false if it doesn't exist.
+bool SetCurrentDrive(int drive);
+
+// The current folder of the process, of the current drive, in the library's form with its drive ("C:\home\me", "D:\"). False with
+// `out` empty (if size is not 0) if it doesn't fit in `size` bytes or has been removed.
+bool CurrentFolder(char *out, std::size_t size);
+
+// Makes the folder current on its drive. A path with a drive other than the current one changes that drive's folder and makes
+// the drive current too, as the desktop's runtime does. A code of system_error.h.
+int ChangeFolder(const char *path);
+
+// What the system says of the root folder `path` ("C:\"): 0 unknown, 1 no root folder, 2 removable, 3 fixed, 4 remote, 5 CD-ROM,
+// 6 RAM disk. Null means the current drive.
+int DriveType(const char *path);
+
+// Bytes free to the present user on the drive of the folder `path`; the empty text means the current drive.
+bool FreeSpace(const char *path, std::uint64_t &bytes);
+
+} // namespace zr::platform
+
+#endif

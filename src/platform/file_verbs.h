@@ -1,0 +1,57 @@
+// What can be done to files and folders by name: tests, attributes, and the verbs.
+//
+// A `path` is in the library's form, at most 259 characters; null, empty and longer ones fail, and so do drives that don't
+// exist. Unless said otherwise the result is a code of system_error.h, 0 for done. Links are followed, except by what removes or
+// renames a name. Names are compared as the host does. Threads: no state; any thread.
+#ifndef ZR_PLATFORM_FILE_VERBS_H
+#define ZR_PLATFORM_FILE_VERBS_H
+
+#include <cstdint>
+
+#include "platform/system_error.h"
+
+namespace zr::platform {
+
+// Attribute bits, the desktop's own. On Linux read-only is a missing write permission for everybody, hidden a leading dot;
+// files bear the archive bit nowhere, and the other bits are clear.
+enum FileAttribute : std::uint32_t {
+    attribute_read_only = 1,
+    attribute_hidden = 2,
+    attribute_system = 4,
+    attribute_folder = 16,
+    attribute_archive = 32,
+    attribute_normal = 128,
+};
+
+int GetAttributes(const char *path, std::uint32_t &out);
+
+// Linux knows the read-only bit alone: setting it takes all write permissions, clearing it gives the owner's back. Other bits
+// are accepted without effect.
+int SetAttributes(const char *path, std::uint32_t attributes);
+
+// Whether the standard access test passes: `mode` 0 exists, 2 may be written, 4 may be read, 6 both. The right to write is
+// decided as the desktop decides it, by the read-only attribute first; a folder can always be written. Other bits of `mode` are a
+// failure. On Linux the user's own rights count as well.
+bool CanAccess(const char *path, int mode);
+
+// Removes a file or a link; refuses a folder and what is read-only with access_denied.
+int RemoveUnprotectedFile(const char *path);
+
+// Copies a file with its modification time and, on Linux, its permissions; an existing target is overwritten, a read-only or hidden
+// one or a folder refused with access_denied, and a file onto itself with sharing_violation. If it fails half-way (disk full),
+// what was written of a new target is removed.
+int CopyFileOver(const char *from, const char *to);
+
+// Moves a file or a folder to a name that nothing bears yet (else already_exists). Another drive: files are copied and the
+// original removed, folders fail with access_denied.
+int MoveToNewName(const char *from, const char *to);
+
+// One level. already_exists, path_not_found.
+int MakeFolder(const char *path);
+
+// The folder must be empty, and not read-only; no link to a folder.
+int RemoveEmptyFolder(const char *path);
+
+} // namespace zr::platform
+
+#endif
