@@ -21,6 +21,7 @@ enum FileAttribute : std::uint32_t {
     attribute_folder = 16,
     attribute_archive = 32,
     attribute_normal = 128,
+    attribute_link = 1024, // what a search says of a link, beside the attributes of that which the link leads to
 };
 
 int GetAttributes(const char *path, std::uint32_t &out);
@@ -34,7 +35,8 @@ int SetAttributes(const char *path, std::uint32_t attributes);
 // failure. On Linux the user's own rights count as well.
 bool CanAccess(const char *path, int mode);
 
-// Removes a file or a link; refuses a folder and what is read-only with access_denied.
+// Removes a file or a link, also one that leads to a folder, which then stays as it is; refuses a folder and what is read-only with
+// access_denied.
 int RemoveUnprotectedFile(const char *path);
 
 // Copies a file with its modification time and, on Linux, its permissions; an existing target is overwritten, a read-only or hidden
