@@ -6,6 +6,7 @@
 #ifndef ZR_PLATFORM_SERVICES_H
 #define ZR_PLATFORM_SERVICES_H
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 
@@ -14,8 +15,10 @@
 namespace zr::platform {
 
 struct FileStatus;
+struct Uuid;
 
-// What the back end provides. Contracts stand at the callers' faces: streams.h, files.h, message_box.h, debug.h, clock.h.
+// What the back end provides. Contracts stand at the callers' faces: streams.h, files.h, message_box.h, debug.h, clock.h,
+// temporary.h.
 namespace backend {
 std::FILE *OpenText(const char *path, const char *mode);
 bool GetFileStatus(const char *path, FileStatus &out);
@@ -23,6 +26,10 @@ int ShowMessageBox(zr_window owner, const char *text, const char *caption, unsig
 zr_window FocusWindow();
 void DebugOutput(const char *text);
 std::int64_t Now();
+std::size_t TempFolder(char *out, std::size_t size);
+unsigned TempFileName(const char *folder, const char *prefix, unsigned unique, char *out);
+std::uint32_t TickCount();
+int CreateUuid(Uuid &out);
 } // namespace backend
 
 struct Services {
@@ -33,6 +40,11 @@ struct Services {
     zr_window (*focus_window)() = backend::FocusWindow;
     void (*debug_output)(const char *text) = backend::DebugOutput;
     std::int64_t (*now)() = backend::Now;
+    std::size_t (*temp_folder)(char *out, std::size_t size) = backend::TempFolder;
+    unsigned (*temp_file_name)(const char *folder, const char *prefix, unsigned unique,
+                               char *out) = backend::TempFileName;
+    std::uint32_t (*tick_count)() = backend::TickCount;
+    int (*create_uuid)(Uuid &out) = backend::CreateUuid;
 };
 
 inline constinit Services services;
