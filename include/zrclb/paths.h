@@ -1,4 +1,11 @@
-/* Paths: the host's form of a path of the library. C17 and C++20. */
+/* Paths: composing them, taking them apart, testing names; the host's form of a path. C17 and C++20.
+ *
+ * 1. A path has at most 259 characters in code page 1252; a buffer for one holds 260 bytes.
+ * 2. The separator is the backslash; a slash is taken as one in what is given, and never stands in a composed path.
+ * 3. Null counts as the empty text wherever nothing else is said. No text given is kept beyond the call.
+ * 4. Nothing here looks at the disk, apart from the current folder that fio_make_fullpath asks for.
+ * 5. Threads: any; fio_make_fullpath depends on the current folder and drive, which belong to the whole process.
+ */
 #ifndef ZRCLB_PATHS_H
 #define ZRCLB_PATHS_H
 
@@ -7,6 +14,31 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* Composes a path from name, the folder dir that it lies in, and default_dir, where dir is relative to, and writes it to
+ * out[0..259], terminated. Gives out; null, with out untouched, if out is null or the path would have more than 259
+ * characters on the way, which is also told by the message "Buffer zu klein".
+ *
+ *   default_dir   dir      name           result
+ *   ""            "C:\a"   "sub/x.txt"    "C:\a\sub\x.txt"
+ *   "C:\base"     "rel"    "x"            "C:\base\rel\x"
+ *   "C:\base"     "D:\d"   "x"            "D:\d\x"         a drive in dir: default_dir is not used
+ *   ""            "C:\a"   "D:\y.txt"     "D:\y.txt"       a drive in name: neither is
+ *   ""            "C:\a"   "\y.txt"       "C:\a\y.txt"     a separator in front of name does not make it absolute
+ *   ""            "C:\a"   "\\srv\sh\f"   "\\srv\sh\f"     nor anything in front of a network name, if dir is not null
+ *   ""            "C:foo"  ""             "C:\foo"         a drive in dir stands for its root
+ *   ""            "C:\a\"  ""             "C:\a"           no separator at the end
+ *   ""            "a\"     ""             "a\"             unless two characters or fewer stand behind the drive
+ *
+ * Of each argument the first 260 characters count. One whose folder, base name or extension has more than 255
+ * characters counts as empty. out may be one of the arguments. */
+ZR_API char *fio_makepath(char *out, const char *default_dir, const char *dir, const char *name) ZR_NOEXCEPT;
+
+/* Takes the first 260 characters of path apart: the drive ("C:" or empty) to drive[0..2], the folder with the separator
+ * at its end to dir[0..255], the last element with its extension to name[0..259], all terminated. A null output is left
+ * out. All are empty if folder, base name or extension have more than 255 characters; of a name of 260 characters the
+ * last one is cut. path and the outputs must not overlap. Gives 0. */
+ZR_API int fio_divide(const char *path, char *drive, char *dir, char *name) ZR_NOEXCEPT;
 
 /* Writes the form in which the host knows path to out[0..size-1], terminated, and answers 1. The file need not exist.
  *
