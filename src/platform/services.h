@@ -21,6 +21,7 @@ struct Uuid;
 // temporary.h.
 namespace backend {
 std::FILE *OpenText(const char *path, const char *mode);
+std::FILE *OpenBinary(const char *path, const char *mode);
 bool GetFileStatus(const char *path, FileStatus &out);
 int ShowMessageBox(zr_window owner, const char *text, const char *caption, unsigned type);
 zr_window FocusWindow();
@@ -34,6 +35,7 @@ int CreateUuid(Uuid &out);
 
 struct Services {
     std::FILE *(*open_text)(const char *path, const char *mode) = backend::OpenText;
+    std::FILE *(*open_binary)(const char *path, const char *mode) = backend::OpenBinary;
     bool (*file_status)(const char *path, FileStatus &out) = backend::GetFileStatus;
     int (*show_message_box)(zr_window owner, const char *text, const char *caption,
                             unsigned type) = backend::ShowMessageBox;

@@ -30,6 +30,7 @@ protected:
 
 TEST_F(Services, TableStartsWithTheBackEnd) {
     EXPECT_EQ(services.open_text, backend::OpenText);
+    EXPECT_EQ(services.open_binary, backend::OpenBinary);
     EXPECT_EQ(services.file_status, backend::GetFileStatus);
     EXPECT_EQ(services.show_message_box, backend::ShowMessageBox);
     EXPECT_EQ(services.focus_window, backend::FocusWindow);
@@ -75,6 +76,19 @@ TEST_F(Services, ReplacedOpeningFails) {
     EXPECT_EQ(OpenText(folder.Path("file").c_str(), "wt"), nullptr);
     EXPECT_EQ(errno, ENOSPC);
     EXPECT_EQ(seen, "wt");
+    EXPECT_FALSE(std::filesystem::exists(folder.Folder() / "file"));
+}
+
+TEST_F(Services, ReplacedBinaryOpeningFails) {
+    const TempFolder folder;
+    services.open_binary = [](const char *, const char *mode) -> std::FILE * {
+        seen = mode;
+        errno = EMFILE;
+        return nullptr;
+    };
+    EXPECT_EQ(OpenBinary(folder.Path("file").c_str(), "w+b"), nullptr);
+    EXPECT_EQ(errno, EMFILE);
+    EXPECT_EQ(seen, "w+b");
     EXPECT_FALSE(std::filesystem::exists(folder.Folder() / "file"));
 }
 

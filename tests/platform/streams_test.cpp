@@ -421,7 +421,8 @@ TEST_F(Streams, WrongDirectionFails) {
 
 TEST_F(Streams, BadModesFailAndTouchNothing) {
     m_folder.Write("file", "kept");
-    for (const char *mode : {"", "x", "rb", "wb", "wx", "tr", "rr", "r t", "wtt", "+r", "r+", "w+", "a+t", " w", "W"}) {
+    for (const char *mode :
+         {"", "x", "rb", "wb", "wx", "tr", "rr", "r t", "wtt", "+r", "r+b", "rt+", "r++", "a+tt", " w", "W"}) {
         errno = 0;
         EXPECT_EQ(Open("file", mode), nullptr) << mode;
         EXPECT_EQ(errno, EINVAL) << mode;

@@ -1,11 +1,16 @@
-// Text streams: a FILE of the C library over functions of ours that translate line ends between its buffer and the file.
+// Streams. Text is a FILE of the C library over functions of ours that translate line ends between its buffer and the file.
 //
 // The C library believes that a byte in its buffer is a byte of the file. That holds for none of its reckonings of position
 // here, so the functions below look at the FILE's own pointers (public in this C library) and answer what makes the result
 // of the reckoning right:
 //   ftell      asks for the present offset and takes off the unread bytes of the buffer (adds the unwritten ones).
-//   fseek      goes to a block boundary in front of the wanted offset, reads a block and goes forward in it by bytes. This
-//              read is answered with "nothing there": then the library asks us to move on by the missing bytes.
+//   fseek      with a place counted from the start goes to a block boundary in front of it, reads a block and goes forward in it
+//              by bytes. This read is answered with "nothing there": then the library asks us to move on by the missing
+//              bytes. The other directions ask us to move by the wanted bytes less the unread ones.
+//   writing    behind a read that left unread bytes goes back by those bytes first. What they were is known from a copy
+//              of the block, since the caller's bytes have been put over them by then.
+// Appending in binary has functions of ours too, since the C library would tell positions that include the file's end before a
+// byte is written. Other binary streams are the C library's alone.
 #include "platform/streams.h"
 
 #include <cerrno>
@@ -17,6 +22,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/open_mode.h"
 #include "platform/posix/posix_descriptors.h"
 #include "platform/posix/posix_paths.h"
 #include "platform/posix/text_translation.h"
@@ -29,25 +35,24 @@ constexpr char end_of_text = 0x1A;
 constexpr std::size_t buffer_size = 65536;
 
 // The stream below a FILE. All open ones form a list, by which the descriptor of a FILE is found.
-struct TextStream {
+struct Stream {
     std::FILE *file = nullptr;
-    TextStream *next = nullptr;
-    TextStream *previous = nullptr;
+    Stream *next = nullptr;
+    Stream *previous = nullptr;
     int descriptor = -1;
-    bool reading = false;
+    bool update = false;    // read and written
     bool ended = false;     // 0x1A was met
     bool has_ahead = false; // `ahead` was read behind a CR at the end of a block and isn't delivered yet
     char ahead = 0;
-    bool sought = false;   // positioned, nothing read since
-    bool stepping = false; // the read inside fseek was refused, the step by the missing bytes comes next
+    std::size_t copied = 0; // of an update stream: bytes of the FILE's buffer that `staging` holds as they were read
     char buffer[buffer_size];
-    char staging[buffer_size]; // text on its way out, line ends made
+    char staging[buffer_size]; // text on its way out, line ends made; or a copy of the block that was read last
 };
 
 constinit std::mutex list_mutex;
-constinit TextStream *first_stream = nullptr;
+constinit Stream *first_stream = nullptr;
 
-void Enlist(TextStream *stream) {
+void Enlist(Stream *stream) {
     const std::lock_guard guard(list_mutex);
     stream->next = first_stream;
     if (first_stream != nullptr)
@@ -55,23 +60,26 @@ void Enlist(TextStream *stream) {
     first_stream = stream;
 }
 
-void Delist(TextStream *stream) {
+void Delist(Stream *stream) {
     const std::lock_guard guard(list_mutex);
     (stream->previous != nullptr ? stream->previous->next : first_stream) = stream->next;
     if (stream->next != nullptr)
         stream->next->previous = stream->previous;
 }
 
-// Whether the C library reads within fseek. An ordinary read into its buffer finds the buffer empty and wants to fill it.
-bool IsReadOfSeek(const TextStream &stream, const char *target, std::size_t size) {
-    const std::FILE &file = *stream.file;
-    return stream.sought && target == file._IO_buf_base &&
-           (size < static_cast<std::size_t>(file._IO_buf_end - file._IO_buf_base) ||
-            file._IO_read_end != file._IO_read_base);
+// While the C library seeks from the start, its read pointers are put to a place that none of its other reads finds them at:
+// those begin with the pointers at the buffer's start, and whatever the seek does next puts them there again.
+void MarkSeek(std::FILE &file) {
+    if (file._IO_buf_base != file._IO_buf_end)
+        file._IO_read_base = file._IO_read_ptr = file._IO_read_end = file._IO_buf_base + 1;
+}
+
+bool IsReadOfSeek(const std::FILE &file) {
+    return file._IO_buf_base != nullptr && file._IO_read_base == file._IO_buf_base + 1;
 }
 
 // Fetches a raw block, beginning with the byte that was read ahead. Like read.
-ssize_t ReadRaw(TextStream &stream, char *block, std::size_t size) {
+ssize_t ReadRaw(Stream &stream, char *block, std::size_t size) {
     const std::size_t held = stream.has_ahead ? 1 : 0;
     ssize_t count = 0;
     if (size > held) {
@@ -86,7 +94,7 @@ ssize_t ReadRaw(TextStream &stream, char *block, std::size_t size) {
 }
 
 // A CR ends the block: joins it with an LF behind it, or keeps what else is there for the next block.
-void ResolveLastCarriageReturn(TextStream &stream, char &last) {
+void ResolveLastCarriageReturn(Stream &stream, char &last) {
     char c;
     if (posix::Read(stream.descriptor, &c, 1) != 1)
         return;
@@ -98,14 +106,14 @@ void ResolveLastCarriageReturn(TextStream &stream, char &last) {
     }
 }
 
+void CopyBlock(Stream &stream, const char *block, std::size_t size) {
+    stream.copied = block == stream.file->_IO_buf_base && size <= buffer_size ? size : 0;
+    std::memcpy(stream.staging, block, stream.copied);
+}
+
 ssize_t ReadText(void *cookie, char *block, std::size_t size) {
-    auto &stream = *static_cast<TextStream *>(cookie);
-    if (IsReadOfSeek(stream, block, size)) {
-        stream.stepping = true;
-        return 0;
-    }
-    stream.sought = false;
-    if (stream.ended || size == 0)
+    auto &stream = *static_cast<Stream *>(cookie);
+    if (stream.ended || size == 0 || IsReadOfSeek(*stream.file))
         return 0;
     const ssize_t raw = ReadRaw(stream, block, size);
     if (raw <= 0)
@@ -119,12 +127,18 @@ ssize_t ReadText(void *cookie, char *block, std::size_t size) {
     count = posix::DropCarriageReturns(block, count);
     if (!stream.ended && block[count - 1] == '\r')
         ResolveLastCarriageReturn(stream, block[count - 1]);
+    if (stream.update)
+        CopyBlock(stream, block, count);
     return static_cast<ssize_t>(count);
 }
 
 // Answers `size`, or 0 after a failure: the C library knows no error in between.
 ssize_t WriteText(void *cookie, const char *data, std::size_t size) {
-    auto &stream = *static_cast<TextStream *>(cookie);
+    auto &stream = *static_cast<Stream *>(cookie);
+    if (stream.has_ahead && lseek(stream.descriptor, -1, SEEK_CUR) < 0)
+        return 0;
+    stream.has_ahead = false;
+    stream.copied = 0;
     std::size_t used = 0;
     for (std::size_t done = 0; done < size; done += used) {
         const std::size_t count =
@@ -135,100 +149,156 @@ ssize_t WriteText(void *cookie, const char *data, std::size_t size) {
     return static_cast<ssize_t>(size);
 }
 
-// Line ends between the file's offset and the caller's place, each of which the C library counts as one byte too few:
-// unread ones lie in front of the offset, unwritten ones behind it.
-off_t UncountedBytes(const TextStream &stream) {
+off_t LineFeeds(const char *from, const char *end) {
+    return static_cast<off_t>(posix::CountLineFeeds(from, static_cast<std::size_t>(end - from)));
+}
+
+bool HasUnwritten(const std::FILE &file) {
+    return file._IO_write_ptr > file._IO_write_base;
+}
+
+// Line ends among the bytes between the caller's place and the file's offset that were read and not taken. Those that the
+// caller wrote over are in the copy.
+off_t UnreadLineFeeds(const Stream &stream) {
     const std::FILE &file = *stream.file;
-    if (stream.reading)
-        return -static_cast<off_t>(
-            posix::CountLineFeeds(file._IO_read_ptr, static_cast<std::size_t>(file._IO_read_end - file._IO_read_ptr)));
-    return static_cast<off_t>(
-        posix::CountLineFeeds(file._IO_write_base, static_cast<std::size_t>(file._IO_write_ptr - file._IO_write_base)));
+    if (!HasUnwritten(file))
+        return LineFeeds(file._IO_read_ptr, file._IO_read_end);
+    const auto end = static_cast<std::size_t>(file._IO_read_end - file._IO_buf_base);
+    if (file._IO_write_base >= file._IO_read_end || end > stream.copied)
+        return 0;
+    return LineFeeds(stream.staging + (file._IO_write_base - file._IO_buf_base), stream.staging + end);
+}
+
+// The offset from which the C library's count of bytes (unread ones back, unwritten ones forward) ends at the right place:
+// it takes each line end for one byte. -1 on failure. `telling`: unwritten bytes are about to be added to the answer.
+off_t PresentOffset(const Stream &stream, bool telling) {
+    off_t present = lseek(stream.descriptor, 0, SEEK_CUR);
+    if (present < 0)
+        return -1;
+    if (stream.has_ahead)
+        --present;
+    present -= UnreadLineFeeds(stream);
+    if (telling && HasUnwritten(*stream.file))
+        present += LineFeeds(stream.file->_IO_write_base, stream.file->_IO_write_ptr);
+    return present;
 }
 
 int SeekText(void *cookie, off64_t *offset, int whence) {
-    auto &stream = *static_cast<TextStream *>(cookie);
+    auto &stream = *static_cast<Stream *>(cookie);
     off_t target = *offset;
     if (whence == SEEK_CUR) {
-        off_t present = lseek(stream.descriptor, 0, SEEK_CUR);
+        const bool telling = *offset == 0;
+        const off_t present = PresentOffset(stream, telling);
         if (present < 0)
             return -1;
-        if (stream.has_ahead)
-            --present;
-        if (!stream.stepping)
-            present += UncountedBytes(stream);
-        if (*offset == 0) {
+        if (telling) {
             *offset = present;
             return 0;
         }
         target += present;
-        whence = SEEK_SET;
     }
-    stream.stepping = false;
-    target = lseek(stream.descriptor, target, whence);
+    target = lseek(stream.descriptor, target, whence == SEEK_END ? SEEK_END : SEEK_SET);
     if (target < 0)
         return -1;
     stream.has_ahead = false;
     stream.ended = false;
-    stream.sought = true;
+    if (whence == SEEK_SET)
+        MarkSeek(*stream.file);
     *offset = target;
     return 0;
 }
 
-int CloseText(void *cookie) {
-    auto *stream = static_cast<TextStream *>(cookie);
+ssize_t ReadBytes(void *cookie, char *block, std::size_t size) {
+    return posix::Read(static_cast<Stream *>(cookie)->descriptor, block, size);
+}
+
+ssize_t WriteBytes(void *cookie, const char *data, std::size_t size) {
+    const bool done = posix::WriteAll(static_cast<Stream *>(cookie)->descriptor, data, size) == size;
+    return done ? static_cast<ssize_t>(size) : 0;
+}
+
+int SeekBytes(void *cookie, off64_t *offset, int whence) {
+    *offset = lseek(static_cast<Stream *>(cookie)->descriptor, static_cast<off_t>(*offset), whence);
+    return *offset < 0 ? -1 : 0;
+}
+
+int CloseStream(void *cookie) {
+    auto *stream = static_cast<Stream *>(cookie);
     Delist(stream);
     const int result = close(stream->descriptor);
     delete stream;
     return result;
 }
 
-// Flags of open for the mode, or -1 for a mode that isn't known.
-int OpenFlags(const char *mode) {
-    if (mode == nullptr || mode[0] == 0 || (mode[1] != 0 && (mode[1] != 't' || mode[2] != 0)))
-        return -1;
-    switch (mode[0]) {
-    case 'r':
-        return O_RDONLY;
-    case 'w':
-        return O_WRONLY | O_CREAT | O_TRUNC;
-    case 'a':
-        return O_WRONLY | O_CREAT | O_APPEND;
-    default:
-        return -1;
-    }
+int OpenFlags(const OpenMode &mode) {
+    int flags = mode.update ? O_RDWR : mode.letter == 'r' ? O_RDONLY : O_WRONLY;
+    if (mode.letter == 'w')
+        flags |= O_CREAT | O_TRUNC;
+    if (mode.letter == 'a')
+        flags |= O_CREAT | O_APPEND;
+    return flags;
 }
 
+int Refuse(int code) {
+    errno = code;
+    return -1;
+}
+
+// Decided by the permission bits themselves, which don't stop every user.
+bool IsReadOnly(const char *host) {
+    struct stat status;
+    return stat(host, &status) == 0 && S_ISREG(status.st_mode) && (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
+}
+
+// The reason for a failed opening, as the desktop tells it.
+int OpeningError(const char *host, int code) {
+    if (code != ENOTDIR && code != EISDIR)
+        return code;
+    struct stat status;
+    if (stat(host, &status) == 0 && S_ISDIR(status.st_mode))
+        return EACCES;
+    return host[std::strlen(host) - 1] == '/' ? EINVAL : ENOENT; // a file named as a folder, or used as one
+}
+
+// Answers a descriptor or -1.
 int OpenFile(const char *path, int flags) {
     posix::PathBuffer host;
     if (!posix::ToHost(path, host, sizeof host))
         return -1;
+    if ((flags & O_ACCMODE) != O_RDONLY && IsReadOnly(host))
+        return Refuse(EACCES);
     const int descriptor = posix::Open(host, flags, 0666);
+    if (descriptor < 0)
+        return Refuse(OpeningError(host, errno));
     struct stat status;
-    if (descriptor >= 0 && (fstat(descriptor, &status) != 0 || S_ISDIR(status.st_mode))) {
+    if (fstat(descriptor, &status) != 0 || S_ISDIR(status.st_mode)) {
         close(descriptor);
-        errno = EACCES;
-        return -1;
+        return Refuse(EACCES);
     }
     return descriptor;
 }
 
-} // namespace
+// Takes off an 0x1A that ends the file. Answers whether it did.
+bool DropEndOfText(int descriptor) {
+    struct stat status;
+    char c;
+    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0 &&
+           pread(descriptor, &c, 1, status.st_size - 1) == 1 && c == end_of_text &&
+           ftruncate(descriptor, status.st_size - 1) == 0;
+}
 
-std::FILE *backend::OpenText(const char *path, const char *mode) {
-    const int flags = OpenFlags(mode);
-    if (flags < 0) {
-        errno = EINVAL;
-        return nullptr;
-    }
-    const int descriptor = OpenFile(path, flags);
-    if (descriptor < 0)
-        return nullptr;
-    auto *stream = new (std::nothrow) TextStream;
+// Modes for the C library: never append, the descriptor sees to that.
+const char *LibraryMode(const OpenMode &mode) {
+    return mode.update ? "r+" : mode.letter == 'r' ? "r" : "w";
+}
+
+// Takes over the descriptor; closes it on failure.
+std::FILE *MakeStream(int descriptor, const OpenMode &mode, const cookie_io_functions_t &functions) {
+    auto *stream = new (std::nothrow) Stream;
     if (stream != nullptr) {
         stream->descriptor = descriptor;
-        stream->reading = flags == O_RDONLY;
-        stream->file = fopencookie(stream, stream->reading ? "r" : "w", {ReadText, WriteText, SeekText, CloseText});
+        stream->update = mode.update;
+        stream->file = fopencookie(stream, LibraryMode(mode), functions);
     }
     if (stream == nullptr || stream->file == nullptr) {
         delete stream;
@@ -241,10 +311,41 @@ std::FILE *backend::OpenText(const char *path, const char *mode) {
     return stream->file;
 }
 
+int OpenFor(const char *path, const char *mode_text, char kind, OpenMode &mode) {
+    return ParseOpenMode(mode_text, kind, mode) ? OpenFile(path, OpenFlags(mode)) : Refuse(EINVAL);
+}
+
+} // namespace
+
+std::FILE *backend::OpenText(const char *path, const char *mode_text) {
+    OpenMode mode;
+    const int descriptor = OpenFor(path, mode_text, 't', mode);
+    if (descriptor < 0)
+        return nullptr;
+    if (mode.letter == 'a' && mode.update)
+        static_cast<void>(DropEndOfText(descriptor)); // a file that can't be cut is opened as it is
+    return MakeStream(descriptor, mode, {ReadText, WriteText, SeekText, CloseStream});
+}
+
+std::FILE *backend::OpenBinary(const char *path, const char *mode_text) {
+    OpenMode mode;
+    const int descriptor = OpenFor(path, mode_text, 'b', mode);
+    if (descriptor < 0)
+        return nullptr;
+    if (mode.letter == 'a')
+        return MakeStream(descriptor, mode, {ReadBytes, WriteBytes, SeekBytes, CloseStream});
+    std::FILE *stream = fdopen(descriptor, LibraryMode(mode));
+    if (stream == nullptr)
+        close(descriptor);
+    return stream;
+}
+
 int posix::DescriptorOf(std::FILE *stream) {
+    if (stream == nullptr)
+        return -1;
     {
         const std::lock_guard guard(list_mutex);
-        for (const TextStream *open = first_stream; open != nullptr; open = open->next)
+        for (const Stream *open = first_stream; open != nullptr; open = open->next)
             if (open->file == stream)
                 return open->descriptor;
     }
@@ -252,11 +353,11 @@ int posix::DescriptorOf(std::FILE *stream) {
 }
 
 std::int64_t TellStream(std::FILE *stream) {
-    return ftello(stream);
+    return stream == nullptr ? -1 : ftello(stream);
 }
 
 bool SeekStream(std::FILE *stream, std::int64_t offset, int whence) {
-    return fseeko(stream, offset, whence) == 0;
+    return stream != nullptr && fseeko(stream, offset, whence) == 0;
 }
 
 } // namespace zr::platform

@@ -1,4 +1,4 @@
-// Text streams of the system's C runtime, which translates them itself.
+// Streams of the system's C runtime, which translates text itself.
 #include "platform/streams.h"
 
 #include <cerrno>
@@ -7,6 +7,7 @@
 #include <io.h>
 #include <sys/stat.h>
 
+#include "platform/open_mode.h"
 #include "platform/win32/windows_errors.h"
 
 namespace zr::platform {
@@ -14,41 +15,52 @@ namespace zr::platform {
 namespace {
 
 constexpr std::size_t buffer_size = 65536;
-constexpr int common_flags = _O_TEXT | _O_NOINHERIT;
+constexpr char end_of_text = 0x1A;
 
-// Flags of _open for the mode, or -1 for a mode that isn't known.
-int OpenFlags(const char *mode) {
-    if (mode == nullptr || mode[0] == 0 || (mode[1] != 0 && (mode[1] != 't' || mode[2] != 0)))
-        return -1;
-    switch (mode[0]) {
-    case 'r':
-        return common_flags | _O_RDONLY;
-    case 'w':
-        return common_flags | _O_WRONLY | _O_CREAT | _O_TRUNC;
-    case 'a':
-        return common_flags | _O_WRONLY | _O_CREAT | _O_APPEND;
-    default:
-        return -1;
-    }
+int OpenFlags(const OpenMode &mode) {
+    int flags = _O_BINARY | _O_NOINHERIT;
+    if (mode.update)
+        flags |= _O_RDWR;
+    else
+        flags |= mode.letter == 'r' ? _O_RDONLY : _O_WRONLY;
+    if (mode.letter == 'w')
+        flags |= _O_CREAT | _O_TRUNC;
+    if (mode.letter == 'a')
+        flags |= _O_CREAT | _O_APPEND;
+    return flags;
 }
 
-} // namespace
+// Takes off an 0x1A that ends the file, if that is possible; the position is then the start. `descriptor` doesn't translate.
+void DropEndOfText(int descriptor) {
+    const std::int64_t last = _lseeki64(descriptor, -1, SEEK_END);
+    char c;
+    if (last >= 0 && _read(descriptor, &c, 1) == 1 && c == end_of_text)
+        _chsize_s(descriptor, last);
+    _lseeki64(descriptor, 0, SEEK_SET);
+}
 
 // By way of a descriptor, since the mode text of fopen has no portable way to keep the file from child processes, and what a
-// mode without "t" means can be changed by the program.
-std::FILE *backend::OpenText(const char *path, const char *mode) {
-    const int flags = OpenFlags(mode);
-    if (flags < 0) {
+// mode without "t" or "b" means can be changed by the program. The descriptor begins binary: runtimes differ in which modes
+// of text make them take off a last 0x1A.
+std::FILE *OpenStream(const char *path, const char *mode_text, char kind) {
+    OpenMode mode;
+    if (!ParseOpenMode(mode_text, kind, mode)) {
         errno = EINVAL;
         return nullptr;
     }
     if (!windows::IsUsablePath(path))
         return nullptr;
-    const int descriptor = _open(path, flags, _S_IREAD | _S_IWRITE);
+    const int descriptor = _open(path, OpenFlags(mode), _S_IREAD | _S_IWRITE);
     if (descriptor < 0)
         return nullptr;
-    const char mode_text[] = {mode[0], 't', 0};
-    std::FILE *stream = _fdopen(descriptor, mode_text);
+    if (kind == 't') {
+        if (mode.letter == 'a' && mode.update)
+            DropEndOfText(descriptor);
+        _setmode(descriptor, _O_TEXT);
+    }
+    const char update = mode.update ? '+' : kind;
+    const char full_mode[] = {mode.letter, update, mode.update ? kind : '\0', 0};
+    std::FILE *stream = _fdopen(descriptor, full_mode);
     if (stream == nullptr)
         _close(descriptor);
     else
@@ -56,12 +68,22 @@ std::FILE *backend::OpenText(const char *path, const char *mode) {
     return stream;
 }
 
+} // namespace
+
+std::FILE *backend::OpenText(const char *path, const char *mode) {
+    return OpenStream(path, mode, 't');
+}
+
+std::FILE *backend::OpenBinary(const char *path, const char *mode) {
+    return OpenStream(path, mode, 'b');
+}
+
 std::int64_t TellStream(std::FILE *stream) {
-    return _ftelli64(stream);
+    return stream == nullptr ? -1 : _ftelli64(stream);
 }
 
 bool SeekStream(std::FILE *stream, std::int64_t offset, int whence) {
-    return _fseeki64(stream, offset, whence) == 0;
+    return stream != nullptr && _fseeki64(stream, offset, whence) == 0;
 }
 
 } // namespace zr::platform
