@@ -42,11 +42,13 @@ ZR_API int fio_divide(const char *path, char *drive, char *dir, char *name) ZR_N
 
 /* Writes the form in which the host knows path to out[0..size-1], terminated, and answers 1. The file need not exist.
  *
- * On Windows that is path with backslashes for slashes. On Linux "C:" is the root folder: "C:\a\b" and "\a\b" give
- * "/a/b", "C:" gives "/"; what has no leading separator, with or without "C:", stays relative to the current folder, with
- * slashes for backslashes. Another drive X: exists if the environment variable ZR_DRIVE_X names a folder, which takes its
- * place: "X:\a" and "X:a" give "$ZR_DRIVE_X/a". The case of a drive's letter doesn't matter; the bytes of names pass
- * unchanged.
+ * On Windows that is path with backslashes for slashes. On Linux "C:" is the root folder, and another drive X: exists if the
+ * environment variable ZR_DRIVE_X names a folder by an absolute path, which is then the drive's root. "C:\a\b" gives "/a/b"
+ * and "X:\a" gives "$ZR_DRIVE_X/a"; a bare "C:" gives "/", a bare "X:" the folder of the drive. "\a" lies on the current
+ * drive. "a" stays relative to the working folder, with slashes for backslashes, and so does "X:a" while X: is the current drive;
+ * on another drive it lies in the folder that was current there when the drive was left, at first its root. Elements "." and ".."
+ * are resolved in the text: "C:\a\..\b" gives "/b", whatever a is, and nothing leads above the root of a drive. The case of a
+ * drive's letter doesn't matter; the bytes of names pass unchanged, and points and blanks at the end of a name belong to it.
  *
  * Answers 0 for a null or empty path or one of more than 259 characters, a null out, a size of 0, a drive that doesn't
  * exist, and on Linux for a name on the network (two leading separators); also if the result and its terminator need

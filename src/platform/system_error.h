@@ -31,6 +31,7 @@ enum SystemError : int {
     already_exists = 183,
     path_too_long = 206,
     not_a_folder = 267,
+    cannot_resolve_name = 1921, // a ring of links
 };
 
 } // namespace zr::platform

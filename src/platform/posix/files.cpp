@@ -55,6 +55,34 @@ void FlushFolderOf(const char *host) {
     }
 }
 
+// Makes `target`, to which the link `host` leads, absolute and free of ".." as the host does it, one link after the other: in the
+// library's form ".." is a matter of the text. Only the last element need not exist.
+bool ResolveTarget(const char *host, PathBuffer &target) {
+    const char *link = std::strrchr(host, '/');
+    const std::size_t folder = target[0] == '/' || link == nullptr ? 0 : static_cast<std::size_t>(link - host) + 1;
+    PathBuffer joined;
+    if (folder + std::strlen(target) >= sizeof joined)
+        return Fail(ENAMETOOLONG);
+    std::memcpy(joined, host, folder);
+    std::strcpy(joined + folder, target);
+    char *slash = std::strrchr(joined, '/');
+    if (slash == nullptr || posix::HasDotElement(slash + 1))
+        return realpath(joined, target) != nullptr;
+    char name[path_size];
+    if (std::strlen(slash + 1) >= sizeof name)
+        return Fail(ENAMETOOLONG);
+    std::strcpy(name, slash + 1);
+    slash[1] = 0;
+    if (realpath(joined, target) == nullptr)
+        return false;
+    if (std::strlen(target) + 1 + std::strlen(name) >= sizeof target)
+        return Fail(ENAMETOOLONG);
+    if (target[1] != 0)
+        std::strcat(target, "/");
+    std::strcat(target, name);
+    return true;
+}
+
 // Replaces `path` (library's form) by the target of the link that `host` is.
 bool StepAlongLink(char (&path)[path_size], const char *host) {
     PathBuffer target;
@@ -62,6 +90,8 @@ bool StepAlongLink(char (&path)[path_size], const char *host) {
     if (length < 0)
         return false;
     target[length] = 0;
+    if (posix::HasDotElement(target))
+        return ResolveTarget(host, target) && posix::FromHost(target, path, sizeof path);
     char form[path_size];
     if (!posix::FromHost(target, form, sizeof form))
         return false;

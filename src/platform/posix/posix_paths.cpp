@@ -2,10 +2,7 @@
 #include "platform/posix/posix_paths.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
-
-#include <sys/stat.h>
 
 #include "platform/files.h"
 
@@ -23,25 +20,89 @@ bool Fail(int code, char *out) {
     return false;
 }
 
-// Upper-case letter of a drive, or 0 for what is no letter.
-char DriveLetter(char c) {
-    if (c >= 'a' && c <= 'z')
-        return static_cast<char>(c - 'a' + 'A');
-    return c >= 'A' && c <= 'Z' ? c : '\0';
+bool IsDots(const char *element, std::size_t length) {
+    return length == 1 ? element[0] == '.' : length == 2 && element[0] == '.' && element[1] == '.';
 }
 
-// The folder that ZR_DRIVE_<letter> names, or null if the drive doesn't exist.
-const char *MappedRoot(char letter) {
-    char variable[] = "ZR_DRIVE_?";
-    variable[sizeof variable - 2] = letter;
-    const char *root = std::getenv(variable);
-    struct stat status;
-    if (root == nullptr || root[0] == 0 || stat(root, &status) != 0 || !S_ISDIR(status.st_mode))
-        return nullptr;
-    return root;
+// Resolves "." and ".." in the host's path `path`. Below the first `floor` characters, which stay, a rooted rest never climbs;
+// a relative one keeps the ".." that lead out of it.
+void ResolveDots(char *path, std::size_t floor) {
+    char *const begin = path + floor;
+    const bool rooted = *begin == '/';
+    char *to = begin;
+    const char *from = begin;
+    std::size_t named = 0; // elements written that a ".." can take back
+    while (*from != 0) {
+        const char *start = from;
+        while (*start == '/')
+            ++start;
+        const std::size_t length = std::strcspn(start, "/");
+        from = start + length;
+        if (length == 0) { // separators at the end
+            if (to != begin)
+                *to++ = '/';
+        } else if (length == 2 && IsDots(start, length) && named != 0) {
+            do
+                --to;
+            while (to != begin && *to != '/');
+            --named;
+        } else if (!IsDots(start, length) || (length == 2 && !rooted)) {
+            named += IsDots(start, length) ? 0 : 1;
+            if (rooted || to != begin)
+                *to++ = '/';
+            std::memmove(to, start, length);
+            to += length;
+        }
+    }
+    if (to == begin && floor == 0)
+        *to++ = rooted ? '/' : '.';
+    *to = 0;
+}
+
+// Where the rest of a path starts: a host's folder in front of it, of which the first `floor` characters are the drive's root.
+struct Start {
+    PathBuffer folder;
+    std::size_t length = 0;
+    std::size_t floor = 0;
+};
+
+// Finds the start of `rest`, which followed a drive's letter or, for drive 0, stands alone. A start of no length is the working
+// folder for a relative rest, and the host's root for another.
+bool FindStart(int drive, const char *rest, bool dots, Start &start) {
+    if (*rest == 0 || IsSeparator(*rest)) {
+        const char *root = DriveRoot(drive != 0 ? drive : WorkingDrive());
+        if (root == nullptr)
+            return false;
+        start.length = std::strlen(root);
+        if (start.length >= sizeof start.folder)
+            return false;
+        std::memcpy(start.folder, root, start.length);
+        while (start.length != 0 && root[start.length - 1] == '/')
+            --start.length;
+        start.floor = start.length;
+        return true;
+    }
+    const int current = WorkingDrive();
+    // The host alone knows no root but its own, at which ".." must end.
+    if ((drive == 0 || drive == current) && (current == drive_c || !dots))
+        return true;
+    if (!FolderOfDrive(drive != 0 ? drive : current, start.folder, start.floor))
+        return false;
+    start.length = std::strlen(start.folder);
+    return true;
 }
 
 } // namespace
+
+bool HasDotElement(const char *path) {
+    for (const char *dot = std::strchr(path, '.'); dot != nullptr; dot = std::strchr(dot, '.')) {
+        const std::size_t length = std::strcspn(dot, "/\\");
+        if ((dot == path || IsSeparator(dot[-1])) && IsDots(dot, length))
+            return true;
+        dot += length;
+    }
+    return false;
+}
 
 bool ToHost(const char *path, char *out, std::size_t size) {
     if (path == nullptr || path[0] == 0)
@@ -51,32 +112,33 @@ bool ToHost(const char *path, char *out, std::size_t size) {
     if (IsSeparator(path[0]) && IsSeparator(path[1])) // names on the network don't exist
         return Fail(ENOENT, out);
 
-    const char *root = "";
     const char *rest = path;
+    int drive = 0;
     if (path[1] == ':') {
         rest = path + 2;
-        const char letter = DriveLetter(path[0]);
-        if (letter == 'C') {
-            root = *rest == 0 ? "/" : ""; // "C:a" is relative to the current folder, which lies on this drive
-        } else {
-            root = letter != 0 ? MappedRoot(letter) : nullptr;
-            if (root == nullptr)
-                return Fail(ENOENT, out);
-        }
+        drive = DriveNumber(path[0]);
+        if (drive == 0)
+            return Fail(ENOENT, out);
     }
-
-    const std::size_t root_length = std::strlen(root);
-    const bool mapped = root_length != 0 && *rest != 0;
-    const std::size_t slash = mapped && !IsSeparator(*rest) ? 1 : 0; // a mapped drive's current folder is its root
-    const std::size_t length = root_length + slash + std::strlen(rest);
+    const bool dots = HasDotElement(rest);
+    Start start;
+    if (!FindStart(drive, rest, dots, start))
+        return Fail(ENOENT, out);
+    if (*rest == 0 && start.length == 0)
+        rest = "/";
+    const bool join = start.length != 0 && *rest != 0 && !IsSeparator(*rest) && start.folder[start.length - 1] != '/';
+    const std::size_t length = start.length + (join ? 1 : 0) + std::strlen(rest);
     if (length >= size)
         return Fail(ENAMETOOLONG, out);
-    std::memcpy(out, root, root_length);
-    if (slash != 0)
-        out[root_length] = '/';
-    for (char *p = out + root_length + slash; *rest != 0; ++rest)
+    std::memcpy(out, start.folder, start.length);
+    char *p = out + start.length;
+    if (join)
+        *p++ = '/';
+    for (; *rest != 0; ++rest)
         *p++ = *rest == '\\' ? '/' : *rest;
-    out[length] = 0;
+    *p = 0;
+    if (dots)
+        ResolveDots(out, start.floor);
     return true;
 }
 

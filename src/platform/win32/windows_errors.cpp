@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include "platform/files.h"
+#include "platform/system_error.h"
 
 namespace zr::platform::windows {
 
@@ -52,6 +53,12 @@ bool IsUsablePath(const char *path) {
     if (path == nullptr || path[0] == 0)
         return Fail(ENOENT);
     return strnlen(path, path_size) <= path_limit || Fail(ENAMETOOLONG);
+}
+
+int PathCode(const char *path) {
+    if (path == nullptr)
+        return path_not_found;
+    return strnlen(path, path_size) <= path_limit ? done : path_too_long;
 }
 
 } // namespace zr::platform::windows

@@ -107,7 +107,7 @@ TEST_F(PosixPaths, FilesOpenThroughEveryForm) {
         c = c == '/' ? '\\' : c;
     for (const std::string &path : {std::string("D:\\file"), std::string("d:file"), "C:" + back, back,
                                     std::string("file"), std::string(".\\file"), std::string("C:file"),
-                                    std::string("D:\\..\\") + m_folder.Folder().filename().string() + "\\file"}) {
+                                    std::string("D:\\..\\file")}) {
         std::FILE *stream = OpenText(path.c_str(), "r");
         ASSERT_NE(stream, nullptr) << path;
         EXPECT_EQ(std::fgetc(stream), 'c');
