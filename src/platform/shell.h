@@ -2,14 +2,21 @@
 #ifndef ZR_PLATFORM_SHELL_H
 #define ZR_PLATFORM_SHELL_H
 
+#include <cstddef>
+
 #include <zrclb/types.h>
 
 #include "platform/system_error.h"
 
 namespace zr::platform {
 
-// Makes the folder `path`, an absolute path in the library's form, and all that is missing above it. A code of system_error.h: 0;
-// already_exists or file_exists if something bears that name already; bad_path_name for a relative or empty path; path_too_long.
+// Characters that the path of a folder to be made may have: a name of the old short kind must still fit behind it.
+inline constexpr std::size_t longest_folder = 247;
+
+// Makes the folder `path` and all that is missing above it. `path` begins with a backslash or a drive, and has backslashes between the
+// folders that are missing: a slash separates only what exists already. A code of system_error.h: 0; already_exists or file_exists
+// if something bears that name already; path_not_found if a file or a missing drive stands in the way; bad_path_name for a
+// relative, empty or null path; path_too_long above `longest_folder`. What was made before a failure stays.
 int CreateMissingFolders(const char *path);
 
 enum class GroupVerb {
