@@ -25,11 +25,11 @@ public:
     bool Match(std::string_view name) const;
 
 private:
+    // Matches nothing, everything, or one has to look.
     enum class Kind {
         none,
         all,
-        plain,
-        full
+        some
     };
 
     std::string_view m_pattern; // without the points and blanks at its end
