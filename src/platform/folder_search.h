@@ -12,7 +12,7 @@ namespace zr::platform {
 
 struct FoundEntry {
     char name[path_size];     // without its folder, as it is on disk; names of 260 bytes and more are not delivered
-    std::uint32_t attributes; // bits of file_verbs.h; a link that leads nowhere has no folder bit
+    std::uint32_t attributes; // bits of file_verbs.h; on Linux a link that leads nowhere has no folder bit
     std::uint64_t size;       // bytes; 0 for a folder
     std::int64_t modified;    // seconds since 1970 UTC; -1 unknown
 };

@@ -142,6 +142,24 @@ bool ToHost(const char *path, char *out, std::size_t size) {
     return true;
 }
 
+bool ToAbsoluteHost(const char *path, PathBuffer &out, std::size_t &root_length) {
+    PathBuffer host;
+    Start start;
+    if (!ToHost(path, host, sizeof host) || !FolderOfDrive(DriveOf(path), start.folder, root_length))
+        return false;
+    const std::size_t folder = host[0] == '/' ? 0 : std::strlen(start.folder);
+    const std::size_t length = std::strlen(host);
+    if (folder + 1 + length >= sizeof out)
+        return Fail(ENAMETOOLONG, out);
+    std::memcpy(out, start.folder, folder);
+    out[folder] = '/';
+    std::strcpy(out + (folder != 0 ? folder + 1 : 0), host);
+    ResolveDots(out, root_length);
+    for (std::size_t end = std::strlen(out); end > root_length && out[end - 1] == '/'; --end)
+        out[end - 1] = 0;
+    return true;
+}
+
 bool FromHost(const char *path, char *out, std::size_t size) {
     const std::size_t drive = path[0] == '/' ? 2 : 0;
     const std::size_t length = drive + std::strlen(path);

@@ -9,6 +9,7 @@
 #include <windows.h>
 
 #include "platform/win32/windows_errors.h"
+#include "platform/win32/windows_time.h"
 
 namespace zr::platform {
 
@@ -17,6 +18,8 @@ namespace {
 using windows::Fail;
 using windows::FailWithLastError;
 using windows::IsUsablePath;
+using windows::Join;
+using windows::UnixTime;
 
 constexpr DWORD share_all = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr DWORD copied_attributes = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
@@ -41,18 +44,6 @@ public:
 private:
     HANDLE m_handle;
 };
-
-std::uint64_t Join(DWORD high, DWORD low) {
-    return static_cast<std::uint64_t>(high) << 32 | low;
-}
-
-// From 100 nanoseconds since 1601 to seconds since 1970.
-std::int64_t UnixTime(const FILETIME &time) {
-    constexpr std::int64_t ticks_per_second = 10000000;
-    constexpr std::int64_t seconds_1601_to_1970 = 11644473600;
-    return static_cast<std::int64_t>(Join(time.dwHighDateTime, time.dwLowDateTime)) / ticks_per_second -
-           seconds_1601_to_1970;
-}
 
 bool IsBareDrive(const char *path) {
     return path[1] == ':' && path[2] == 0;
