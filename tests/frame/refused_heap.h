@@ -1,0 +1,54 @@
+// Lets heap_malloc and heap_calloc fail, for the library's own calls too. The build leads the calls of a program whose test
+// source includes this here; one source of a program only.
+#ifndef TESTS_FRAME_REFUSED_HEAP_H
+#define TESTS_FRAME_REFUSED_HEAP_H
+
+extern "C" void *__real_heap_malloc(unsigned int size) noexcept;
+extern "C" void *__real_heap_calloc(unsigned int count, unsigned int size) noexcept;
+
+namespace zr::test {
+
+// While it lives, the allocation that comes after so many others fails, and with `lasting` all behind it. One at a time.
+class HeapRefusal {
+public:
+    explicit HeapRefusal(int others, bool lasting = false) {
+        s_left = others;
+        s_lasting = lasting;
+        s_met = false;
+    }
+    HeapRefusal(const HeapRefusal &) = delete;
+    HeapRefusal &operator=(const HeapRefusal &) = delete;
+    ~HeapRefusal() { s_left = -1; }
+
+    bool Met() const { return s_met; } // an allocation failed
+
+    static bool Refuses() {
+        if (s_left < 0)
+            return false;
+        if (s_left > 0) {
+            --s_left;
+            return false;
+        }
+        s_met = true;
+        if (!s_lasting)
+            s_left = -1;
+        return true;
+    }
+
+private:
+    static inline int s_left = -1;
+    static inline bool s_lasting = false;
+    static inline bool s_met = false;
+};
+
+} // namespace zr::test
+
+extern "C" void *__wrap_heap_malloc(unsigned int size) noexcept {
+    return zr::test::HeapRefusal::Refuses() ? nullptr : __real_heap_malloc(size);
+}
+
+extern "C" void *__wrap_heap_calloc(unsigned int count, unsigned int size) noexcept {
+    return zr::test::HeapRefusal::Refuses() ? nullptr : __real_heap_calloc(count, size);
+}
+
+#endif
