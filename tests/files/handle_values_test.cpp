@@ -1,0 +1,287 @@
+// File handles: typed values, their bytes, and what is refused.
+#include <zrclb/file_handle.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "files/handle_fixture.h"
+
+namespace {
+
+class HandleValues : public HandleFixture {
+protected:
+    // A new file, binary without header, with this byte order set by hand.
+    fio_handle *NewFile(int byte_order, int mode = FIO_WRITE | FIO_UPDATE) const {
+        fio_handle *handle = Open("file", mode);
+        if (handle != nullptr)
+            handle->byte_order = byte_order;
+        return handle;
+    }
+};
+
+constexpr const char *no_other_order = "HPUX/AIX - not yet implemented";
+
+TEST_F(HandleValues, EachLiesInTheFileWithItsLowestByteFirst) {
+    fio_handle *handle = NewFile(0);
+    EXPECT_EQ(fio_putchar(handle, '\xFE'), 0);
+    EXPECT_EQ(fio_putshort(handle, -2), 0);
+    EXPECT_EQ(fio_putlong(handle, 0x01020304), 0);
+    EXPECT_EQ(fio_putfloat(handle, 1.5F), 0);
+    EXPECT_EQ(fio_putdouble(handle, -2.0), 0);
+    const std::string bytes("\xFE"
+                            "\xFE\xFF"
+                            "\x04\x03\x02\x01"
+                            "\0\0\xC0\x3F"
+                            "\0\0\0\0\0\0\0\xC0",
+                            19);
+    EXPECT_EQ(CloseAndRead(handle, "file"), bytes);
+
+    handle = OpenBytes(bytes);
+    char a_char = 0;
+    short a_short = 0;
+    zr_long a_long = 0;
+    float a_float = 0;
+    double a_double = 0;
+    EXPECT_EQ(fio_getchar(handle, &a_char), 0);
+    EXPECT_EQ(fio_getshort(handle, &a_short), 0);
+    EXPECT_EQ(fio_getlong(handle, &a_long), 0);
+    EXPECT_EQ(fio_getfloat(handle, &a_float), 0);
+    EXPECT_EQ(fio_getdouble(handle, &a_double), 0);
+    EXPECT_EQ(a_char, '\xFE');
+    EXPECT_EQ(a_short, -2);
+    EXPECT_EQ(a_long, 0x01020304);
+    EXPECT_EQ(a_float, 1.5F);
+    EXPECT_EQ(a_double, -2.0);
+    EXPECT_EQ(fio_getchar(handle, nullptr), -1);
+    EXPECT_EQ(fio_close(handle), 0);
+}
+
+TEST_F(HandleValues, ExtremesComeBackBitForBit) {
+    const double doubles[] = {0.0,
+                              -0.0,
+                              std::numeric_limits<double>::max(),
+                              std::numeric_limits<double>::denorm_min(),
+                              std::numeric_limits<double>::infinity(),
+                              -std::numeric_limits<double>::infinity()};
+    const zr_long longs[] = {0, -1, 2147483647, -2147483647 - 1};
+    fio_handle *handle = NewFile(0);
+    for (double value : doubles)
+        EXPECT_EQ(fio_putdouble(handle, value), 0);
+    EXPECT_EQ(fio_putdouble(handle, std::nan("")), 0);
+    for (zr_long value : longs)
+        EXPECT_EQ(fio_putlong(handle, value), 0);
+    EXPECT_EQ(fio_seek(handle, 0, 0), 0);
+    double a_double = 1;
+    for (double value : doubles) {
+        EXPECT_EQ(fio_getdouble(handle, &a_double), 0);
+        EXPECT_EQ(std::memcmp(&a_double, &value, sizeof value), 0) << value;
+    }
+    EXPECT_EQ(fio_getdouble(handle, &a_double), 0);
+    EXPECT_TRUE(std::isnan(a_double));
+    zr_long a_long = 1;
+    for (zr_long value : longs) {
+        EXPECT_EQ(fio_getlong(handle, &a_long), 0);
+        EXPECT_EQ(a_long, value);
+    }
+    EXPECT_EQ(fio_close(handle), 0);
+}
+
+TEST_F(HandleValues, LongsAndDoublesOfTheOtherOrderAreReversedWhenRead) {
+    fio_handle *handle =
+        OpenBytes(foreign_header + std::string("\x01\x02\x03\x04\xC0\0\0\0\0\0\0\0\x01\x02\x03\x04", 16),
+                  FIO_READ | FIO_BYTEORDER);
+    zr_long a_long = 0;
+    double a_double = 0;
+    EXPECT_EQ(fio_getlong(handle, &a_long), 0);
+    EXPECT_EQ(a_long, 0x01020304);
+    EXPECT_EQ(fio_getdouble(handle, &a_double), 0);
+    EXPECT_EQ(a_double, -2.0);
+    EXPECT_EQ(m_reports.Take(), Reports{});
+    short a_short = 7;
+    float a_float = 7;
+    EXPECT_EQ(fio_getshort(handle, &a_short), -1);
+    EXPECT_EQ(m_reports.Take(), Refusal(no_other_order));
+    EXPECT_EQ(fio_getfloat(handle, &a_float), -1);
+    EXPECT_EQ(m_reports.Take(), Refusal(no_other_order));
+    EXPECT_EQ(a_short, 7);
+    EXPECT_EQ(a_float, 7);
+    EXPECT_EQ(fio_tell(handle), 16 + 12) << "refused without reading";
+    EXPECT_EQ(fio_getchar(handle, nullptr), 1) << "single bytes have no order";
+    EXPECT_EQ(fio_close(handle), 0);
+}
+
+TEST_F(HandleValues, FileWithoutTheWantedHeaderHasLongsAndDoublesOnly) {
+    fio_handle *handle = OpenBytes(std::string("\x04\x03\x02\x01\0\0\0\0\0\0\0\xC0\x07", 13), FIO_READ | FIO_BYTEORDER);
+    ASSERT_NE(handle, nullptr);
+    EXPECT_EQ(handle->byte_order, -1);
+    EXPECT_EQ(fio_tell(handle), 0);
+    zr_long a_long = 0;
+    double a_double = 0;
+    short a_short = 7;
+    float a_float = 7;
+    EXPECT_EQ(fio_getlong(handle, &a_long), 0);
+    EXPECT_EQ(a_long, 0x01020304);
+    EXPECT_EQ(fio_getdouble(handle, &a_double), 0);
+    EXPECT_EQ(a_double, -2.0);
+    EXPECT_EQ(m_reports.Take(), Reports{});
+    EXPECT_EQ(fio_getshort(handle, &a_short), -1);
+    EXPECT_EQ(m_reports.Take(), Refusal(no_other_order));
+    EXPECT_EQ(fio_getfloat(handle, &a_float), -1);
+    EXPECT_EQ(m_reports.Take(), Refusal(no_other_order));
+    EXPECT_EQ(fio_getchar(handle, nullptr), 7);
+    EXPECT_EQ(fio_close(handle), 0);
+}
+
+TEST_F(HandleValues, UpdatedFileOfTheOtherOrderTakesValuesAsTheyAre) {
+    fio_handle *handle = OpenBytes(foreign_header, FIO_READ | FIO_UPDATE | FIO_BYTEORDER);
+    ASSERT_EQ(handle->byte_order, 1);
+    EXPECT_EQ(fio_putlong(handle, 0x01020304), 0);
+    EXPECT_EQ(fio_putdouble(handle, -2.0), 0);
+    EXPECT_EQ(m_reports.Take(), Reports{});
+    EXPECT_EQ(fio_putshort(handle, 1), -1);
+    EXPECT_EQ(fio_putfloat(handle, 1), -1);
+    EXPECT_EQ(m_reports.Take(),
+              (Reports{zr::test::Error("Fio", no_other_order), zr::test::Error("Fio", no_other_order)}));
+    EXPECT_EQ(CloseAndRead(handle, "bytes"), foreign_header + std::string("\x04\x03\x02\x01\0\0\0\0\0\0\0\xC0", 12));
+}
+
+TEST_F(HandleValues, AppendModeRefusesLongsAndDoublesOfAnyOtherOrder) {
+    for (int order : {1, -1, 5}) {
+        fio_handle *handle = NewFile(order, FIO_APPEND);
+        EXPECT_EQ(fio_putdouble(handle, 1), -1);
+        EXPECT_EQ(m_reports.Take(), Refusal("fio_putdouble: not yet implemented in append-mode"));
+        EXPECT_EQ(fio_putlong(handle, 1), -1);
+        EXPECT_EQ(m_reports.Take(), Refusal("fio_putlong: not yet implemented in append-mode"));
+        EXPECT_EQ(fio_putfloat(handle, 1), -1);
+        EXPECT_EQ(m_reports.Take(), Refusal(no_other_order));
+        EXPECT_EQ(fio_putshort(handle, 1), -1);
+        EXPECT_EQ(m_reports.Take(), Refusal(no_other_order));
+        EXPECT_EQ(CloseAndRead(handle, "file"), "");
+    }
+    fio_handle *handle = NewFile(0, FIO_APPEND);
+    EXPECT_EQ(fio_putlong(handle, 1), 0);
+    EXPECT_EQ(fio_putdouble(handle, 0), 0);
+    EXPECT_EQ(CloseAndRead(handle, "file").size(), 12u);
+    EXPECT_EQ(m_reports.Take(), Reports{});
+}
+
+TEST_F(HandleValues, TextModeRefusesLongsAndDoublesInSilence) {
+    for (int order : {0, 1, -1, 5}) {
+        fio_handle *handle = NewFile(order, FIO_WRITE | FIO_TEXT);
+        EXPECT_EQ(fio_putdouble(handle, 1), -1);
+        EXPECT_EQ(fio_putlong(handle, 1), -1);
+        EXPECT_EQ(CloseAndRead(handle, "file"), "");
+        handle = NewFile(order, FIO_APPEND | FIO_TEXT);
+        EXPECT_EQ(fio_putdouble(handle, 1), -1);
+        EXPECT_EQ(fio_putlong(handle, 1), -1);
+        EXPECT_EQ(CloseAndRead(handle, "file"), "");
+        handle = OpenBytes("01234567", FIO_READ | FIO_TEXT | FIO_BYTEORDER);
+        handle->byte_order = order;
+        double a_double = 7;
+        zr_long a_long = 7;
+        EXPECT_EQ(fio_getdouble(handle, &a_double), -1);
+        EXPECT_EQ(fio_getlong(handle, &a_long), -1);
+        EXPECT_EQ(a_double, 7);
+        EXPECT_EQ(a_long, 7);
+        EXPECT_EQ(fio_getchar(handle, nullptr), '0') << "nothing was read";
+        EXPECT_EQ(fio_close(handle), 0);
+    }
+    EXPECT_EQ(m_reports.Take(), Reports{});
+}
+
+TEST_F(HandleValues, TextModeTakesFloatsAndShorts) {
+    fio_handle *handle = NewFile(0, FIO_WRITE | FIO_TEXT);
+    EXPECT_EQ(fio_putfloat(handle, 1.5F), 0);
+    EXPECT_EQ(fio_putshort(handle, 0x0A41), 0) << "with a byte that is a line end there";
+    EXPECT_EQ(CloseAndRead(handle, "file"), std::string("\0\0\xC0\x3F\x41\x0D\x0A", 7));
+    handle = Open("file", FIO_READ | FIO_TEXT);
+    float a_float = 0;
+    short a_short = 0;
+    EXPECT_EQ(fio_getfloat(handle, &a_float), 0);
+    EXPECT_EQ(fio_getshort(handle, &a_short), 0);
+    EXPECT_EQ(a_float, 1.5F);
+    EXPECT_EQ(a_short, 0x0A41);
+    EXPECT_EQ(fio_close(handle), 0);
+    handle = NewFile(-1, FIO_WRITE | FIO_TEXT);
+    EXPECT_EQ(fio_putfloat(handle, 1), -1);
+    EXPECT_EQ(fio_putshort(handle, 1), -1);
+    EXPECT_EQ(m_reports.Take(),
+              (Reports{zr::test::Error("Fio", no_other_order), zr::test::Error("Fio", no_other_order)}));
+    EXPECT_EQ(fio_close(handle), 0);
+}
+
+TEST_F(HandleValues, UnknownOrderIsReportedAndTheReadFails) {
+    for (int order : {2, -2, 2147483647}) {
+        fio_handle *handle = OpenBytes(std::string(12, '\1'));
+        handle->byte_order = order;
+        double a_double = 7;
+        zr_long a_long = 7;
+        EXPECT_EQ(fio_getdouble(handle, &a_double), -1);
+        EXPECT_EQ(m_reports.Take(), Refusal("file system undefined"));
+        EXPECT_EQ(fio_tell(handle), 8);
+        EXPECT_EQ(fio_getlong(handle, &a_long), -1);
+        EXPECT_EQ(m_reports.Take(), Refusal("file system undefined"));
+        EXPECT_EQ(a_double, 7);
+        EXPECT_EQ(a_long, 7);
+        EXPECT_EQ(fio_close(handle), 0);
+    }
+}
+
+TEST_F(HandleValues, ValueCutByTheEndOfTheFileIsNoneAndLeavesTheTargetAlone) {
+    for (int order : {0, -1, 1}) {
+        for (std::size_t length = 0; length < 8; ++length) {
+            fio_handle *handle = OpenBytes(std::string(length, '\1'));
+            handle->byte_order = order;
+            double a_double = 7;
+            EXPECT_EQ(fio_getdouble(handle, &a_double), -1);
+            EXPECT_EQ(a_double, 7);
+            if (length < 4) {
+                zr_long a_long = 7;
+                EXPECT_EQ(fio_seek(handle, 0, 0), 0);
+                EXPECT_EQ(fio_getlong(handle, &a_long), -1);
+                EXPECT_EQ(a_long, 7);
+            }
+            EXPECT_EQ(fio_close(handle), 0);
+        }
+    }
+    fio_handle *handle = OpenBytes("\1");
+    float a_float = 7;
+    short a_short = 7;
+    EXPECT_EQ(fio_getshort(handle, &a_short), -1);
+    EXPECT_EQ(fio_getfloat(handle, &a_float), -1);
+    EXPECT_EQ(a_short, 7);
+    EXPECT_EQ(a_float, 7);
+    EXPECT_EQ(fio_close(handle), 0);
+    EXPECT_EQ(m_reports.Take(), Reports{});
+}
+
+TEST_F(HandleValues, NullTargetFailsWithoutReading) {
+    fio_handle *handle = OpenBytes("01234567");
+    EXPECT_EQ(fio_getdouble(handle, nullptr), -1);
+    EXPECT_EQ(fio_getlong(handle, nullptr), -1);
+    EXPECT_EQ(fio_getfloat(handle, nullptr), -1);
+    EXPECT_EQ(fio_getshort(handle, nullptr), -1);
+    EXPECT_EQ(fio_tell(handle), 0);
+    EXPECT_EQ(fio_close(handle), 0);
+}
+
+TEST_F(HandleValues, SingleByteIsGivenAsNumberOrStored) {
+    fio_handle *handle = OpenBytes(std::string("\xFF\0x\x80", 4));
+    char value = 'v';
+    EXPECT_EQ(fio_getchar(handle, nullptr), 255);
+    EXPECT_EQ(fio_getchar(handle, nullptr), 0);
+    EXPECT_EQ(fio_getchar(handle, &value), 0);
+    EXPECT_EQ(value, 'x');
+    EXPECT_EQ(fio_getchar(handle, &value), 0);
+    EXPECT_EQ(value, '\x80');
+    EXPECT_EQ(fio_getchar(handle, nullptr), -1);
+    EXPECT_EQ(fio_getchar(handle, &value), -1);
+    EXPECT_EQ(value, '\xFF') << "the low byte of -1";
+    EXPECT_EQ(fio_close(handle), 0);
+}
+
+} // namespace

@@ -1,0 +1,23 @@
+// Streams without a position or without a descriptor.
+#ifndef TESTS_PLATFORM_POSIX_ODD_STREAMS_H
+#define TESTS_PLATFORM_POSIX_ODD_STREAMS_H
+
+#include <cstdio>
+
+#include <unistd.h>
+
+// The reading end of a pipe on which nobody writes any more; null on failure.
+inline std::FILE *StreamWithoutPosition() {
+    int ends[2];
+    if (pipe(ends) != 0)
+        return nullptr;
+    close(ends[1]);
+    return fdopen(ends[0], "rb");
+}
+
+// Closes the descriptor below a stream.
+inline void LoseDescriptor(std::FILE *stream) {
+    close(fileno(stream));
+}
+
+#endif

@@ -1,0 +1,24 @@
+// Streams without a position or without a descriptor.
+#ifndef TESTS_PLATFORM_WIN32_ODD_STREAMS_H
+#define TESTS_PLATFORM_WIN32_ODD_STREAMS_H
+
+#include <cstdio>
+
+#include <fcntl.h>
+#include <io.h>
+
+// The reading end of a pipe on which nobody writes any more; null on failure.
+inline std::FILE *StreamWithoutPosition() {
+    int ends[2];
+    if (_pipe(ends, 512, _O_BINARY) != 0)
+        return nullptr;
+    _close(ends[1]);
+    return _fdopen(ends[0], "rb");
+}
+
+// Closes the descriptor below a stream.
+inline void LoseDescriptor(std::FILE *stream) {
+    _close(_fileno(stream));
+}
+
+#endif
