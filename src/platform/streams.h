@@ -23,8 +23,8 @@ namespace zr::platform {
 // ends there until the stream is positioned anew. (Wine's runtime forgets this when the next 64 KB are fetched; callers that
 // read block by block stop at feof.)
 // Between reading and writing the stream must be positioned (fseek, SeekStream, rewind); from writing to reading a flush does
-// as well, and from reading to writing the end of the file. Without that the desktop refuses the second call, and on Linux it goes
-// on at the place of the first; memory and the rest of the file are safe either way.
+// as well, and from reading to writing the end of the file. Without that the desktop loses bytes or puts them elsewhere; on Linux
+// the second call goes on at the place of the first. Memory is safe either way.
 // The buffer holds 64 KB. A write that fails (a full disk) shows in ferror, in fflush and in fclose.
 //
 // Null: no such file or folder, a folder (EACCES), a file that is read-only by attribute opened for writing (EACCES), no
@@ -48,7 +48,7 @@ std::int64_t TellStream(std::FILE *stream);
 // As fseek, with 64 bits: writes what is unwritten, forgets that an end was met and goes to `offset` bytes from the start
 // (SEEK_SET), the present position (SEEK_CUR) or the end (SEEK_END). Text streams take any number of bytes of the file, those of
 // TellStream above all; a place between CR and LF is one. Behind the end: true, and a write there fills the gap with zeros.
-// False: before the start (the position stays), a null stream, an unknown `whence`, an unwritten rest that can't be written.
+// False: before the start (the position then stays, unless counted from the end), a null stream, an unknown `whence`, an unwritten rest that can't be written.
 bool SeekStream(std::FILE *stream, std::int64_t offset, int whence);
 
 } // namespace zr::platform

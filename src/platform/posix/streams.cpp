@@ -157,11 +157,16 @@ bool HasUnwritten(const std::FILE &file) {
     return file._IO_write_ptr > file._IO_write_base;
 }
 
+// While the FILE is read there is no room to write; the first byte written makes some.
+bool IsWriting(const std::FILE &file) {
+    return file._IO_write_end > file._IO_write_base || HasUnwritten(file);
+}
+
 // Line ends among the bytes between the caller's place and the file's offset that were read and not taken. Those that the
 // caller wrote over are in the copy.
 off_t UnreadLineFeeds(const Stream &stream) {
     const std::FILE &file = *stream.file;
-    if (!HasUnwritten(file))
+    if (!IsWriting(file))
         return LineFeeds(file._IO_read_ptr, file._IO_read_end);
     const auto end = static_cast<std::size_t>(file._IO_read_end - file._IO_buf_base);
     if (file._IO_write_base >= file._IO_read_end || end > stream.copied)

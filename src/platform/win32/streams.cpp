@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <io.h>
 #include <sys/stat.h>
+#include <windows.h>
 
 #include "platform/open_mode.h"
 #include "platform/win32/windows_errors.h"
@@ -30,6 +31,12 @@ int OpenFlags(const OpenMode &mode) {
     return flags;
 }
 
+// The system decides so by itself, unless the user may do everything.
+bool IsReadOnly(const char *path) {
+    const DWORD attributes = GetFileAttributesA(path);
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
 // Takes off an 0x1A that ends the file, if that is possible; the position is then the start. `descriptor` doesn't translate.
 void DropEndOfText(int descriptor) {
     const std::int64_t last = _lseeki64(descriptor, -1, SEEK_END);
@@ -50,6 +57,10 @@ std::FILE *OpenStream(const char *path, const char *mode_text, char kind) {
     }
     if (!windows::IsUsablePath(path))
         return nullptr;
+    if ((mode.letter != 'r' || mode.update) && IsReadOnly(path)) {
+        errno = EACCES;
+        return nullptr;
+    }
     const int descriptor = _open(path, OpenFlags(mode), _S_IREAD | _S_IWRITE);
     if (descriptor < 0)
         return nullptr;
@@ -82,8 +93,13 @@ std::int64_t TellStream(std::FILE *stream) {
     return stream == nullptr ? -1 : _ftelli64(stream);
 }
 
+// The runtime empties its buffer before it finds out that a place is before the start, and then stands elsewhere. A place
+// counted from the end is left to it all the same: where that is depends on what is unwritten.
 bool SeekStream(std::FILE *stream, std::int64_t offset, int whence) {
-    return stream != nullptr && _fseeki64(stream, offset, whence) == 0;
+    const std::int64_t origin = whence == SEEK_CUR ? TellStream(stream) : 0;
+    if (stream == nullptr || (whence != SEEK_END && offset < 0 && origin + offset < 0))
+        return windows::Fail(EINVAL);
+    return _fseeki64(stream, offset, whence) == 0;
 }
 
 } // namespace zr::platform
