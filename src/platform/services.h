@@ -27,6 +27,8 @@ int ShowMessageBox(zr_window owner, const char *text, const char *caption, unsig
 zr_window FocusWindow();
 void DebugOutput(const char *text);
 std::int64_t Now();
+std::int64_t NowMilliseconds();
+int SimpleSound();
 std::size_t TempFolder(char *out, std::size_t size);
 unsigned TempFileName(const char *folder, const char *prefix, unsigned unique, char *out);
 std::uint32_t TickCount();
@@ -42,6 +44,8 @@ struct Services {
     zr_window (*focus_window)() = backend::FocusWindow;
     void (*debug_output)(const char *text) = backend::DebugOutput;
     std::int64_t (*now)() = backend::Now;
+    std::int64_t (*now_milliseconds)() = backend::NowMilliseconds;
+    int (*simple_sound)() = backend::SimpleSound;
     std::size_t (*temp_folder)(char *out, std::size_t size) = backend::TempFolder;
     unsigned (*temp_file_name)(const char *folder, const char *prefix, unsigned unique,
                                char *out) = backend::TempFileName;

@@ -1,9 +1,10 @@
-// Calendar and time texts, in whatever zone the test runs.
+// Calendar, time texts and the way back, in whatever zone the test runs.
 #include "platform/clock.h"
 
 #include <chrono>
 #include <cstdint>
 #include <cstring>
+#include <ctime>
 #include <limits>
 #include <string>
 
@@ -95,6 +96,94 @@ TEST(Clock, TableRowsThatFailFailInEveryZone) {
             ++checked;
         }
     EXPECT_EQ(checked, 8);
+}
+
+std::tm FieldsOf(const Calendar &c) {
+    std::tm fields{};
+    fields.tm_sec = c.second;
+    fields.tm_min = c.minute;
+    fields.tm_hour = c.hour;
+    fields.tm_mday = c.day;
+    fields.tm_mon = c.month - 1;
+    fields.tm_year = c.year - 1900;
+    return fields;
+}
+
+// One time or the other where clocks are put back: an hour apart at most.
+TEST(Clock, LocalFieldsLeadBackToTheTime) {
+    for (std::int64_t time = 200000; time < last_time - 200000; time += 86400 * 97 + 3607) {
+        Calendar c{};
+        ASSERT_TRUE(LocalCalendar(time, c));
+        std::tm fields = FieldsOf(c);
+        const std::int64_t back = TimeOfLocal(fields);
+        ASSERT_LE(std::abs(back - time), 3600) << time;
+        ASSERT_EQ(fields.tm_wday, c.week_day);
+        ASSERT_EQ(fields.tm_yday, c.year_day);
+        ASSERT_EQ(fields.tm_hour, c.hour);
+    }
+}
+
+TEST(Clock, FieldsBeyondTheirRangeCarryOver) {
+    Calendar c{};
+    ASSERT_TRUE(LocalCalendar(1000000000, c));
+    const std::tm regular = FieldsOf(c);
+    std::tm fields = regular;
+    fields.tm_mon += 12;
+    fields.tm_year -= 1;
+    fields.tm_hour += 48;
+    fields.tm_mday -= 2;
+    fields.tm_min -= 120;
+    fields.tm_sec += 7200;
+    EXPECT_EQ(TimeOfLocal(fields), 1000000000);
+    EXPECT_EQ(fields.tm_mon, regular.tm_mon);
+    EXPECT_EQ(fields.tm_year, regular.tm_year);
+    EXPECT_EQ(fields.tm_mday, regular.tm_mday);
+}
+
+TEST(Clock, FieldsOutsideTheRangeHaveNoTime) {
+    constexpr int most = std::numeric_limits<int>::max();
+    constexpr int least = std::numeric_limits<int>::min();
+    for (const int year : {69, 0, -1900, 1101, 2013, most, least}) {
+        std::tm fields{};
+        fields.tm_mday = 1;
+        fields.tm_year = year;
+        EXPECT_EQ(TimeOfLocal(fields), -1) << year;
+        EXPECT_EQ(fields.tm_year, year);
+    }
+    std::tm fields{};
+    fields.tm_mday = 1;
+    fields.tm_mon = -1;
+    fields.tm_year = 70;
+    EXPECT_EQ(TimeOfLocal(fields), -1);
+    std::tm far{};
+    far.tm_mday = far.tm_hour = far.tm_min = far.tm_sec = most;
+    far.tm_year = 1100;
+    EXPECT_EQ(TimeOfLocal(far), -1);
+}
+
+TEST(Clock, MillisecondsBelongToTheSeconds) {
+    const std::int64_t before = Now();
+    const std::int64_t milliseconds = NowMilliseconds();
+    EXPECT_LE(before, milliseconds / 1000);
+    EXPECT_LE(milliseconds / 1000, Now());
+}
+
+// The texts are the user's; that they hold the date and the time is all that can be said of them here.
+TEST(Clock, UsersTextsHoldDateAndTime) {
+    Calendar c{};
+    ASSERT_TRUE(LocalCalendar(1000000000, c));
+    char text[80];
+    for (const bool long_form : {false, true}) {
+        ASSERT_TRUE(UserDateText(c, long_form, text));
+        EXPECT_NE(std::string(text).find(std::to_string(c.year % 100)), std::string::npos) << text;
+    }
+    ASSERT_TRUE(UserTimeText(c, true, text));
+    EXPECT_NE(std::string(text).find(":" + std::to_string(c.minute) + ":" + std::to_string(c.second)),
+              std::string::npos)
+        << text;
+    ASSERT_TRUE(UserTimeText(c, false, text));
+    EXPECT_NE(std::string(text).find(":" + std::to_string(c.minute)), std::string::npos) << text;
+    EXPECT_EQ(std::string(text).find(":" + std::to_string(c.second)), std::string::npos) << text;
 }
 
 } // namespace

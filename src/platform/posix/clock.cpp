@@ -1,12 +1,71 @@
-// Time of day and calendar.
+// Time of day, calendar, texts and waiting.
 #include "platform/clock.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
 #include <ctime>
+
+#include "platform/date_text.h"
 
 namespace zr::platform {
 
+namespace {
+
+constexpr std::int64_t day_seconds = 86400;
+
+// What the clocks are ahead of UTC at a time, in seconds.
+std::int64_t OffsetAt(std::int64_t time) {
+    Calendar c{};
+    const std::int64_t inside = std::clamp(time, first_time, last_time);
+    if (!LocalCalendar(inside, c))
+        return 0;
+    return DayNumber(c.year, c.month, c.day) * day_seconds + c.hour * 3600 + c.minute * 60 + c.second - inside;
+}
+
+// The time at which the clocks show what would be `shown` in UTC.
+std::int64_t TimeShown(std::int64_t shown) {
+    const std::int64_t after = OffsetAt(shown + day_seconds);
+    const std::int64_t before = OffsetAt(shown - day_seconds);
+    const bool is_before = OffsetAt(shown - after) != after && OffsetAt(shown - before) == before;
+    return shown - (is_before ? before : after);
+}
+
+// `shown`, a time as UTC, as the fields that stand for it.
+void SetFields(std::int64_t shown, bool summer, std::tm &fields) {
+    const std::int64_t day = shown >= 0 ? shown / day_seconds : -((-shown + day_seconds - 1) / day_seconds);
+    const auto second = static_cast<int>(shown - day * day_seconds);
+    const Date date = DateOfDay(day);
+    fields.tm_sec = second % 60;
+    fields.tm_min = second / 60 % 60;
+    fields.tm_hour = second / 3600;
+    fields.tm_mday = date.day;
+    fields.tm_mon = date.month - 1;
+    fields.tm_year = date.year - 1900;
+    fields.tm_wday = WeekDay(day);
+    fields.tm_yday = static_cast<int>(day - DayNumber(date.year, 1, 1));
+    fields.tm_isdst = summer ? 1 : 0;
+}
+
+DateForm UserDateForm() {
+    for (const char *name : {"LC_ALL", "LC_TIME", "LANG"}) {
+        const char *locale = std::getenv(name);
+        if (locale != nullptr && *locale != '\0')
+            return DateFormOf(locale);
+    }
+    return DateForm::iso;
+}
+
+} // namespace
+
 std::int64_t backend::Now() {
     return std::time(nullptr);
+}
+
+std::int64_t backend::NowMilliseconds() {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
 }
 
 bool LocalCalendar(std::int64_t time, Calendar &out) {
@@ -20,6 +79,44 @@ bool LocalCalendar(std::int64_t time, Calendar &out) {
     out = {fields.tm_sec,         fields.tm_min,  fields.tm_hour, fields.tm_mday,     fields.tm_mon + 1,
            fields.tm_year + 1900, fields.tm_wday, fields.tm_yday, fields.tm_isdst > 0};
     return true;
+}
+
+std::int64_t TimeOfLocal(std::tm &fields) {
+    // The month may count years.
+    const std::int64_t months = std::int64_t{fields.tm_year} * 12 + fields.tm_mon;
+    if (months < 70 * 12 || months >= 1101 * 12)
+        return -1;
+    const std::int64_t first_day =
+        DayNumber(static_cast<int>(months / 12) + 1900, static_cast<int>(months % 12) + 1, 1);
+    const std::int64_t shown = (first_day + fields.tm_mday - 1) * day_seconds + std::int64_t{fields.tm_hour} * 3600 +
+                               std::int64_t{fields.tm_min} * 60 + fields.tm_sec;
+    const std::int64_t time = TimeShown(shown);
+    Calendar c{};
+    if (!LocalCalendar(time, c)) {
+        SetFields(shown, false, fields);
+        return -1;
+    }
+    SetFields(time + OffsetAt(time), c.summer, fields);
+    return time;
+}
+
+bool UserDateText(const Calendar &calendar, bool long_form, char (&out)[80]) {
+    return DateText(UserDateForm(), {calendar.year, calendar.month, calendar.day}, long_form, out);
+}
+
+bool UserTimeText(const Calendar &calendar, bool seconds, char (&out)[80]) {
+    return TimeText(UserDateForm(), calendar.hour, calendar.minute, calendar.second, seconds, out);
+}
+
+void Wait(std::uint32_t milliseconds) {
+    timespec end{};
+    clock_gettime(CLOCK_MONOTONIC, &end);
+    const std::int64_t nanoseconds = std::int64_t{milliseconds % 1000} * 1000000 + end.tv_nsec;
+    end.tv_sec += static_cast<std::time_t>(milliseconds / 1000 + nanoseconds / 1000000000);
+    end.tv_nsec = static_cast<long>(nanoseconds % 1000000000);
+    // Signals end a sleep early.
+    while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &end, nullptr) == EINTR || milliseconds == 0xFFFFFFFF) {
+    }
 }
 
 } // namespace zr::platform
