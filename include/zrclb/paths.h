@@ -40,6 +40,17 @@ ZR_API char *fio_makepath(char *out, const char *default_dir, const char *dir, c
  * last one is cut. path and the outputs must not overlap. Gives 0. */
 ZR_API int fio_divide(const char *path, char *drive, char *dir, char *name) ZR_NOEXCEPT;
 
+/* The index (from 0) of the last "." of path at an index of 1 or more: ".ini" has no extension, and in "C:\a.b\file" the
+ * point of the folder is found. -1 if there is none, or if the index does not fit. */
+ZR_API int fio_get_extention_pos(const char *path) ZR_NOEXCEPT;
+
+/* Whether name can name a file: 0 yes, 1 no, 2 yes, but it holds a wildcard (* or ?). No are null, the empty text, more
+ * than 255 characters, and any of / : ; < > @ \ | and the quotation mark. A path is not a name. */
+ZR_API int fio_test_filename(const char *name) ZR_NOEXCEPT;
+
+/* As fio_test_filename for the name of a folder, which moreover neither begins nor ends in a blank, a tab or a point. */
+ZR_API int fio_test_foldername(const char *name) ZR_NOEXCEPT;
+
 /* Writes the form in which the host knows path to out[0..size-1], terminated, and answers 1. The file need not exist.
  *
  * On Windows that is path with backslashes for slashes. On Linux "C:" is the root folder, and another drive X: exists if the
