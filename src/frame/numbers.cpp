@@ -2,8 +2,11 @@
 #include <zrclb/numbers.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <limits>
+#include <system_error>
 
 #include "platform/clock.h"
 #include "platform/sound.h"
@@ -28,9 +31,15 @@ double FirstTurn(double degrees) {
     return degrees;
 }
 
-// 10 to a power; beyond what a double holds, infinity or 0.
+// The double nearest to a power of ten, infinity or 0 where it is out of range. The pow of some runtimes is a little off.
 double PowerOfTen(std::int64_t exponent) {
-    return std::pow(10.0, static_cast<double>(std::clamp<std::int64_t>(exponent, -400, 400)));
+    const auto clamped = static_cast<int>(std::clamp<std::int64_t>(exponent, -400, 400));
+    char text[8] = "1e";
+    const char *end = std::to_chars(text + 2, text + sizeof text, clamped).ptr;
+    double power = 0.0;
+    if (std::from_chars(text, end, power).ec == std::errc::result_out_of_range)
+        return clamped > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+    return power;
 }
 
 } // namespace

@@ -3,7 +3,9 @@
 
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -107,6 +109,14 @@ TEST(Rounding, Pround_RoundsToThePowerOfTen) {
     EXPECT_EQ(pround(0, 5), 0.0);
     const volatile double quotient = 1.005 / std::pow(10.0, -2.0);
     EXPECT_DOUBLE_EQ(pround(1.005, -2), std::floor(quotient + 0.5) * std::pow(10.0, -2.0));
+}
+
+// Every power of ten that a double holds, those below the normal numbers too.
+TEST(Rounding, EachPowerOfTen_IsTheNearestDouble) {
+    for (int exponent = -323; exponent <= 308; ++exponent)
+        EXPECT_EQ(pround(std::strtod(("1e" + std::to_string(exponent)).c_str(), nullptr), exponent),
+                  std::strtod(("1e" + std::to_string(exponent)).c_str(), nullptr))
+            << exponent;
 }
 
 TEST(Rounding, ProundWithHugeExponents_IsDefined) {

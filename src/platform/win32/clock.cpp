@@ -60,7 +60,8 @@ bool LocalCalendar(std::int64_t time, Calendar &out) {
 
 std::int64_t TimeOfLocal(std::tm &fields) {
     fields.tm_isdst = -1;
-    return _mktime64(&fields);
+    const std::int64_t time = _mktime64(&fields);
+    return time >= first_time && time <= last_time ? time : -1;
 }
 
 bool UserDateText(const Calendar &calendar, bool long_form, char (&out)[80]) {
