@@ -56,8 +56,9 @@ public:
     // Writes the path with backslashes, and without one at its end where something stands in front of that.
     void WriteTo(char *out) const {
         std::size_t length = Length();
-        for (std::size_t i = 0; i < length; ++i)
-            out[i] = m_start[i] == '/' ? '\\' : m_start[i];
+        std::memcpy(out, m_start, length);
+        for (char *slash = out; (slash = FindSlash(slash, out + length)) != nullptr;)
+            *slash = '\\';
         if (length > m_drive + 2 && out[length - 1] == '\\')
             --length;
         out[length] = '\0';
@@ -67,6 +68,10 @@ private:
     const char *End() const { return m_text + path_limit; }
     std::size_t Length() const { return static_cast<std::size_t>(End() - m_start); }
     bool IsEmpty() const { return m_start == End(); }
+
+    static char *FindSlash(char *start, const char *end) {
+        return static_cast<char *>(std::memchr(start, '/', static_cast<std::size_t>(end - start)));
+    }
 
     bool Prepend(const char *text, std::size_t length) {
         if (length > static_cast<std::size_t>(m_start - m_text))

@@ -14,6 +14,7 @@
 
 #include "env/report_capture.h"
 #include "files/reference_makepath.h"
+#include "platform/path_text.h"
 
 namespace {
 
@@ -306,6 +307,20 @@ TEST(Divide, RandomPaths_AgreeWithTheReference) {
         ASSERT_EQ(divided.drive, expected.drive) << path;
         ASSERT_EQ(divided.folder, expected.folder) << path;
         ASSERT_EQ(divided.name, expected.name.substr(0, 259)) << path;
+    }
+}
+
+// Two ways through one rule: without copies here, and in parts for those who need them.
+TEST(Divide, RandomPaths_AgreeWithTheSplitter) {
+    RandomPaths random;
+    for (int i = 0; i < 20000; ++i) {
+        const std::string path = random.Next().substr(0, 259);
+        zr::platform::PathParts parts;
+        zr::platform::SplitPath(path.c_str(), parts);
+        const DividedPath divided = Divide(path.c_str());
+        ASSERT_EQ(divided.drive, parts.drive) << path;
+        ASSERT_EQ(divided.folder, parts.folder) << path;
+        ASSERT_EQ(divided.name, std::string(parts.name) + parts.extension) << path;
     }
 }
 
