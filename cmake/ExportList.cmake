@@ -1,7 +1,8 @@
 # Reads the export list and picks symbols by it. Used by the build (MakeExports.cmake) and by the test of the library
 # (CheckExports.cmake).
 
-# Sets `functions` to the plain names and `classes` to the qualified class names of the list `file`.
+# Sets `functions` to the plain names and `classes` to the qualified class names of the list `file`. A class outside of all
+# namespaces stands there with the leading "::" alone.
 macro(read_export_list file)
   file(STRINGS "${file}" export_lines REGEX "^[^#]")
   set(functions ${export_lines})
@@ -15,7 +16,8 @@ endmacro()
 function(class_pattern out)
   set(names "")
   foreach(class IN LISTS ARGN)
-    string(REPLACE "::" ";" parts "${class}")
+    string(REGEX REPLACE "^::" "" parts "${class}")
+    string(REPLACE "::" ";" parts "${parts}")
     set(mangled "")
     foreach(part IN LISTS parts)
       string(LENGTH "${part}" length)
@@ -25,5 +27,5 @@ function(class_pattern out)
   endforeach()
   list(JOIN names "|" names)
   # A member's own name: an identifier with its length, a constructor, a destructor or an operator.
-  set(${out} "^(_ZN[VK]*(${names})([0-9]+[A-Za-z_0-9]+|[CD][0-9]|[a-z][a-zA-Z])|_ZT[VIS]N(${names})E$)" PARENT_SCOPE)
+  set(${out} "^(_ZN[VK]*(${names})([0-9]+[A-Za-z_0-9]+|[CD][0-9]|[a-z][a-zA-Z])|_ZT[VIS]N?(${names})E?$)" PARENT_SCOPE)
 endfunction()

@@ -3,6 +3,7 @@
 #define ZRCLB_ZRCLB_HPP
 
 #include <zrclb/env.hpp>
+#include <zrclb/file_name.hpp>
 #include <zrclb/zrclb.h>
 
 #endif
