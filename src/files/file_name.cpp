@@ -14,7 +14,8 @@ CZrFileName::CZrFileName(const char *new_name, const char *new_ext, const char *
 }
 
 void CZrFileName::Init(const char *new_name, const char *new_ext, const char *new_dir, const char *new_drive) {
-    for (char *text : {name, ext, dir, drive, path, relative_path, absolute_path, compact_path, full_name, drive_dir, last_dir})
+    for (char *text :
+         {name, ext, dir, drive, path, relative_path, absolute_path, compact_path, full_name, drive_dir, last_dir})
         *text = '\0';
     name_set = ext_set = dir_set = drive_set = false;
     path_dirty = true;

@@ -492,8 +492,7 @@ TEST_F(FileName, ReplaceDir_EmptyFrom_Reports) {
     EXPECT_FALSE(file.ReplaceDir("", "b"));
     EXPECT_EQ(Reports(), Texts({"ReplaceDir(): Falscher Parameter"}));
     EXPECT_FALSE(file.ReplaceDir(nullptr, "b*"));
-    EXPECT_EQ(Reports(),
-              Texts({"ReplaceDir(): Verzeichnis nicht g\xFCltig :|b*", "ReplaceDir(): Falscher Parameter"}));
+    EXPECT_EQ(Reports(), Texts({"ReplaceDir(): Verzeichnis nicht g\xFCltig :|b*", "ReplaceDir(): Falscher Parameter"}));
     EXPECT_STREQ(file.GetDir(false), "a\\");
 }
 
@@ -766,10 +765,10 @@ TEST_F(FileName, FileNameValid_Texts) {
     for (const std::string &good : {std::string("a"), std::string("a b.txt"), std::string("."), std::string(" "),
                                     std::string("\xE4\x80\xFF"), Of(254), Of(255)})
         EXPECT_TRUE(CZrFileName::FileNameValid(good.c_str())) << good;
-    for (const std::string &bad : {std::string(), std::string("a?"), std::string("*"), std::string("a\"b"),
-                                   std::string("a/b"), std::string("a\\b"), std::string("a:"), std::string(";"),
-                                   std::string("<"), std::string(">"), std::string("a@b"), std::string("|"), Of(256),
-                                   Of(10000)})
+    for (const std::string &bad :
+         {std::string(), std::string("a?"), std::string("*"), std::string("a\"b"), std::string("a/b"),
+          std::string("a\\b"), std::string("a:"), std::string(";"), std::string("<"), std::string(">"),
+          std::string("a@b"), std::string("|"), Of(256), Of(10000)})
         EXPECT_FALSE(CZrFileName::FileNameValid(bad.c_str())) << bad;
     EXPECT_FALSE(CZrFileName::FileNameValid(nullptr));
 }
@@ -778,8 +777,8 @@ TEST_F(FileName, ExtValid_Texts) {
     for (const std::string &good : {std::string("txt"), std::string(".txt"), std::string("a.b"), std::string(".."),
                                     std::string("\xFC"), Of(255), "." + Of(254)})
         EXPECT_TRUE(CZrFileName::ExtValid(good.c_str())) << good;
-    for (const std::string &bad : {std::string(), std::string("."), std::string("t?t"), std::string("a\\b"), Of(256),
-                                   "." + Of(255), Of(10000)})
+    for (const std::string &bad :
+         {std::string(), std::string("."), std::string("t?t"), std::string("a\\b"), Of(256), "." + Of(255), Of(10000)})
         EXPECT_FALSE(CZrFileName::ExtValid(bad.c_str())) << bad;
     EXPECT_FALSE(CZrFileName::ExtValid(nullptr));
 }
