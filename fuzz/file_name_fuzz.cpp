@@ -77,7 +77,8 @@ private:
             held = m_input.Short(true);
             break;
         case 2:
-            held = std::string(240 + m_input.Byte() % 24, 'a') + m_input.Short(false);
+            held = std::string(240 + m_input.Byte() % 24, 'a');
+            held += m_input.Short(false);
             break;
         case 3:
             held = m_input.Short(false);
@@ -201,6 +202,7 @@ private:
         Require(m_file.DriveValid() == ReferenceFileName::DriveValid(m_model.drive), "drive valid");
         Require(m_file.PathValid() == ReferenceFileName::PathValid(path), "path valid");
         CompareCompact(260);
+        CompareCompact(1000);
         if (Divisible())
             TakeApart();
     }
@@ -212,7 +214,8 @@ private:
                fits(m_model.ext, m_file.ExtValid()) && fits(m_model.dir, m_file.DirValid()) &&
                fits(m_model.drive, m_file.DriveValid()) && m_model.ext.find('.') == std::string::npos &&
                (!m_model.ext.empty() || m_model.name.find('.') == std::string::npos) &&
-               (m_model.drive.empty() || m_model.dir.starts_with('\\'));
+               (m_model.drive.empty() || m_model.dir.starts_with('\\')) &&
+               (m_model.dir.empty() || m_model.dir.ends_with('\\'));
     }
 
     void TakeApart() const {
@@ -229,7 +232,7 @@ private:
         const std::string path = m_model.Path();
         const std::string compact = m_file.GetCompactPath(width);
         Require(width == 0 ? compact.empty() : compact.size() < width, "width of the compact path");
-        Require(path.size() >= width || compact == path, "the compact path is the whole one");
+        Require(path.size() + 1 >= width || compact == path, "the compact path is the whole one");
     }
 
     static void CompareTests(const char *text, const Text &copy) {

@@ -60,7 +60,7 @@ ZR_API const char *zrFileGetDrive(zr_value handle) ZR_NOEXCEPT;
 /* The whole path, empty where none can be built (reports: CZrFileName::GetPath). */
 ZR_API const char *zrFileGetPath(zr_value handle) ZR_NOEXCEPT;
 
-/* The path shortened to width bytes, terminator counted, by an ellipsis. */
+/* The path shortened by an ellipsis to at most width bytes, terminator counted. */
 ZR_API const char *zrFileGetCompactPath(zr_value handle, zr_ulong width) ZR_NOEXCEPT;
 
 /* Takes the parts that name, a name or a whole path, holds; parts that it lacks stay. */

@@ -53,8 +53,9 @@ public:
     // The result, that of a failure too, is kept until a part changes: asked again, it comes without a new report.
     const char *GetPath() const;
 
-    // The path cut to at most width bytes, terminator counted, by an ellipsis: 0 and 1 give the empty text, 260 and more the
-    // whole path. "GetCompactPath: failed" and an empty text should the service refuse.
+    // The path cut by an ellipsis to at most width bytes, terminator counted; it stays whole if these are 2 more than its
+    // characters. 0 and 1 give the empty text, 261 and more the whole path. "GetCompactPath: failed" and an empty text
+    // should the service refuse.
     const char *GetCompactPath(zr_ulong width) const;
 
     // The last element of the directory without separators.

@@ -102,12 +102,14 @@ void CZrFileName::BuildPath() const {
 }
 
 const char *CZrFileName::GetCompactPath(zr_ulong width) const {
-    *compact_path = '\0';
-    const auto room = static_cast<unsigned>(std::min<std::size_t>(width, sizeof compact_path));
-    if (zr::platform::CompactPath(compact_path, GetPath(), room, 0) == 0) {
+    // All bytes of the width are the service's, and a path stays whole only where the width has one to spare.
+    char text[sizeof path + 1] = "";
+    const auto room = static_cast<unsigned>(std::min<std::size_t>(width, sizeof text));
+    if (zr::platform::CompactPath(text, GetPath(), room, 0) == 0) {
         ReportFileName("GetCompactPath: failed", nullptr, __LINE__);
-        *compact_path = '\0';
+        *text = '\0';
     }
+    StoreUpTo(compact_path, text, sizeof compact_path - 1);
     return compact_path;
 }
 
