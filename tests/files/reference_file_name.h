@@ -158,7 +158,7 @@ public:
             return "";
         const std::size_t colon = path.find(':');
         if (colon != std::string::npos && path[colon + 1] != '\\' && path[colon + 1] != '/')
-            path.insert(colon + 1, "\\");
+            path.insert(colon + 1, 1, '\\');
         return path.size() < 260 ? path : "";
     }
 
