@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstring>
 
-#include <zrclb/files.h>
 #include <zrclb/paths.h>
 #include <zrclb/str.h>
 
@@ -120,8 +119,4 @@ const char *CZrFileName::GetLastDir() const {
     if (const char *last = std::strrchr(last_dir, '\\'))
         StoreUpTo(last_dir, last + 1, sizeof last_dir - 1);
     return last_dir;
-}
-
-bool CZrFileName::Exist() const {
-    return fio_exist(GetDir(true), GetFileName(true)) == 1;
 }

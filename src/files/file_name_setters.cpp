@@ -5,10 +5,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include <zrclb/files.h>
-
 #include "files/file_name_text.h"
-#include "platform/files.h"
 #include "platform/path_text.h"
 
 using namespace zr::files;
@@ -80,15 +77,4 @@ bool CZrFileName::SetDrive(const char *text) {
     StoreUpTo(drive, text, sizeof drive - 1);
     path_dirty = true;
     return good;
-}
-
-bool CZrFileName::SetTemporaryFileName() {
-    char buffer[zr::platform::path_size];
-    return fio_tmpnam(buffer, static_cast<int>(sizeof buffer)) != nullptr && SetFileName(buffer, true);
-}
-
-CZrFileName CZrFileName::GetTemporaryFileName() {
-    CZrFileName made;
-    made.SetTemporaryFileName();
-    return made;
 }
