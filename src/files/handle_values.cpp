@@ -1,10 +1,8 @@
 // File handles: numbers and single characters.
 #include <zrclb/file_handle.h>
 
-#include <algorithm>
-#include <array>
 #include <bit>
-#include <cstddef>
+#include <cstdint>
 
 #include <zrclb/report.h>
 
@@ -32,11 +30,18 @@ bool GetItem(std::FILE *stream, Value *value) {
     return true;
 }
 
-template <class Value>
-Value Reversed(Value value) {
-    auto bytes = std::bit_cast<std::array<std::byte, sizeof value>>(value);
-    std::reverse(bytes.begin(), bytes.end());
-    return std::bit_cast<Value>(bytes);
+constexpr std::uint32_t ReversedBytes(std::uint32_t bits) {
+    return bits << 24 | (bits & 0xFF00) << 8 | (bits >> 8 & 0xFF00) | bits >> 24;
+}
+
+zr_long Reversed(zr_long value) {
+    return static_cast<zr_long>(ReversedBytes(static_cast<std::uint32_t>(value)));
+}
+
+double Reversed(double value) {
+    const auto bits = std::bit_cast<std::uint64_t>(value);
+    const std::uint64_t high = ReversedBytes(static_cast<std::uint32_t>(bits));
+    return std::bit_cast<double>(high << 32 | ReversedBytes(static_cast<std::uint32_t>(bits >> 32)));
 }
 
 // Whether the handle writes doubles and longs at all. A handle that appends never has an order of its own from fio_open;

@@ -2,6 +2,7 @@
 #include <zrclb/file_handle.h>
 
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -257,6 +258,33 @@ TEST_F(HandleValues, ValueCutByTheEndOfTheFileIsNoneAndLeavesTheTargetAlone) {
     EXPECT_EQ(a_float, 7);
     EXPECT_EQ(fio_close(handle), 0);
     EXPECT_EQ(m_reports.Take(), Reports{});
+}
+
+TEST_F(HandleValues, AnyBufferingOfTheStreamGivesTheSameBytes) {
+    std::string expected;
+    for (int buffering : {_IOFBF, _IOLBF, _IONBF}) {
+        fio_handle *handle = NewFile(0);
+        ASSERT_EQ(std::setvbuf(fio_fp(handle), nullptr, buffering, buffering == _IONBF ? 0 : 64), 0);
+        for (zr_long i = 0; i < 100; ++i) {
+            EXPECT_EQ(fio_putlong(handle, i), 0); // 10 looks like a line feed
+            EXPECT_EQ(fio_putchar(handle, '\n'), 0);
+            EXPECT_EQ(fio_putstring(handle, "text\n", 7), 0);
+        }
+        EXPECT_EQ(fio_length(handle), 1200);
+        for (zr_long i = 0; i < 100; ++i) {
+            zr_long value = -1;
+            char text[8] = "";
+            EXPECT_EQ(fio_seek(handle, 12 * i, 0), 0);
+            EXPECT_EQ(fio_getlong(handle, &value), 0);
+            EXPECT_EQ(value, i);
+            EXPECT_EQ(fio_getchar(handle, nullptr), '\n');
+            EXPECT_EQ(fio_getstring(handle, 7, text), 0);
+            EXPECT_STREQ(text, "text");
+        }
+        const std::string bytes = CloseAndRead(handle, "file");
+        EXPECT_TRUE(expected.empty() || bytes == expected) << buffering;
+        expected = bytes;
+    }
 }
 
 TEST_F(HandleValues, NullTargetFailsWithoutReading) {
