@@ -23,11 +23,11 @@ inline bool IsTextMode(const std::string &mode) {
 }
 
 // Whether hosts have rules of their own for this name: case, blanks and points at the end of a name, signs that a name may
-// not have, devices, ".." behind something that is no folder, write protection and hidden names.
+// not have, devices, write protection and hidden names.
 inline bool HostsDiffer(const std::string &path) {
     const std::string name = path.substr(path.find_last_of("\\/:") + 1);
     for (const char *part : {"FILE", "File", "SUB", "WORK", "PROG", "nul", "NUL", "con", "com", "COM", "\\\\?\\",
-                             "missing\\..", "file.txt\\..", "file.txt\\.", "readonly", "hidden", "|", "*", "?"})
+                             "readonly", "hidden", "|", "*", "?"})
         if (path.find(part) != std::string::npos)
             return true;
     const bool points_alone = name.find_first_not_of('.') == std::string::npos;
