@@ -35,6 +35,9 @@ inline std::string UpperText(std::string text) {
 
 // The path `path` of a table, with the folder `root` (library's form) in place of the table's "C:\woad".
 inline std::string AtRoot(const std::string &path, const std::string &root) {
+    const std::string exact = "\\\\?\\"; // a path that the desktop takes as it is
+    if (path.compare(0, exact.size(), exact) == 0)
+        return exact + AtRoot(path.substr(exact.size()), root);
     for (const std::string table_root : {"C:\\woad", "C:/woad", "C:\\WORK", "\\woad", "/woad"})
         if (UpperText(path.substr(0, table_root.size())) == UpperText(table_root))
             return (table_root[0] == 'C' ? root : root.substr(2)) + path.substr(table_root.size());

@@ -59,7 +59,7 @@ protected:
     }
 
     void CheckCopyOrMove(const GoldenTable::Row &row) const;
-    void CheckVerb(const GoldenTable::Row &row) const;
+    int CheckVerb(const GoldenTable::Row &row) const;
 
     TempFolder m_folder;
 };
@@ -189,18 +189,19 @@ TEST_F(FileVerbs, CopiesMovesAndRemovalsAnswerTheTable) {
         const bool host = !OnDesktop() && (IsDesktopsOwn(from) || IsDesktopsOwn(to) || HasForbiddenSign(to));
         if (verb_of_its_own || open || host || to.compare(0, 2, "D:") == 0)
             continue;
-        fs::current_path(m_folder.Folder());
-        MakeCopyTree();
-        fs::current_path(m_folder.Folder() / "cm");
         CheckCopyOrMove(row);
-        fs::current_path(m_folder.Folder());
         ++checked;
+        if (row.at("ret") == "1") { // what failed has changed nothing
+            fs::current_path(m_folder.Folder());
+            MakeCopyTree();
+            fs::current_path(m_folder.Folder() / "cm");
+        }
     }
     RecordProperty("rows", checked);
     EXPECT_GT(checked, 35);
 }
 
-void FileVerbs::CheckVerb(const GoldenTable::Row &row) const {
+int FileVerbs::CheckVerb(const GoldenTable::Row &row) const {
     const std::string &function = row.at("function"), &documented = row.at("windows_documented");
     const std::string argument = row.at("argument"), second = row.at("argument2");
     SCOPED_TRACE(function + " " + testing::PrintToString(argument) + " " + second);
@@ -223,10 +224,12 @@ void FileVerbs::CheckVerb(const GoldenTable::Row &row) const {
     } else {
         EXPECT_EQ(code, measured);
     }
+    return code;
 }
 
 TEST_F(FileVerbs, VerbsAnswerTheTable) {
     int checked = 0;
+    bool changed = true;
     const GoldenTable table("crt_dirops.tsv");
     for (const GoldenTable::Row &row : table.Rows()) {
         const std::string &argument = row.at("argument"), &second = row.at("argument2");
@@ -235,11 +238,13 @@ TEST_F(FileVerbs, VerbsAnswerTheTable) {
                                            (second_given && (IsDesktopsOwn(second) || HasForbiddenSign(second))));
         if (host || argument.find("srv") != std::string::npos)
             continue;
-        Unprotect(m_folder);
-        fs::remove_all(m_folder.Folder() / "fs2");
-        MakeTableTree(m_folder);
+        if (changed) {
+            Unprotect(m_folder);
+            fs::remove_all(m_folder.Folder() / "fs2");
+            MakeTableTree(m_folder);
+        }
         const ::CurrentFolder current(m_folder.Folder() / "fs");
-        CheckVerb(row);
+        changed = CheckVerb(row) == done;
         ++checked;
     }
     RecordProperty("rows", checked);

@@ -91,9 +91,7 @@ int CopyFileOver(const char *from, const char *to) {
     if (code != done)
         return code;
     constexpr DWORD protecting = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_DIRECTORY;
-    if (GetFileAttributesA(from) == INVALID_FILE_ATTRIBUTES)
-        return LastCode();
-    if (Has(GetFileAttributesA(to), protecting))
+    if (GetFileAttributesA(from) != INVALID_FILE_ATTRIBUTES && Has(GetFileAttributesA(to), protecting))
         return access_denied;
     return CodeOf(CopyFileA(from, to, FALSE));
 }
