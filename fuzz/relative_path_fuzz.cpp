@@ -27,9 +27,11 @@ std::string Full(const std::string &path) {
     return out;
 }
 
-// Normal form: a full path on a drive that making it full leaves alone, long enough to have a name, without a separator at its end.
+// Normal form: a full path on a drive that making it full leaves alone, with a name at its end and no second ":", behind which the
+// desktop sees a drive wherever it stands.
 bool IsNormal(const std::string &path) {
-    return path.size() > 3 && path.size() <= path_limit && path[1] == ':' && path.back() != '\\' && Full(path) == path;
+    return path.size() > 3 && path.size() <= path_limit && path.find(':') == 1 && path.rfind(':') == 1 &&
+           path.back() != '\\' && Full(path) == path;
 }
 
 bool SameWithoutCase(const std::string &a, const std::string &b) {

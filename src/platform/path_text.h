@@ -38,7 +38,7 @@ struct CurrentFolders {
     void *user; // passed on to `folder`
 };
 
-// `file_part` of a path that ends in a separator, names a root, a server's share alone or a device.
+// `file_part` of a path that ends in a separator, or names a root, a server alone or a device.
 inline constexpr std::size_t no_file_part = static_cast<std::size_t>(-1);
 
 // The system's full path of `path` into out[0..size-1]: absolute, with backslashes, "." and ".." resolved (".." stops at the root),
@@ -50,16 +50,18 @@ inline constexpr std::size_t no_file_part = static_cast<std::size_t>(-1);
 std::size_t FullPath(const char *path, const CurrentFolders &current, char *out, std::size_t size,
                      std::size_t *file_part);
 
-// The path of `to` seen from `from`, as the desktop's own function gives it, into out[0..259]. Purely textual: backslash alone
-// separates, upper and lower case are the same, "." and ".." are names like others. An end whose attributes have the bit 0x10 is a
-// folder, another one a file, which is seen from its folder. False with `out` empty if nothing leads from one to the
-// other (another drive, relative paths without common folder) or the result has more than 259 characters.
+// The path of `to` seen from `from`, as the desktop's own function gives it ("..\x", ".\x", ".", or "\x" for a `from` that ends in a
+// backslash), into out[0..259]. Purely textual: backslash alone separates, capital and small letters are the same, "." and ".."
+// are names like others. An end whose attributes have the bit 0x10 is a folder; any other is a file, and `from` is then its
+// folder. False with `out` empty if nothing leads from one to the other (another drive, relative paths without a common
+// folder, null), or if `from`, `to` or the result has more than 259 characters.
 bool RelativePath(char *out, const char *from, std::uint32_t from_attributes, const char *to,
                   std::uint32_t to_attributes);
 
-// The path cut down to at most width - 1 characters by "..." in front of its last separator, as the desktop's own function does; a
-// name that is too long for that is cut at its end. `out` needs `width` bytes, all of which are the function's; with a width
-// of 0 nothing is written. `flags` have no effect. Result: 1, or 0 for a null text.
+// The path cut to width - 1 characters, as the desktop's own function does: "..." stands in front of the last separator, and a
+// name that is too long for that is cut at its end ("...\na..."). A path of just width - 1 characters is cut too; a shorter one stays as it
+// is. `out` needs `width` bytes; nothing is written with a width of 0. `flags` have no effect. Result: 1, or 0 for a null
+// pointer.
 int CompactPath(char *out, const char *path, unsigned width, std::uint32_t flags);
 
 } // namespace zr::platform
