@@ -1,4 +1,5 @@
-// Any two paths: the relative one put behind its base and made full leads to the target again, and no answer leaves its limits.
+// Any two paths: the relative one put behind its base and made full leads to the target again, and no answer leaves its
+// limits.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -27,8 +28,8 @@ std::string Full(const std::string &path) {
     return out;
 }
 
-// Normal form: a full path on a drive that making it full leaves alone, with a name at its end and no second ":", behind which the
-// desktop sees a drive wherever it stands.
+// Normal form: a full path on a drive that making it full leaves alone, with a name at its end and no second ":",
+// behind which the desktop sees a drive wherever it stands.
 bool IsNormal(const std::string &path) {
     return path.size() > 3 && path.size() <= path_limit && path.find(':') == 1 && path.rfind(':') == 1 &&
            path.back() != '\\' && Full(path) == path;

@@ -6,8 +6,8 @@
 #include "platform/reference_wildcard.h"
 #include "platform/wildcard.h"
 
-// The text up to the first line feed is the pattern, the rest the name, both up to their first zero byte. The reference is
-// exponential, so it gets short texts only; long ones must merely come to an end.
+// The text up to the first line feed is the pattern, the rest the name, both up to their first zero byte. The reference
+// is exponential, so it gets short texts only; long ones must merely come to an end.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     const std::string text(reinterpret_cast<const char *>(data), size);
     const std::size_t line_end = text.find('\n');

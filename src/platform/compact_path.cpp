@@ -10,7 +10,8 @@ namespace {
 
 constexpr std::string_view ellipsis = "...";
 
-// Where the name starts: behind the last separator or drive that has a name behind it. A separator at the end is the name's.
+// Where the name starts: behind the last separator or drive that has a name behind it. A separator at the end is the
+// name's.
 std::size_t NameStart(std::string_view path) {
     for (std::size_t i = path.size(); i-- > 1;) {
         const bool is_separator = path[i] == '\\' || path[i] == '/';

@@ -1,7 +1,7 @@
 // The full path: where a path starts, and which of its elements remain.
 //
-// Elements are visited from the end: there it is known how many ".." still take an element away, so nothing is built that goes
-// again, and neither length nor depth of a path has a limit.
+// Elements are visited from the end: there it is known how many ".." still take an element away, so nothing is built
+// that goes again, and neither length nor depth of a path has a limit.
 #include <cstring>
 #include <string_view>
 
@@ -97,8 +97,8 @@ bool FindStart(std::string_view path, const CurrentFolders &current, char (&buff
     return true;
 }
 
-// The elements that remain, from the last to the first. What stands behind the last separator is an element even if nothing
-// does: it gives the full path its separator at the end.
+// The elements that remain, from the last to the first. What stands behind the last separator is an element even if
+// nothing does: it gives the full path its separator at the end.
 class Elements {
 public:
     explicit Elements(const Start &start) : m_text(start.rest), m_folder(start.folder), m_more(!start.rest.empty()) {}
@@ -161,7 +161,8 @@ private:
     std::size_t m_dropped = 0; // elements that ".." behind them takes away
 };
 
-// The root as it is written in a full path: backslashes, runs of them as one except at the very start. `out` null only counts.
+// The root as it is written in a full path: backslashes, runs of them as one except at the very start. `out` null only
+// counts.
 std::size_t WriteRoot(const Start &start, char *out) {
     std::size_t length = 0;
     const auto put = [&](char c) {

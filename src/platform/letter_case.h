@@ -7,7 +7,8 @@
 
 namespace zr::platform {
 
-// The capital letter of every byte; bytes that are no small letter, or whose capital the code page lacks, stand for themselves.
+// The capital letter of every byte; bytes that are no small letter, or whose capital the code page lacks, stand for
+// themselves.
 inline constexpr std::array<unsigned char, 256> capital_letters = [] {
     std::array<unsigned char, 256> capitals{};
     for (std::size_t i = 0; i < capitals.size(); ++i) {

@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::uint32_t folder_attribute = 0x10;
 
-// Length of the folder of a file: up to the last backslash, but with that of a root. What a drive is followed by goes, if it is no
-// backslash.
+// Length of the folder of a file: up to the last backslash, but with that of a root. What a drive is followed by goes,
+// if it is no backslash.
 std::size_t FolderLength(std::string_view path) {
     std::size_t length = 0;
     std::size_t at = 0;
@@ -33,8 +33,8 @@ bool BeginsOnNetwork(std::string_view path) {
     return path.substr(0, 2) == "\\\\";
 }
 
-// Length of what both have in common, in whole elements. A length of 2 is a drive, and counts with the backslash behind it,
-// whether there is one or not, as on the desktop.
+// Length of what both have in common, in whole elements. A length of 2 is a drive, and counts with the backslash behind
+// it, whether there is one or not, as on the desktop.
 std::size_t CommonLength(std::string_view a, std::string_view b) {
     if (BeginsOnNetwork(a) != BeginsOnNetwork(b))
         return 0;
@@ -48,7 +48,8 @@ std::size_t CommonLength(std::string_view a, std::string_view b) {
     return common == 2 ? 3 : common;
 }
 
-// The steps up from the folder to what is common. `path` is the whole path of which the first `length` characters are the folder.
+// The steps up from the folder to what is common. `path` is the whole path of which the first `length` characters are
+// the folder.
 class StepsUp {
 public:
     StepsUp(std::string_view path, std::size_t length, std::size_t common) {

@@ -1,8 +1,8 @@
 // Matching of names with wildcards.
 //
-// Every sign except the stars takes a fixed stretch of the name from a given place, and one that starts further on never ends
-// earlier. So what stands between two stars is best matched as early as possible, and only the last star met so far need
-// ever be tried again: no stack, and at most one round through the name for each sign of the pattern.
+// Every sign except the stars takes a fixed stretch of the name from a given place, and one that starts further on
+// never ends earlier. So what stands between two stars is best matched as early as possible, and only the last star met
+// so far need ever be tried again: no stack, and at most one round through the name for each sign of the pattern.
 #include "platform/wildcard.h"
 
 #include "platform/files.h"

@@ -1,9 +1,9 @@
 // Matching of names with "*" and "?" by the rules of the desktop's search for files.
 //
 // A search rewrites its pattern first. "*.*" alone means "*"; points and blanks at the end go; then "?" stands for one
-// character, or for none at a point or at the end of the name; a point in front of "?" or "*" is also matched by the end of
-// the name; and the star of a pattern that ended in "*." takes everything up to the last point and never across it. Letters
-// match without regard to case, by code page 1252. Threads: no state; any thread.
+// character, or for none at a point or at the end of the name; a point in front of "?" or "*" is also matched by the
+// end of the name; and the star of a pattern that ended in "*." takes everything up to the last point and never across
+// it. Letters match without regard to case, by code page 1252. Threads: no state; any thread.
 #ifndef ZR_PLATFORM_WILDCARD_H
 #define ZR_PLATFORM_WILDCARD_H
 
@@ -12,8 +12,9 @@
 
 namespace zr::platform {
 
-// Does `name` match `pattern`, both without a folder? Null matches nothing and is matched by nothing, and so does a pattern of more
-// than 259 characters, which no search takes. Work is at most in proportion to length of pattern times length of name.
+// Does `name` match `pattern`, both without a folder? Null matches nothing and is matched by nothing, and so does a
+// pattern of more than 259 characters, which no search takes. Work is at most in proportion to length of pattern times
+// length of name.
 bool MatchWildcard(const char *pattern, const char *name);
 
 // A pattern looked at once for many names. It keeps the pointer: the text must live as long.

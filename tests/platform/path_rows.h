@@ -53,8 +53,8 @@ struct Folders {
     }
 };
 
-// The full path of a text without devices, drives of their own and servers, made step by step: for rows that say only that the
-// length has no limit.
+// The full path of a text without devices, drives of their own and servers, made step by step: for rows that say only
+// that the length has no limit.
 inline std::string PlainFullPath(const std::string &current, const std::string &path) {
     std::string whole = path;
     if (path.substr(1, 2) != ":\\")

@@ -1,4 +1,5 @@
-// The text of paths: taken apart, put together, made full, relative and short, by the tables of measured answers and beyond.
+// The text of paths: taken apart, put together, made full, relative and short, by the tables of measured answers and
+// beyond.
 #include <cctype>
 #include <cstdint>
 #include <memory>
@@ -166,7 +167,8 @@ TEST(MakePath, PartsOfSplitPath_GiveThePathAgain) {
     }
 }
 
-// Rows of more than 259 characters were measured where such paths fail; the system that they stand for has no such limit.
+// Rows of more than 259 characters were measured where such paths fail; the system that they stand for has no such
+// limit.
 TEST(FullPath, RuntimeTableRows_AsMeasuredOrDocumented) {
     const GoldenTable table("crt_fullpath.tsv");
     for (const auto &row : table.Rows()) {

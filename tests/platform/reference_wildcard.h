@@ -1,5 +1,5 @@
-// The rules of wildcards written down as they are told, for short texts: first the pattern is rewritten sign by sign, then every
-// way to match it is tried.
+// The rules of wildcards written down as they are told, for short texts: first the pattern is rewritten sign by sign,
+// then every way to match it is tried.
 #ifndef TESTS_PLATFORM_REFERENCE_WILDCARD_H
 #define TESTS_PLATFORM_REFERENCE_WILDCARD_H
 

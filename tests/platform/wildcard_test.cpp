@@ -12,8 +12,8 @@ using zr::platform::Wildcard;
 
 namespace {
 
-// The answer of a row by the long name alone: the documented one where there is one. It says "0 by the long name; ..." where
-// the match came about through a second, short name that the measured system made up.
+// The answer of a row by the long name alone: the documented one where there is one. It says "0 by the long name; ..."
+// where the match came about through a second, short name that the measured system made up.
 bool DocumentedMatch(const GoldenTable::Row &row) {
     const std::string &documented = row.at("windows_documented");
     return (documented.empty() ? row.at("match") : documented)[0] == '1';
@@ -38,7 +38,8 @@ TEST(Wildcard, TableRows_AsDocumentedByTheLongName) {
     EXPECT_GE(rows, 3986);
 }
 
-// For "." and ".." there are only measured answers, from a system known to read "?", ">" and "*." at the end in its own way.
+// For "." and ".." there are only measured answers, from a system known to read "?", ">" and "*." at the end in its own
+// way.
 TEST(Wildcard, TableRowsOfDotFolders_AsMeasuredWhereThePatternIsReadAlike) {
     const GoldenTable table("win_wildcard.tsv");
     int rows = 0;

@@ -1,5 +1,5 @@
-// The portable path services beside the system's own, on the rows of the tables. Where the two differ a rule says why, and the
-// number of rows that it excuses is fixed, so that no difference joins unseen.
+// The portable path services beside the system's own, on the rows of the tables. Where the two differ a rule says why,
+// and the number of rows that it excuses is fixed, so that no difference joins unseen.
 #include <windows.h>
 
 #include <algorithm>
