@@ -214,6 +214,22 @@ TEST_F(StreamsUpdate, CarriageReturnAtTheEndOfABlockIsWrittenBehind) {
     EXPECT_EQ(m_folder.Read("file").substr(block_size - 1), "\rYz");
 }
 
+TEST_F(StreamsUpdate, PutBackBytesCountInThePosition) {
+    for (const char *mode : {"rt", "r+t"}) {
+        std::FILE *stream = Open("a\r\nb\r\nc\r\n", mode);
+        EXPECT_EQ(Get(stream, 3), "a\nb");
+        EXPECT_EQ(std::ungetc('Z', stream), 'Z');
+        EXPECT_EQ(TellStream(stream), 3);
+        EXPECT_EQ(Get(stream, 2), "Z\n");
+        EXPECT_EQ(TellStream(stream), 6);
+        EXPECT_EQ(std::ungetc('\n', stream), '\n');
+        EXPECT_EQ(TellStream(stream), 4);
+        ASSERT_TRUE(SeekStream(stream, 2, SEEK_CUR));
+        EXPECT_EQ(Get(stream, 9), "c\n");
+        EXPECT_EQ(std::fclose(stream), 0);
+    }
+}
+
 TEST_F(StreamsUpdate, BinaryPassesEveryByte) {
     std::string bytes = "\r\n\x1A";
     for (int i = 0; i < 256; ++i)

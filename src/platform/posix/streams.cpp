@@ -162,12 +162,18 @@ bool IsWriting(const std::FILE &file) {
     return file._IO_write_end > file._IO_write_base || HasUnwritten(file);
 }
 
+// Bytes that were put back and differ from those read lie outside the buffer; what the buffer holds is laid aside meanwhile.
+bool HasPutBack(const std::FILE &file) {
+    return file._IO_read_ptr < file._IO_buf_base || file._IO_read_ptr > file._IO_buf_end;
+}
+
 // Line ends among the bytes between the caller's place and the file's offset that were read and not taken. Those that the
 // caller wrote over are in the copy.
 off_t UnreadLineFeeds(const Stream &stream) {
     const std::FILE &file = *stream.file;
     if (!IsWriting(file))
-        return LineFeeds(file._IO_read_ptr, file._IO_read_end);
+        return LineFeeds(file._IO_read_ptr, file._IO_read_end) +
+               (HasPutBack(file) ? LineFeeds(file._IO_save_base, file._IO_save_end) : 0);
     const auto end = static_cast<std::size_t>(file._IO_read_end - file._IO_buf_base);
     if (file._IO_write_base >= file._IO_read_end || end > stream.copied)
         return 0;

@@ -102,6 +102,19 @@ TEST_F(PosixStreams, UnpositionedTurnsTellWhereTheyAre) {
     EXPECT_EQ(std::fclose(stream), 0);
 }
 
+TEST_F(PosixStreams, FlushBehindReadPutsTheDescriptorThere) {
+    std::FILE *stream = Open("a\r\nb\r\nc\r\n", "r+t");
+    EXPECT_EQ(Get(stream, 2), "a\n");
+    EXPECT_EQ(std::fflush(stream), 0);
+    EXPECT_EQ(lseek(posix::DescriptorOf(stream), 0, SEEK_CUR), 3);
+    EXPECT_EQ(TellStream(stream), 3);
+    EXPECT_TRUE(Put(stream, "B"));
+    EXPECT_EQ(std::fflush(stream), 0);
+    EXPECT_EQ(Get(stream, 9), "\nc\n");
+    EXPECT_EQ(std::fclose(stream), 0);
+    EXPECT_EQ(m_folder.Read("file"), "a\r\nB\r\nc\r\n");
+}
+
 TEST_F(PosixStreams, FullDiskShows) {
     for (const char *mode : {"wt", "at", "w+t", "r+t", "wb", "ab", "w+b", "a+b", "r+b"}) {
         SCOPED_TRACE(mode);
