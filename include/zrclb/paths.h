@@ -53,13 +53,11 @@ ZR_API int fio_test_foldername(const char *name) ZR_NOEXCEPT;
 
 /* Writes the form in which the host knows path to out[0..size-1], terminated, and answers 1. The file need not exist.
  *
- * On Windows that is path with backslashes for slashes. On Linux "C:" is the root folder, and another drive X: exists if the
- * environment variable ZR_DRIVE_X names a folder by an absolute path, which is then the drive's root. "C:\a\b" gives "/a/b"
- * and "X:\a" gives "$ZR_DRIVE_X/a"; a bare "C:" gives "/", a bare "X:" the folder of the drive. "\a" lies on the current
- * drive. "a" stays relative to the working folder, with slashes for backslashes, and so does "X:a" while X: is the current drive;
- * on another drive it lies in the folder that was current there when the drive was left, at first its root. Elements "." and ".."
- * are resolved in the text: "C:\a\..\b" gives "/b", whatever a is, and nothing leads above the root of a drive. The case of a
- * drive's letter doesn't matter; the bytes of names pass unchanged, and points and blanks at the end of a name belong to it.
+ * On Windows that is path with backslashes for slashes. On Linux "C:" is the root folder: "C:\a\b" gives "/a/b", "C:" gives
+ * "/". Another drive X: exists if the environment variable ZR_DRIVE_X names a folder, which takes the place of its root:
+ * "X:\a" gives "$ZR_DRIVE_X/a". What has no separator behind the drive starts at the current folder of that drive, and stays
+ * relative on the current one; without a drive the current one counts. "." and ".." are resolved in the text, and nothing
+ * leads above a drive's root. The case of a drive's letter doesn't matter; the bytes of names pass unchanged.
  *
  * Answers 0 for a null or empty path or one of more than 259 characters, a null out, a size of 0, a drive that doesn't
  * exist, and on Linux for a name on the network (two leading separators); also if the result and its terminator need

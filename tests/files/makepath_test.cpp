@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -251,6 +252,47 @@ TEST(Divide, Pieces_AreCutAtTheirBorders) {
         EXPECT_EQ(divided.folder, c.folder) << c.path;
         EXPECT_EQ(divided.name, c.name) << c.path;
         EXPECT_EQ(divided.drive, std::strcmp(c.path, "::x") == 0 ? "::" : c.drive) << c.path;
+    }
+}
+
+// The cells of each row of the first table below `heading` in the manual, without their marks of code.
+std::vector<std::vector<std::string>> ManualsTable(const std::string &heading) {
+    std::ifstream file(ZR_GOLDEN_DIR "/../../docs/paths.md");
+    std::vector<std::vector<std::string>> rows;
+    std::string line;
+    while (std::getline(file, line) && line.find(heading) != 0) {
+    }
+    while (std::getline(file, line) && (rows.empty() || line.find('|') == 0)) {
+        if (line.find('|') != 0)
+            continue;
+        std::vector<std::string> cells;
+        for (std::size_t start = 1, end = line.find('|', start); end != std::string::npos;
+             end = line.find('|', start)) {
+            const std::string cell = line.substr(start, end - start);
+            const std::size_t first = cell.find('`');
+            cells.push_back(first != std::string::npos ? cell.substr(first + 1, cell.rfind('`') - first - 1) : "");
+            start = end + 1;
+        }
+        rows.push_back(cells);
+    }
+    return rows;
+}
+
+TEST(Makepath, ManualsExamples_Hold) {
+    const std::vector<std::vector<std::string>> rows = ManualsTable("## Composing");
+    ASSERT_EQ(rows.size(), 21U); // two of them the head
+    for (std::size_t i = 2; i < rows.size(); ++i)
+        EXPECT_EQ(Compose(rows[i][0].c_str(), rows[i][1].c_str(), rows[i][2].c_str()), rows[i][3]) << rows[i][2];
+}
+
+TEST(Divide, ManualsExamples_Hold) {
+    const std::vector<std::vector<std::string>> rows = ManualsTable("## Taking apart");
+    ASSERT_EQ(rows.size(), 7U);
+    for (std::size_t i = 2; i < rows.size(); ++i) {
+        const DividedPath divided = Divide(rows[i][0].c_str());
+        EXPECT_EQ(divided.drive, rows[i][1]) << rows[i][0];
+        EXPECT_EQ(divided.folder, rows[i][2]) << rows[i][0];
+        EXPECT_EQ(divided.name, rows[i][3]) << rows[i][0];
     }
 }
 
