@@ -135,10 +135,12 @@ private:
             m_folder = {};
             m_at_end = false;
         }
-        const std::size_t separator = m_text.find_last_of("\\/");
-        m_more = separator != std::string_view::npos;
-        element = m_text.substr(m_more ? separator + 1 : 0);
-        m_text = m_text.substr(0, m_more ? separator : 0);
+        std::size_t begin = m_text.size();
+        while (begin != 0 && !IsSeparator(m_text[begin - 1]))
+            --begin;
+        m_more = begin != 0;
+        element = m_text.substr(begin);
+        m_text = m_text.substr(0, m_more ? begin - 1 : 0);
         return true;
     }
 
