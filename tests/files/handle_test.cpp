@@ -412,6 +412,19 @@ TEST_F(Handle, LengthLeavesThePositionAndCountsWhatIsInMemory) {
     EXPECT_EQ(fio_close(handle), 0);
 }
 
+TEST_F(Handle, LengthAndPositionOfATextCountBytesOfTheFile) {
+    fio_handle *handle = OpenBytes("ab\r\ncd\r\n", FIO_READ | FIO_TEXT);
+    EXPECT_EQ(fio_getchar(handle, nullptr), 'a');
+    EXPECT_EQ(fio_length(handle), 8);
+    EXPECT_EQ(fio_tell(handle), 1);
+    EXPECT_EQ(fio_getchar(handle, nullptr), 'b');
+    EXPECT_EQ(fio_getchar(handle, nullptr), '\n');
+    EXPECT_EQ(fio_tell(handle), 4);
+    EXPECT_EQ(fio_length(handle), 8);
+    EXPECT_EQ(fio_getchar(handle, nullptr), 'c');
+    EXPECT_EQ(fio_close(handle), 0);
+}
+
 TEST_F(Handle, FlushHandsOverWhatWasWritten) {
     fio_handle *handle = Open("file", FIO_WRITE);
     EXPECT_EQ(fio_putchar(handle, 'a'), 0);
