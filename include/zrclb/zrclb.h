@@ -14,6 +14,7 @@
 #include <zrclb/paths.h>
 #include <zrclb/queue.h>
 #include <zrclb/report.h>
+#include <zrclb/scan.h>
 #include <zrclb/sort.h>
 #include <zrclb/str.h>
 #include <zrclb/types.h>

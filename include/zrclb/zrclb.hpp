@@ -4,6 +4,7 @@
 
 #include <zrclb/env.hpp>
 #include <zrclb/file_name.hpp>
+#include <zrclb/scan.hpp>
 #include <zrclb/zrclb.h>
 
 #endif
