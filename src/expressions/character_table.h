@@ -20,7 +20,7 @@ public:
         relation = 32
     };
 
-    explicit CharacterTable(zr_long options);
+    explicit constexpr CharacterTable(zr_long options);
 
     bool Is(int c, unsigned classes) const { return IsByte(c) && (classes_[c] & classes) != 0; }
 
@@ -42,9 +42,47 @@ public:
 private:
     static bool IsByte(int c) { return static_cast<unsigned>(c) < 256; }
 
-    std::uint8_t normal_[256];
-    std::uint8_t classes_[256];
+    constexpr void Add(int first, int last, unsigned classes) {
+        for (int c = first; c <= last; ++c)
+            classes_[c] = static_cast<std::uint8_t>(classes_[c] | classes);
+    }
+    constexpr void FoldTo(int c, int folded) { normal_[c] = static_cast<std::uint8_t>(folded); }
+    constexpr void AddPair(int lower, int upper, zr_long options, unsigned classes);
+
+    std::uint8_t normal_[256] = {};
+    std::uint8_t classes_[256] = {};
 };
+
+// A letter in both cases; the same twice for one without a partner.
+constexpr void CharacterTable::AddPair(int lower, int upper, zr_long options, unsigned classes) {
+    Add(lower, lower, classes);
+    Add(upper, upper, classes);
+    if ((options & SCAN_LOWER) != 0)
+        FoldTo(upper, lower);
+    else if ((options & SCAN_UPPER) != 0)
+        FoldTo(lower, upper);
+}
+
+constexpr CharacterTable::CharacterTable(zr_long options) {
+    constexpr unsigned letter_of_names = name_start | name;
+    for (int c = 1; c < 256; ++c)
+        FoldTo(c, c < ' ' && c != '\n' ? ' ' : c);
+    for (int c = 'a'; c <= 'z'; ++c)
+        AddPair(c, c - 'a' + 'A', options, letter | letter_of_names);
+    Add('_', '_', letter_of_names);
+    Add('0', '9', digit | hexadecimal | name);
+    Add('a', 'f', hexadecimal);
+    Add('A', 'F', hexadecimal);
+    Add('<', '>', relation); // "=" lies between them
+    if ((options & SCAN_APOSTROPHE_NAMES) != 0)
+        Add('\'', '\'', letter_of_names);
+    if ((options & SCAN_UMLAUTS) != 0) { // the letters of the DOS code page that German has beyond the alphabet
+        AddPair(0x84, 0x8E, options, letter | letter_of_names);
+        AddPair(0x94, 0x99, options, letter | letter_of_names);
+        AddPair(0x81, 0x9A, options, letter | letter_of_names);
+        AddPair(0xE1, 0xE1, options, letter | letter_of_names);
+    }
+}
 
 } // namespace zr::expressions
 

@@ -1,0 +1,129 @@
+// The calculator: class, plain function, and the record of its last error.
+#include <zrclb/calc.hpp>
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+#include <zrclb/heap.h>
+#include <zrclb/str.h>
+
+#include "expressions/calculator_impl.h"
+
+namespace {
+
+constexpr const char *default_message = "Fehler innerhalb des Ausdrucks";
+
+// Texts by type; null for those without one.
+constexpr const char *messages[] = {
+    nullptr,
+    nullptr,
+    "Linke Klammer fehlt",
+    "Rechte Klammer fehlt",
+    "Komma fehlt",
+    "Parameter-Fehler",
+    "Parameter-Fehler",
+    "ELSE-Zweig fehlt",
+    nullptr,
+    nullptr,
+    nullptr,
+    "Unbekannte Variable",
+    "Unbekannte Funktion",
+    nullptr,
+    "Negative Wurzel",
+    "Wert zu gross",
+    "Division durch Null",
+    "Negative Wurzel",
+};
+
+} // namespace
+
+CZrCalculatorError::CZrCalculatorError(CalculatorErrorType type, zr_long row, zr_long column) noexcept
+    : type_(type), row_(row), column_(column) {}
+
+CalculatorErrorType CZrCalculatorError::GetErrorType() const noexcept {
+    return type_;
+}
+
+void CZrCalculatorError::SetErrorType(CalculatorErrorType type) noexcept {
+    type_ = type;
+}
+
+zr_long CZrCalculatorError::GetErrorRow() const noexcept {
+    return row_;
+}
+
+void CZrCalculatorError::SetErrorRow(zr_long row) noexcept {
+    row_ = row;
+}
+
+zr_long CZrCalculatorError::GetErrorColumn() const noexcept {
+    return column_;
+}
+
+void CZrCalculatorError::SetErrorColumn(zr_long column) noexcept {
+    column_ = column;
+}
+
+void CZrCalculatorError::GetMessageString(char *buffer, zr_long size) const noexcept {
+    if (buffer == nullptr || size < 1)
+        return;
+    const auto type = static_cast<std::size_t>(type_);
+    const char *message = type < std::size(messages) ? messages[type] : nullptr;
+    str_ncpy(buffer, message != nullptr ? message : default_message, size - 1);
+}
+
+CZrCalculator::CZrCalculator() noexcept : impl_(nullptr) {
+    void *place = heap_malloc(sizeof(CZrCalculatorImpl));
+    if (place != nullptr)
+        impl_ = new (place) CZrCalculatorImpl;
+}
+
+CZrCalculator::CZrCalculator(const CZrCalculator &other) noexcept : impl_(other.impl_) {
+    if (impl_ != nullptr)
+        ++impl_->owners;
+}
+
+CZrCalculator &CZrCalculator::operator=(const CZrCalculator &other) noexcept {
+    CZrCalculator copy(other);
+    std::swap(impl_, copy.impl_);
+    return *this;
+}
+
+CZrCalculator::~CZrCalculator() {
+    if (impl_ == nullptr || --impl_->owners != 0)
+        return;
+    impl_->~CZrCalculatorImpl();
+    heap_free(impl_);
+}
+
+bool CZrCalculator::Calculate(const char *text, double *result) noexcept {
+    return impl_ != nullptr && impl_->Calculate(text, result);
+}
+
+bool CZrCalculator::CalculateStringExpression(const char *text, char *out, zr_long size) noexcept {
+    return impl_ != nullptr && impl_->CalculateStringExpression(text, out, size);
+}
+
+const CZrCalculatorError &CZrCalculator::GetLastError() const noexcept {
+    static const CZrCalculatorError no_implementation(CALCULATOR_SYNTAX);
+    return impl_ != nullptr ? impl_->last_error : no_implementation;
+}
+
+extern "C" {
+
+void calc_expression(const char *text, double *result, char *ok) noexcept {
+    CZrCalculatorImpl impl;
+    const bool done = impl.Calculate(text, result);
+    if (ok != nullptr)
+        *ok = done ? 1 : 0;
+}
+
+void calc_string_expression(const char *text, char *out, zr_long size, char *ok) noexcept {
+    CZrCalculatorImpl impl;
+    const bool done = impl.CalculateStringExpression(text, out, size);
+    if (ok != nullptr)
+        *ok = done ? 1 : 0;
+}
+
+} // extern "C"

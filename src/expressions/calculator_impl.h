@@ -1,0 +1,32 @@
+// What a calculator is behind its face: the expression reader, the last error, and the number of objects that share it.
+#ifndef ZR_EXPRESSIONS_CALCULATOR_IMPL_H
+#define ZR_EXPRESSIONS_CALCULATOR_IMPL_H
+
+#include <zrclb/calc.hpp>
+
+#include "expressions/expression.h"
+
+namespace zr::expressions {
+
+// Decimals to which every result is rounded; 0 for no rounding. Of the process, without a guard.
+extern zr_long rounding_digits;
+
+} // namespace zr::expressions
+
+class CZrCalculatorImpl {
+public:
+    // Contracts of CZrCalculator.
+    bool Calculate(const char *text, double *result);
+    bool CalculateStringExpression(const char *text, char *out, zr_long size);
+
+    CZrCalculatorError last_error;
+    long owners = 1;
+
+private:
+    struct StringOutput;
+    bool AddPlace(char *place, char *close, StringOutput &output);
+
+    zr::expressions::Expression expression_;
+};
+
+#endif
