@@ -2,6 +2,7 @@
 #ifndef ZRCLB_ZRCLB_H
 #define ZRCLB_ZRCLB_H
 
+#include <zrclb/calc.h>
 #include <zrclb/clock.h>
 #include <zrclb/env.h>
 #include <zrclb/file_handle.h>

@@ -2,6 +2,7 @@
 #ifndef ZRCLB_ZRCLB_HPP
 #define ZRCLB_ZRCLB_HPP
 
+#include <zrclb/calc.hpp>
 #include <zrclb/env.hpp>
 #include <zrclb/file_name.hpp>
 #include <zrclb/scan.hpp>
