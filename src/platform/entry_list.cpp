@@ -2,11 +2,10 @@
 #include "platform/entry_list.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <new>
 
-#include "platform/code_page.h"
+#include "platform/letter_case.h"
 
 namespace zr::platform {
 
@@ -14,17 +13,6 @@ namespace {
 
 constexpr std::size_t block_size = 32768;
 constexpr std::size_t first_room = 64;
-
-constexpr std::array<unsigned char, 256> upper_bytes = [] {
-    std::array<unsigned char, 256> table{};
-    for (std::size_t i = 0; i < table.size(); ++i)
-        table[i] = UpperByte(static_cast<unsigned char>(i));
-    return table;
-}();
-
-unsigned char UpperOf(char c) {
-    return upper_bytes[static_cast<unsigned char>(c)];
-}
 
 } // namespace
 
@@ -77,7 +65,7 @@ std::uint64_t EntryList::KeyOf(const char *name) {
         return name[1] == 0 ? 0 : 1;
     std::uint64_t key = 0;
     for (std::size_t i = 0; i < sizeof key; ++i)
-        key = key << 8 | (*name != 0 ? UpperOf(*name++) : 0U);
+        key = key << 8 | (*name != 0 ? Capital(*name++) : 0U);
     return key;
 }
 
@@ -86,12 +74,12 @@ bool EntryList::IsBefore(const Place &a, const Place &b) {
         return a.key < b.key;
     const char *x = a.record->name;
     const char *y = b.record->name;
-    while (*x != 0 && UpperOf(*x) == UpperOf(*y)) {
+    while (*x != 0 && Capital(*x) == Capital(*y)) {
         ++x;
         ++y;
     }
-    if (UpperOf(*x) != UpperOf(*y))
-        return UpperOf(*x) < UpperOf(*y);
+    if (Capital(*x) != Capital(*y))
+        return Capital(*x) < Capital(*y);
     return std::strcmp(a.record->name, b.record->name) < 0;
 }
 

@@ -233,6 +233,51 @@ TEST_F(PosixDrives, SearchesKnowTheirDrive) {
     EXPECT_STREQ(entry.name, "ddir");
 }
 
+TEST_F(PosixDrives, KindsOnTwoDrivesAnswerTheTable) {
+    const int fixed = DriveType("D:\\"); // the kind of the disk that holds temporary folders
+    ASSERT_GT(fixed, 1);
+    const GoldenTable table("win_drivetype.tsv");
+    int checked = 0;
+    for (const GoldenTable::Row &row : table.Rows()) {
+        const std::string &path = row.at("path");
+        if (!row.at("windows_documented").empty() || path == "nul" || path.find("windows") != std::string::npos ||
+            path.compare(0, 4, "\\\\.\\") == 0 || path.compare(0, 4, "\\\\?\\") == 0 || path[0] == 'Z')
+            continue;
+        const bool on_d = row.at("cwd")[0] == 'D';
+        ASSERT_EQ(ChangeFolder((on_d ? "D:\\" : LibraryForm(m_c.Folder())).c_str()), done);
+        const std::string here = AtRoot(path, path == "\\woad" && on_d ? "C:\\none" : LibraryForm(m_c.Folder()));
+        const int type = DriveType(path == "\\N" ? nullptr : here.c_str());
+        SCOPED_TRACE(testing::PrintToString(path) + " at " + row.at("cwd"));
+        if (row.at("result") == "3") {
+            EXPECT_GT(type, 2);
+        } else {
+            EXPECT_EQ(type, std::stoi(row.at("result")));
+        }
+        ++checked;
+    }
+    RecordProperty("rows", checked);
+    EXPECT_GT(checked, 35);
+}
+
+TEST_F(PosixDrives, LinksAreFollowedAsTheHostFollowsThem) {
+    fs::create_directories(m_d.Folder() / "far" / "inner");
+    fs::create_directory_symlink(m_d.Folder() / "far" / "inner", m_c.Folder() / "cdir" / "link");
+    fs::create_symlink("../target", m_d.Folder() / "far" / "inner" / "file"); // far/target, not cdir/target
+    m_d.Write("far/target", "x");
+    char out[path_size];
+    ASSERT_TRUE(FollowLinks((LibraryForm(m_c.Folder()) + "\\cdir\\link\\file").c_str(), out, sizeof out));
+    EXPECT_EQ(std::string(out), LibraryForm(m_d.Folder() / "far" / "target"));
+    fs::remove(m_d.Folder() / "far" / "target"); // the target of the last link need not exist
+    ASSERT_TRUE(FollowLinks("D:\\far\\inner\\file", out, sizeof out));
+    EXPECT_EQ(std::string(out), LibraryForm(m_d.Folder() / "far" / "target"));
+    fs::create_symlink("none/../target", m_d.Folder() / "bad");
+    EXPECT_FALSE(FollowLinks("D:\\bad", out, sizeof out));
+    EXPECT_STREQ(out, "");
+    fs::create_symlink("..", m_d.Folder() / "ddir" / "up");
+    ASSERT_TRUE(FollowLinks("D:\\ddir\\up", out, sizeof out));
+    EXPECT_EQ(std::string(out), LibraryForm(m_d.Folder()));
+}
+
 TEST_F(PosixDrives, ThreadsMayChangeAndAskAtOnce) {
     std::thread changing([] {
         for (int i = 0; i < 300; ++i) {
