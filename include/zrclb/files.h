@@ -32,8 +32,7 @@ typedef struct fio_dirent {
     char name[256]; /* without its folder, terminated */
     uint32_t flags; /* FIO_IS_ bits */
     uint32_t size;  /* bytes; 0 for a folder, 4294967295 for a file of that size and more */
-    int32_t
-        mtime; /* last write as clock_makevalue gives it for the local time; unknown times count as the start of 1980 */
+    int32_t mtime;  /* last write, seconds since 1970 as clock_makevalue gives them; the start of 1980 if unknown */
 } fio_dirent;
 
 /* 1 if the path names a file or a folder, else 0. */

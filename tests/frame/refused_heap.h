@@ -1,10 +1,11 @@
-// Lets heap_malloc and heap_calloc fail, for the library's own calls too. The build leads the calls of a program whose test
+// Lets heap_malloc, heap_calloc and heap_realloc fail, for the library's own calls too. The build leads the calls of a program whose test
 // source includes this here; one source of a program only.
 #ifndef TESTS_FRAME_REFUSED_HEAP_H
 #define TESTS_FRAME_REFUSED_HEAP_H
 
 extern "C" void *__real_heap_malloc(unsigned int size) noexcept;
 extern "C" void *__real_heap_calloc(unsigned int count, unsigned int size) noexcept;
+extern "C" void *__real_heap_realloc(void *block, unsigned int size) noexcept;
 
 namespace zr::test {
 
@@ -49,6 +50,10 @@ extern "C" void *__wrap_heap_malloc(unsigned int size) noexcept {
 
 extern "C" void *__wrap_heap_calloc(unsigned int count, unsigned int size) noexcept {
     return zr::test::HeapRefusal::Refuses() ? nullptr : __real_heap_calloc(count, size);
+}
+
+extern "C" void *__wrap_heap_realloc(void *block, unsigned int size) noexcept {
+    return zr::test::HeapRefusal::Refuses() ? nullptr : __real_heap_realloc(block, size);
 }
 
 #endif
