@@ -5,35 +5,29 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "env/report_capture.h"
+#include "platform/file_verbs.h"
 #include "platform/files.h"
 #include "platform/temp_folder.h"
 
 class NamesFixture : public testing::Test {
 protected:
-    // Takes the right to write while it lives.
+    // Makes a file or folder read-only while it lives.
     class ReadOnly {
     public:
         explicit ReadOnly(const std::string &path) : m_path(path) {
-            using std::filesystem::perms;
-            const perms any_write = perms::owner_write | perms::group_write | perms::others_write;
-            std::filesystem::permissions(m_path, any_write, std::filesystem::perm_options::remove);
+            EXPECT_EQ(zr::platform::SetAttributes(m_path.c_str(), zr::platform::attribute_read_only), 0);
         }
-        ~ReadOnly() {
-            std::error_code ignored;
-            std::filesystem::permissions(m_path, std::filesystem::perms::owner_write,
-                                         std::filesystem::perm_options::add, ignored);
-        }
+        ~ReadOnly() { zr::platform::SetAttributes(m_path.c_str(), zr::platform::attribute_normal); }
         ReadOnly(const ReadOnly &) = delete;
         ReadOnly &operator=(const ReadOnly &) = delete;
 
     private:
-        std::filesystem::path m_path;
+        std::string m_path;
     };
 
     std::string Dir() const { return m_folder.Folder().string(); }
