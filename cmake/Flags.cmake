@@ -10,6 +10,11 @@ if(ZRCLB_SANITIZE)
   add_link_options(-fsanitize=${ZRCLB_SANITIZE})
 endif()
 
+# The older arithmetic of 32-bit processors keeps more digits than a double has, and rounds differently for it.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4 AND CMAKE_SYSTEM_PROCESSOR MATCHES "86")
+  add_compile_options(-msse2 -mfpmath=sse)
+endif()
+
 # The compiler's runtime goes into every Windows binary: the library must need nothing but system libraries.
 if(MINGW)
   add_link_options(-static)

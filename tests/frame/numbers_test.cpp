@@ -111,6 +111,12 @@ TEST(Rounding, Pround_RoundsToThePowerOfTen) {
     EXPECT_DOUBLE_EQ(pround(1.005, -2), std::floor(quotient + 0.5) * std::pow(10.0, -2.0));
 }
 
+// 2.675 is a little less than that, but a hundredth of it is nearest to 267.5.
+TEST(Rounding, Pround_RoundsEachStepToADouble) {
+    EXPECT_EQ(pround(2.675, -2), 268 * 0.01);
+    EXPECT_EQ(pround(1.005, -2), 100 * 0.01);
+}
+
 // Every power of ten that a double holds, those below the normal numbers too.
 TEST(Rounding, EachPowerOfTen_IsTheNearestDouble) {
     for (int exponent = -323; exponent <= 308; ++exponent)
