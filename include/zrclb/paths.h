@@ -34,6 +34,13 @@ extern "C" {
  * characters counts as empty. out may be one of the arguments. */
 ZR_API char *fio_makepath(char *out, const char *default_dir, const char *dir, const char *name) ZR_NOEXCEPT;
 
+/* As fio_makepath, and absolute: a path without a drive gets the current one; a relative one lies under the current folder of its
+ * drive, and under that of the current drive if its own doesn't exist. No separator stands at the end but a root's. "." and
+ * ".." stay as they are. The file need not exist.
+ * Gives out; out is empty where fio_makepath fails, which it reports, and where a relative path has no current folder to lie
+ * under. Null for a null out. */
+ZR_API char *fio_make_fullpath(char *out, const char *default_dir, const char *dir, const char *name) ZR_NOEXCEPT;
+
 /* Takes the first 260 characters of path apart: the drive ("C:" or empty) to drive[0..2], the folder with the separator
  * at its end to dir[0..255], the last element with its extension to name[0..259], all terminated. A null output is left
  * out. All are empty if folder, base name or extension have more than 255 characters; of a name of 260 characters the

@@ -1,0 +1,124 @@
+// Absolute paths.
+#include <zrclb/paths.h>
+
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <zrclb/files.h>
+
+#include "env/report_capture.h"
+#include "platform/temp_folder.h"
+
+namespace {
+
+using zr::test::Message;
+using zr::test::ReportCapture;
+using zr::test::Reports;
+
+std::string FullPath(const char *default_dir, const char *dir, const char *name) {
+    const auto out = std::make_unique<char[]>(260);
+    std::memset(out.get(), '#', 260);
+    EXPECT_EQ(fio_make_fullpath(out.get(), default_dir, dir, name), out.get());
+    return out.get();
+}
+
+std::string CurrentFolderOf(const char *host) {
+    char folder[260];
+    return fio_get_host_cwd(host, folder, sizeof folder) != nullptr ? folder : "";
+}
+
+// `name` below `folder`, which ends in a separator if it is a root.
+std::string Below(const std::string &folder, const std::string &name) {
+    return folder + (folder.ends_with('\\') ? "" : "\\") + name;
+}
+
+// Runs in a folder of its own, so that the current one is no root.
+class MakeFullpath : public testing::Test {
+protected:
+    std::string Here() const { return CurrentFolderOf(""); }
+    std::string Drive() const { return Here().substr(0, 2); }
+
+private:
+    TempFolder m_folder;
+    CurrentFolder m_current{m_folder.Folder()};
+};
+
+TEST_F(MakeFullpath, AbsolutePath_StaysAsItIs) {
+    EXPECT_EQ(FullPath("", "C:\\a", "x.txt"), "C:\\a\\x.txt");
+    EXPECT_EQ(FullPath("C:\\base", "rel", "x"), "C:\\base\\rel\\x");
+    EXPECT_EQ(FullPath("", "", "c:/a/../b"), "c:\\a\\..\\b");
+    EXPECT_EQ(FullPath(nullptr, nullptr, "Q:\\no\\such\\drive"), "Q:\\no\\such\\drive");
+}
+
+TEST_F(MakeFullpath, RelativePath_LiesUnderTheCurrentFolder) {
+    EXPECT_EQ(FullPath("", "", "x.txt"), Below(Here(), "x.txt"));
+    EXPECT_EQ(FullPath("", "sub", "x.txt"), Below(Here(), "sub\\x.txt"));
+    EXPECT_EQ(FullPath("base", "sub/", "x.txt"), Below(Here(), "base\\sub\\x.txt"));
+    EXPECT_EQ(FullPath("", "", "..\\x"), Below(Here(), "..\\x"));
+    EXPECT_EQ(FullPath("", "a\\", ""), Below(Here(), "a"));
+    EXPECT_EQ(FullPath("", "", (Drive() + "x.txt").c_str()), Below(Here(), "x.txt"));
+}
+
+TEST_F(MakeFullpath, NothingGiven_IsTheCurrentFolder) {
+    EXPECT_EQ(FullPath("", "", ""), Here());
+    EXPECT_EQ(FullPath(nullptr, nullptr, nullptr), Here());
+    EXPECT_EQ(FullPath("", "", Drive().c_str()), Here());
+}
+
+TEST_F(MakeFullpath, PathWithoutDrive_GetsTheCurrentOne) {
+    EXPECT_EQ(FullPath("", "", "\\a\\b"), Drive() + "\\a\\b");
+    EXPECT_EQ(FullPath("", "/a", "b"), Drive() + "\\a\\b");
+    EXPECT_EQ(FullPath("", "", "\\"), Drive() + "\\");
+}
+
+TEST_F(MakeFullpath, SeparatorAtTheEnd_StandsAtARootOnly) {
+    EXPECT_EQ(FullPath("", "C:\\", ""), "C:\\");
+    EXPECT_EQ(FullPath("", "C:", ""), "C:\\");
+    EXPECT_EQ(FullPath("", "C:\\a\\", ""), "C:\\a");
+    EXPECT_EQ(FullPath("", "C:a\\", ""), "C:\\a");
+    EXPECT_EQ(FullPath("", "C:\\a\\\\", ""), "C:\\a");
+}
+
+TEST_F(MakeFullpath, NetworkPath_GetsNoDrive) {
+    EXPECT_EQ(FullPath("", "", "\\\\srv\\sh\\f.txt"), "\\\\srv\\sh\\f.txt");
+    EXPECT_EQ(FullPath("", "\\\\srv\\sh", "f.txt"), "\\\\srv\\sh\\f.txt");
+    EXPECT_EQ(FullPath("", "\\\\srv\\sh\\", ""), "\\\\srv\\sh");
+}
+
+TEST_F(MakeFullpath, DriveThatDoesNotExist_TakesTheCurrentFolder) {
+    EXPECT_EQ(FullPath("", "", "Q:x.txt"), Below(Here(), "x.txt"));
+}
+
+TEST_F(MakeFullpath, FirstCompositionTooLong_LeavesAnEmptyPath) {
+    const std::string long_name = "C:\\" + std::string(200, 'a') + "\\" + std::string(60, 'b');
+    ReportCapture reports;
+    EXPECT_EQ(FullPath("", "", long_name.c_str()), "");
+    EXPECT_EQ(reports.Take(), Reports{Message("Fio", "Buffer zu klein")});
+    EXPECT_EQ(FullPath("", (long_name + std::string(10000, 'c')).c_str(), "x"), "");
+    EXPECT_EQ(reports.Take(), Reports{Message("Fio", "Buffer zu klein")});
+}
+
+TEST_F(MakeFullpath, SecondCompositionTooLong_LeavesAnEmptyPath) {
+    ReportCapture reports;
+    const std::string relative = std::string(200, 'a') + "\\" + std::string(55, 'b'); // 256 characters
+    EXPECT_EQ(FullPath("", "", relative.c_str()), "");
+    EXPECT_EQ(reports.Take(), Reports{Message("Fio", "Buffer zu klein")});
+}
+
+TEST_F(MakeFullpath, NullOutput_GivesNull) {
+    EXPECT_EQ(fio_make_fullpath(nullptr, "", "C:\\a", "x"), nullptr);
+}
+
+TEST_F(MakeFullpath, OutputMayBeAnArgument) {
+    char path[260] = "C:\\a";
+    EXPECT_STREQ(fio_make_fullpath(path, "", path, "x"), "C:\\a\\x");
+    std::strcpy(path, "y");
+    EXPECT_EQ(fio_make_fullpath(path, "", path, path), path);
+    EXPECT_EQ(path, Below(Here(), "y\\y"));
+}
+
+} // namespace
