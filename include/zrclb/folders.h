@@ -54,7 +54,7 @@ ZR_API int fio_DeleteTempDirectory(const char *dir) ZR_NOEXCEPT;
 /* Copies all that lies in from_dir into the folder to_dir, which must exist: 1, or 0. A folder of the same name in to_dir makes
  * it fail; the folders come first, so no file of that level is copied then. Files overwrite those of the same name; one that
  * can't be copied is passed over and doesn't count. What was copied before a failure stays. Links are followed; a ring
- * of links fails. */
+ * of links fails. A null is a failure. */
 ZR_API int fio_CopyDirectory(const char *to_dir, const char *from_dir) ZR_NOEXCEPT;
 
 /* Clears the system's attribute bits `attributes` (1 read-only, 2 hidden, 4 system, 32 archive) of path and, if that is a folder, of all

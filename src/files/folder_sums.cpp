@@ -43,7 +43,7 @@ void AddEntry(const char *dir, const FoundEntry &entry, bool recursive, Sums &su
 
 bool AddFolder(const char *dir, bool recursive, Sums &sums) noexcept {
     char pattern[path_size];
-    if (fio_makepath(pattern, "", dir, "*.*") == nullptr)
+    if (!zr::files::IsComposable(dir) || fio_makepath(pattern, "", dir, "*.*") == nullptr)
         return false;
     zr::platform::FolderSearch search;
     FoundEntry entry;

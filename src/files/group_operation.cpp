@@ -10,11 +10,13 @@
 #include <zrclb/paths.h>
 #include <zrclb/report.h>
 
+#include "files/entry_path.h"
 #include "platform/files.h"
 #include "platform/shell.h"
 
 namespace {
 
+using zr::files::IsComposable;
 using zr::platform::GroupVerb;
 using zr::platform::path_size;
 
@@ -52,7 +54,7 @@ PathList ComposeList(const char *dir, const char *const *names) {
     if (dir == nullptr)
         dir = "";
     const std::size_t size = RoomFor(dir, names);
-    if (size > std::numeric_limits<unsigned>::max())
+    if (size > std::numeric_limits<unsigned>::max() || !IsComposable(dir))
         return nullptr;
     PathList list(static_cast<char *>(heap_malloc(static_cast<unsigned>(size))));
     if (list == nullptr)
@@ -60,7 +62,7 @@ PathList ComposeList(const char *dir, const char *const *names) {
     char *end = list.get();
     for (; *names != nullptr; ++names) {
         char path[path_size];
-        if (fio_makepath(path, "", dir, *names) == nullptr)
+        if (!IsComposable(*names) || fio_makepath(path, "", dir, *names) == nullptr)
             return nullptr;
         const std::size_t length = std::strlen(path) + 1;
         std::memcpy(end, path, length);
