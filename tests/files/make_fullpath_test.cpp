@@ -2,7 +2,9 @@
 #include <zrclb/paths.h>
 
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -91,6 +93,41 @@ TEST_F(MakeFullpath, NetworkPath_GetsNoDrive) {
 
 TEST_F(MakeFullpath, DriveThatDoesNotExist_TakesTheCurrentFolder) {
     EXPECT_EQ(FullPath("", "", "Q:x.txt"), Below(Here(), "x.txt"));
+}
+
+// On a second drive: one of the test's where drives can be had for the asking, else one that is there anyway.
+TEST_F(MakeFullpath, SecondDrive_HasAFolderOfItsOwn) {
+    const TempFolder second;
+    static std::string variable; // belongs to the environment from here on
+    variable = "ZR_DRIVE_D=" + second.Folder().string();
+    static char removed[] = "ZR_DRIVE_D=";
+    std::filesystem::create_directory(second.Folder() / "there");
+    putenv(variable.data());
+    const std::string here = Here();
+    const std::string first = Drive();
+    std::string other;
+    for (const char *drive : {"D:", "C:", "Z:"})
+        if (other.empty() && first != drive && fio_host_exist(drive) == 1)
+            other = drive;
+    if (other.empty())
+        GTEST_SKIP() << "only one drive on this host";
+    if (fio_ispath((other + "\\there").c_str()) == 1) {
+        EXPECT_EQ(fio_chdir((other + "\\there").c_str()), 0);
+        EXPECT_EQ(CurrentFolderOf(other.c_str()), other + "\\there");
+    } else {
+        EXPECT_EQ(fio_sethostname(other.c_str()), 0);
+    }
+    // The other drive is current.
+    EXPECT_EQ(FullPath("", "", "x.txt"), Below(CurrentFolderOf(other.c_str()), "x.txt"));
+    EXPECT_EQ(FullPath("", "", "\\a\\b"), other + "\\a\\b");
+    EXPECT_EQ(FullPath("", "", (first + "x.txt").c_str()), Below(here, "x.txt"));
+    EXPECT_EQ(fio_sethostname(first.c_str()), 0);
+    // It is not, and keeps its folder.
+    EXPECT_EQ(FullPath("", "", (other + "sub\\x.txt").c_str()), Below(CurrentFolderOf(other.c_str()), "sub\\x.txt"));
+    EXPECT_EQ(FullPath("", "", "x.txt"), Below(here, "x.txt"));
+    EXPECT_EQ(FullPath("", (other + "sub").c_str(), "x.txt"),
+              other + "\\sub\\x.txt"); // a bare drive in dir means its root
+    putenv(removed);
 }
 
 TEST_F(MakeFullpath, FirstCompositionTooLong_LeavesAnEmptyPath) {

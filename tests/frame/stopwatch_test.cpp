@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "frame/refused_heap.h"
 #include "platform/clock.h"
 #include "platform/temp_folder.h"
 
@@ -77,6 +78,18 @@ TEST_F(Stopwatch, NewTimer_IsClear) {
     EXPECT_EQ(timer->total_milliseconds, 0U);
     EXPECT_EQ(timer->starts, 0);
     EXPECT_EQ(clock_timerget(timer), 0);
+}
+
+TEST_F(Stopwatch, RefusedMemory_GivesNullAndLeavesTheTable) {
+    const TempFolder folder;
+    clock_timertable(folder.Path("before").c_str(), 0);
+    {
+        const zr::test::HeapRefusal refusal(0);
+        EXPECT_EQ(clock_timeropen("refused"), nullptr);
+        EXPECT_TRUE(refusal.Met());
+    }
+    clock_timertable(folder.Path("after").c_str(), 0);
+    EXPECT_EQ(folder.Read("after"), folder.Read("before"));
 }
 
 TEST_F(Stopwatch, LongName_IsCutAt79Characters) {
