@@ -84,6 +84,32 @@ bool HostTempFolder(PathBuffer &out) {
     return true;
 }
 
+// Resolves "." and ".." and runs of separators in an absolute path in the library's form, and puts one separator at its end: paths
+// composed below the folder begin with it then. Answers the length.
+std::size_t ResolveFolder(char *folder) {
+    constexpr std::size_t drive = 2; // "C:"
+    std::size_t length = drive;
+    for (const char *from = folder + drive; *from != 0;) {
+        from += std::strspn(from, "\\");
+        const std::size_t element = std::strcspn(from, "\\");
+        const bool current = element == 0 || (element == 1 && from[0] == '.');
+        const bool above = element == 2 && from[0] == '.' && from[1] == '.';
+        if (above && length > drive) {
+            do
+                --length;
+            while (folder[length] != '\\');
+        } else if (!current && !above) {
+            folder[length++] = '\\';
+            std::memmove(folder + length, from, element);
+            length += element;
+        }
+        from += element;
+    }
+    folder[length++] = '\\';
+    folder[length] = 0;
+    return length;
+}
+
 } // namespace
 
 std::size_t backend::TempFolder(char *out, std::size_t size) {
@@ -93,11 +119,7 @@ std::size_t backend::TempFolder(char *out, std::size_t size) {
     char folder[sizeof host + 3]; // the drive, and a separator at the end
     if (!HostTempFolder(host) || !posix::FromHost(host, folder, sizeof folder - 1))
         return 0;
-    std::size_t length = std::strlen(folder);
-    while (length > 0 && folder[length - 1] == '\\')
-        --length;
-    folder[length++] = '\\';
-    folder[length] = 0;
+    const std::size_t length = ResolveFolder(folder);
     if (out == nullptr || size <= length)
         return length + 1;
     std::memcpy(out, folder, length + 1);

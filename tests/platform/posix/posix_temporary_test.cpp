@@ -49,6 +49,15 @@ TEST_F(PosixTemporary, FolderIsTmpdirInTheLibrarysForm) {
     EXPECT_EQ(With("/"), "C:\\");
 }
 
+TEST_F(PosixTemporary, FolderIsResolvedInTheText) {
+    EXPECT_EQ(With("/var//tmp"), "C:\\var\\tmp\\");
+    EXPECT_EQ(With("/var/./x/../tmp/."), "C:\\var\\tmp\\");
+    EXPECT_EQ(With("/../../var"), "C:\\var\\");
+    EXPECT_EQ(With("/var/.."), "C:\\");
+    EXPECT_EQ(With("//"), "C:\\");
+    EXPECT_EQ(With("/.../a..b/.c"), "C:\\...\\a..b\\.c\\");
+}
+
 TEST_F(PosixTemporary, FolderIsTmpWithoutTmpdir) {
     EXPECT_EQ(With(""), "C:\\tmp\\");
     unsetenv("TMPDIR");
