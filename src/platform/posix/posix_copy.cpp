@@ -48,8 +48,10 @@ private:
 // A pipe or a device at which nobody waits must not hold the copy up.
 constexpr int no_waiting = O_NONBLOCK | O_NOCTTY;
 
+constexpr std::size_t buffer_size = 65536;
+
 bool CopyThroughMemory(int from, int to) {
-    char buffer[65536];
+    char buffer[buffer_size];
     ssize_t count;
     while ((count = Read(from, buffer, sizeof buffer)) > 0)
         if (WriteAll(to, buffer, static_cast<std::size_t>(count)) != static_cast<std::size_t>(count))
@@ -63,8 +65,10 @@ bool NeedsMemory(int error) {
            error == EBADF;
 }
 
-// Copies everything, from where the two files stand. False with errno set.
-bool CopyContent(int from, int to) {
+// Copies everything, from where the two files stand. False with errno set. For a small file the host's own copying is the longer way.
+bool CopyContent(int from, int to, off_t size) {
+    if (size <= static_cast<off_t>(buffer_size))
+        return CopyThroughMemory(from, to);
     constexpr std::size_t chunk = std::size_t{1} << 30;
     for (bool first = true;; first = false) {
         const ssize_t count = copy_file_range(from, nullptr, to, nullptr, chunk, 0);
@@ -148,7 +152,7 @@ int OpenNew(const char *host, const struct stat &source, Descriptor &target, boo
 
 // Fills the new or emptied target.
 int Fill(Descriptor &source, const struct stat &status, Descriptor &target) {
-    if (!CopyContent(source.Get(), target.Get()))
+    if (!CopyContent(source.Get(), target.Get(), status.st_size))
         return SystemCode(errno);
     CopyFacts(status, target.Get());
     return target.Close() ? done : SystemCode(errno);
