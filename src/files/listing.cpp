@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 #include <zrclb/clock.h>
 #include <zrclb/heap.h>
@@ -32,17 +33,17 @@ std::uint32_t FlagsOf(std::uint32_t attributes) {
     return flags;
 }
 
-// Times of last writes as values of the clock. Remembers the last one, since the files of a folder often share theirs.
+// Times of last writes as values of the clock. Remembers some, since files of a folder were often written close together and a
+// conversion can take longer than all else that is done for an entry.
 class WriteTimes {
 public:
     std::int32_t ValueOf(std::int64_t modified) {
         constexpr std::int64_t unknown = -1, first_of_1980 = 315529200;
         const std::int64_t time = modified == unknown ? first_of_1980 : modified;
-        if (time != m_time) {
-            m_time = time;
-            m_value = Convert(time);
-        }
-        return m_value;
+        Known &known = m_known[static_cast<std::uint64_t>(time) % std::size(m_known)];
+        if (!known.valid || known.time != time)
+            known = {time, Convert(time), true};
+        return known.value;
     }
 
 private:
@@ -63,8 +64,12 @@ private:
         return clock_makevalue(&fields);
     }
 
-    std::int64_t m_time = INT64_MIN;
-    std::int32_t m_value = Convert(INT64_MIN);
+    struct Known {
+        std::int64_t time;
+        std::int32_t value;
+        bool valid;
+    };
+    Known m_known[256] = {};
 };
 
 // The array of a listing while it grows, released unless it is taken.
