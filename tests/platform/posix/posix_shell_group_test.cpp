@@ -7,6 +7,8 @@
 
 #include <sys/stat.h>
 
+#include <zrclb/folders.h>
+
 #include "env/refused_memory.h"
 #include "platform/shell.h"
 #include "platform/shell_paths.h"
@@ -132,6 +134,27 @@ TEST_F(PosixGroupOperations, WholeTreesMoveToAnotherFileSystem) {
     EXPECT_EQ(fs::status(far / "tree" / "sub").permissions() & fs::perms::owner_write, fs::perms::none);
     EXPECT_EQ(fs::read_symlink(far / "tree" / "link"), "sub/x");
     fs::remove_all(far);
+}
+
+TEST_F(PosixGroupOperations, SecondDriveIsAFolderLikeOthers) {
+    fs::create_directories(At("second/tree"));
+    m_folder.Write("second/tree/x", "X");
+    const std::string list = std::string("D:\\tree") + std::string(2, '\0');
+    const std::string target = LibraryPath(At("copy")) + std::string(2, '\0');
+    EXPECT_NE(DoGroupOperation(GroupVerb::copy, list.c_str(), target.c_str(), {}, m_aborted), 0);
+    EXPECT_EQ(fio_getdiskfree("D"), 0.0);
+    EXPECT_EQ(fio_GetDriveType("D:\\tree"), 1);
+    ASSERT_EQ(setenv("ZR_DRIVE_D", At("second").c_str(), 1), 0);
+    EXPECT_EQ(DoGroupOperation(GroupVerb::move, list.c_str(), target.c_str(), {}, m_aborted), 0);
+    testing::internal::CaptureStdout();
+    EXPECT_GT(fio_getdiskfree("D"), 0.0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "\nGetDiskFreeSpaceEx:\n");
+    EXPECT_GE(fio_GetDriveType("D:\\tree"), 2);
+    EXPECT_EQ(fio_CopyDirectory("D:\\", LibraryPath(At("copy")).c_str()), 1);
+    EXPECT_EQ(fio_GetFolderSize("D:\\", 0), 1.0);
+    unsetenv("ZR_DRIVE_D");
+    EXPECT_EQ(m_folder.Read("copy/x") + m_folder.Read("second/x"), "XX");
+    EXPECT_FALSE(fs::exists(At("second/tree")));
 }
 
 TEST_F(PosixGroupOperations, WhatIsNoFileIsNotCopied) {
