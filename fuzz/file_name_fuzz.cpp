@@ -1,4 +1,5 @@
-// Setters and getters of the file name value in any order: against the plain reference, and against the value's own tests.
+// Setters and getters of the file name value in any order: against the plain reference, and against the value's own
+// tests.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -68,7 +69,7 @@ public:
     }
 
 private:
-    // A text to give to a setter: one of the object's own, null, or one from the input. Long ones lie around the limits.
+    // A text to give to a setter: one of the object's own, null, or one from the input. Long ones lie around limits.
     const char *NextText(std::string &held) {
         const std::uint8_t kind = m_input.Byte();
         switch (kind % 8) {

@@ -10,8 +10,9 @@
        value that is no live handle must not be passed.
     2. Texts are zero-terminated bytes in code page 1252. A null text counts as empty, unless a function says otherwise.
        Texts given are copied, and may be results of the same handle.
-    3. Texts got belong to the handle and are never null for a live one: valid until the next call of the same function
-       or the next change of the value, at most until the handle is freed.
+    3. Texts got belong to the handle, at most until it is freed, and are never null for a live one. A built one (path,
+       compact path, name with extension, directory with drive) stays as it is until that function is called again, the
+       path also until zrFileGetError is; a stored part follows its setters.
     4. Setters give 1, or 0 if what they were given is invalid. An invalid part is stored all the same, cut to its room.
     5. Reports carry the tag ZrFileName.
     6. Threads: a handle belongs to one thread at a time, reads included. Nothing throws. */
@@ -93,8 +94,8 @@ ZR_API int zrFileGetError(zr_value handle) ZR_NOEXCEPT;
 /* Tests of a text, without a handle: 1 valid, 0 not, also for null and the empty text. No report. Any thread.
    - Name: 1 to 255 characters, none of " / : ; < > @ \ | * ?
    - Ext: the same; a leading dot is passed over, and something must follow it.
-   - Dir: 1 to 259 characters, no drive; between slashes and backslashes "." or ".." or valid names that neither begin nor
-     end with a blank, a tab or a dot.
+   - Dir: 1 to 259 characters, no drive; between slashes and backslashes "." or ".." or valid names that neither begin
+     nor end with a blank, a tab or a dot.
    - Drive: a letter A to Z or a to z and a colon.
    - Path: 1 to 259 characters; the parts that it has are valid, and no extension stands without a name. */
 ZR_API int zrFileNameValid(const char *text) ZR_NOEXCEPT;

@@ -81,7 +81,14 @@ bool CZrFileName::FNToDir(const char *text) {
     // text may lie in dir, which changes first. What is cut off here no splitter would take anyway.
     char new_name[longest_split + 2];
     StoreUpTo(new_name, text, longest_split + 1);
-    if (*name != '\0' && !AddDir(GetFileName(true)))
+    char whole[sizeof name + sizeof ext]; // the terminator of the first makes room for the dot
+    StoreUpTo(whole, name, part_limit);
+    if (*name != '\0' && *ext != '\0') {
+        const std::size_t length = std::strlen(whole);
+        whole[length] = '.';
+        StoreUpTo(whole + length + 1, ext, part_limit);
+    }
+    if (!AddDir(whole))
         return false;
     return SetFileName(new_name, true);
 }

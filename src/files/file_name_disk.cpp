@@ -6,7 +6,12 @@
 #include "platform/files.h"
 
 bool CZrFileName::Exist() const {
-    return fio_exist(GetDir(true), GetFileName(true)) == 1;
+    const char *folder = GetDir(true);
+    const char *file = GetFileName(true);
+    // Parts that have no room together give an empty text, which would ask for something else.
+    if ((*drive != '\0' && *folder == '\0') || (*name != '\0' && *file == '\0'))
+        return false;
+    return fio_exist(folder, file) == 1;
 }
 
 bool CZrFileName::SetTemporaryFileName() {

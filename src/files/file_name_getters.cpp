@@ -1,4 +1,5 @@
-// The file name value: getters. Each builds its text in an array of its own; only the path is kept until a part changes.
+// The file name value: getters. Each builds its text in an array of its own; only the path is kept until a part
+// changes.
 #include <zrclb/file_name.hpp>
 
 #include <algorithm>
@@ -19,7 +20,8 @@ bool IsSeparator(char c) {
     return c == '\\' || c == '/';
 }
 
-// Puts a root behind the first colon of path[0..size-1], if none is there. Without room for it `path` becomes empty, after a report.
+// Puts a root behind the first colon of path[0..size-1], if none is there. Without room for it `path` becomes empty,
+// after a report.
 void RootDrive(char *path, std::size_t size) {
     const char *colon = std::strchr(path, ':');
     if (colon == nullptr || IsSeparator(colon[1]))

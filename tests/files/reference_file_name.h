@@ -118,7 +118,10 @@ public:
         return good;
     }
 
-    bool FNToDir(const Text &text) { return (name.empty() || AddDir(FileName(true))) && SetFileName(text, true); }
+    bool FNToDir(const Text &text) {
+        const std::string whole = name + (name.empty() || ext.empty() ? "" : "." + ext);
+        return AddDir(whole) && SetFileName(text, true);
+    }
 
     std::string FileName(bool with_ext) const {
         if (!with_ext || ext.empty() || name.empty())
