@@ -109,6 +109,19 @@ TEST_F(FileNameFunctions, Setters_AnswerOneOrZero) {
     EXPECT_EQ(zrFileRemoveLastDir(handle), 0);
 }
 
+TEST_F(FileNameFunctions, Setters_NullTextsClear) {
+    EXPECT_EQ(zrFileSetExt(handle, nullptr), 1);
+    EXPECT_EQ(zrFileSetDir(handle, nullptr), 1);
+    EXPECT_STREQ(zrFileGetPath(handle), "C:\\a");
+    EXPECT_EQ(zrFileSetDrive(handle, nullptr), 1);
+    EXPECT_STREQ(zrFileGetPath(handle), "a");
+    EXPECT_EQ(zrFileFNToDir(handle, nullptr), 1);
+    EXPECT_EQ(zrFileAddDir(handle, ""), 1);
+    EXPECT_STREQ(zrFileGetPath(handle), "a\\");
+    EXPECT_EQ(zrFileReplaceDir(handle, "a", nullptr), 1);
+    EXPECT_STREQ(zrFileGetPath(handle), "");
+}
+
 TEST_F(FileNameFunctions, Setters_PassReportsOn) {
     EXPECT_EQ(zrFileAddDir(handle, nullptr), 0);
     ExpectReport("AddDir(): NULL-Pointer");

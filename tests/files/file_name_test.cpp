@@ -1,15 +1,23 @@
 // The file name value as a class: every member, report and limit.
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <string>
+#include <system_error>
 #include <type_traits>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include <zrclb/file_name.hpp>
+#include <zrclb/folders.h>
+#include <zrclb/paths.h>
 
 #include "env/report_capture.h"
+#include "golden_table.h"
+#include "platform/services.h"
+#include "platform/temp_folder.h"
 
 namespace {
 
@@ -49,7 +57,7 @@ private:
     zr::test::ReportCapture m_capture;
 };
 
-// ---- Construction -----------------------------------------------------------------------------------------------------
+// ---- Construction ---------------------------------------------------------------------------------------------------
 
 TEST_F(FileName, Default_HasNoPartsAndNoPath) {
     const CZrFileName file;
@@ -84,6 +92,7 @@ TEST_F(FileName, AllParts_GivePathAndDirectories) {
 TEST_F(FileName, Construction_EmptyAndNullLeavePartsUnset) {
     const CZrFileName file("", "", "", "");
     EXPECT_EQ(Parts(file), Texts({"", "", "", ""}));
+    EXPECT_EQ(file.GetError(), ZR_FILE_NAME_BAD_PATH) << "no part counts as set";
     const CZrFileName partly("a.b", nullptr, "", nullptr);
     EXPECT_EQ(Parts(partly), Texts({"a", "b", "", ""}));
     EXPECT_EQ(partly.GetError(), ZR_FILE_NAME_OK);
@@ -100,10 +109,21 @@ TEST_F(FileName, Construction_OldExtensionGoesToTheNameIfItFits) {
     EXPECT_EQ(Parts(CZrFileName("a.b", "c")), Texts({"a.b", "c", "", ""}));
     EXPECT_EQ(Parts(CZrFileName("a.b", ".c")), Texts({"a.b", "c", "", ""}));
     EXPECT_EQ(Parts(CZrFileName("a", "c")), Texts({"a", "c", "", ""}));
+    EXPECT_EQ(Parts(CZrFileName(".b", "c")), Texts({".b", "c", "", ""})) << "also where there was no name";
     EXPECT_EQ(Parts(CZrFileName("a.b", "c*")), Texts({"a", "c*", "", ""})) << "only a valid extension";
     EXPECT_EQ(Parts(CZrFileName((Of(252) + ".b").c_str(), "c")), Texts({Of(252) + ".b", "c", "", ""}));
     EXPECT_EQ(Parts(CZrFileName((Of(253) + ".b").c_str(), "c")), Texts({Of(253) + ".b", "c", "", ""}));
     EXPECT_EQ(Parts(CZrFileName((Of(254) + ".b").c_str(), "c")), Texts({Of(254), "c", "", ""}));
+}
+
+TEST_F(FileName, Construction_Limits) {
+    for (const std::size_t count : {259U, 260U, 10000U}) {
+        const std::string text = Of(count);
+        CZrFileName file(text.c_str(), text.c_str(), text.c_str(), text.c_str());
+        EXPECT_EQ(Reports(), Texts({"TerminateDir() : length error"}));
+        EXPECT_EQ(Parts(file), Texts({"", Of(255), "", "aa"}));
+        EXPECT_EQ(file.GetError(), ZR_FILE_NAME_BAD_NAME);
+    }
 }
 
 TEST_F(FileName, Copies_AreIndependent) {
@@ -121,7 +141,21 @@ TEST_F(FileName, Copies_AreIndependent) {
     EXPECT_STREQ(third.GetPath(), "C:\\d\\a.txt");
 }
 
-// ---- SetFileName ------------------------------------------------------------------------------------------------------
+TEST_F(FileName, Copies_TakeFaultsAndResultsAlong) {
+    CZrFileName nameless;
+    EXPECT_FALSE(nameless.SetFileName("C:\\d\\", true));
+    EXPECT_EQ(CZrFileName(nameless).GetError(), ZR_FILE_NAME_BAD_NAME) << "empty, and set";
+    const CZrFileName pathless(nullptr, "txt");
+    EXPECT_STREQ(pathless.GetPath(), "");
+    EXPECT_EQ(Reports(), Texts({"GetPath(): Kein g\xFCltiger Pfad"}));
+    EXPECT_STREQ(CZrFileName(pathless).GetPath(), "");
+    nameless = pathless;
+    EXPECT_STREQ(nameless.GetPath(), "");
+    EXPECT_EQ(Reports(), Texts()) << "the kept path is copied";
+    EXPECT_EQ(nameless.GetError(), ZR_FILE_NAME_BAD_PATH);
+}
+
+// ---- SetFileName ----------------------------------------------------------------------------------------------------
 
 TEST_F(FileName, SetFileName_TakesWholePath) {
     CZrFileName file;
@@ -187,6 +221,19 @@ TEST_F(FileName, SetFileName_InvalidIsStoredAndTold) {
     EXPECT_FALSE(CZrFileName().SetFileName("1:a", true));
     EXPECT_FALSE(CZrFileName().SetFileName("x<y\\a", true));
     EXPECT_FALSE(CZrFileName().SetFileName("a.", true)) << "the extension is a dot without text";
+    EXPECT_TRUE(file.SetExt(""));
+    EXPECT_FALSE(file.SetFileName("a.t*", false)) << "here the name is bad";
+    EXPECT_EQ(file.GetError(), ZR_FILE_NAME_BAD_NAME);
+    EXPECT_TRUE(file.SetFileName("", true)) << "what is cleared is not tested";
+    EXPECT_EQ(file.GetError(), ZR_FILE_NAME_BAD_PATH);
+}
+
+TEST_F(FileName, SetFileName_AllPartsInvalid_AllAreStored) {
+    CZrFileName file("n", "e", "d", "C:");
+    EXPECT_STREQ(file.GetPath(), "C:\\d\\n.e");
+    EXPECT_FALSE(file.SetFileName("1:x.\\a?.b|", true));
+    EXPECT_EQ(Parts(file), Texts({"a?", "b|", "x.\\", "1:"}));
+    EXPECT_STREQ(file.GetPath(), "1:\\x.\\a?.b|");
 }
 
 TEST_F(FileName, SetFileName_PathWithoutName_TakesTheRestAndFails) {
@@ -198,6 +245,8 @@ TEST_F(FileName, SetFileName_PathWithoutName_TakesTheRestAndFails) {
     EXPECT_EQ(Parts(file), Texts({"", "ini", "\\d\\", "C:"}));
     EXPECT_FALSE(file.SetFileName("\\\\//", true));
     EXPECT_STREQ(file.GetDir(false), "\\\\");
+    EXPECT_FALSE(file.SetFileName("E:", true));
+    EXPECT_EQ(Parts(file), Texts({"", "ini", "\\\\", "E:"}));
 }
 
 TEST_F(FileName, SetFileName_Limits) {
@@ -222,7 +271,7 @@ TEST_F(FileName, SetFileName_BytesAboveAsciiPass) {
     EXPECT_EQ(file.GetError(), ZR_FILE_NAME_OK);
 }
 
-// ---- SetExt and SetDrive ----------------------------------------------------------------------------------------------
+// ---- SetExt and SetDrive --------------------------------------------------------------------------------------------
 
 TEST_F(FileName, SetExt_DropsOneDot) {
     CZrFileName file("a");
@@ -255,6 +304,11 @@ TEST_F(FileName, SetExt_InvalidIsStoredAndTold) {
     EXPECT_FALSE(file.SetExt("."));
     EXPECT_STREQ(file.GetExt(), "");
     EXPECT_EQ(file.GetError(), ZR_FILE_NAME_BAD_EXT);
+    EXPECT_TRUE(file.SetExt(".."));
+    EXPECT_STREQ(file.GetExt(), ".");
+    EXPECT_EQ(file.GetError(), ZR_FILE_NAME_BAD_EXT) << "what is left is no extension";
+    EXPECT_TRUE(file.SetExt(""));
+    EXPECT_EQ(file.GetError(), ZR_FILE_NAME_OK);
 }
 
 TEST_F(FileName, SetExt_Limits) {
@@ -281,8 +335,10 @@ TEST_F(FileName, SetDrive_StoresTwoCharacters) {
         EXPECT_EQ(file.GetDrive(), std::string(bad).substr(0, 2));
     }
     EXPECT_EQ(file.GetError(), ZR_FILE_NAME_BAD_DRIVE);
-    EXPECT_FALSE(file.SetDrive(Of(10000, 'C').c_str()));
-    EXPECT_STREQ(file.GetDrive(), "CC");
+    for (const std::size_t count : {3U, 259U, 260U, 10000U}) {
+        EXPECT_FALSE(file.SetDrive(Of(count, 'C').c_str()));
+        EXPECT_STREQ(file.GetDrive(), "CC");
+    }
     EXPECT_STREQ(file.GetPath(), "C:\\a");
     EXPECT_TRUE(file.SetDrive(""));
     EXPECT_STREQ(file.GetDrive(), "");
@@ -292,7 +348,7 @@ TEST_F(FileName, SetDrive_StoresTwoCharacters) {
     EXPECT_STREQ(file.GetPath(), "a");
 }
 
-// ---- SetDir -----------------------------------------------------------------------------------------------------------
+// ---- SetDir ---------------------------------------------------------------------------------------------------------
 
 TEST_F(FileName, SetDir_GivesStandardForm) {
     CZrFileName file;
@@ -310,6 +366,9 @@ TEST_F(FileName, SetDir_GivesStandardForm) {
     EXPECT_STREQ(file.GetDir(false), "d.e\\");
     EXPECT_TRUE(file.SetDir("..\\./\xFC"));
     EXPECT_STREQ(file.GetDir(false), "..\\.\\\xFC\\");
+    EXPECT_STREQ(file.GetPath(), "C:\\..\\.\\\xFC\\");
+    EXPECT_TRUE(file.SetDir("\\..\\.."));
+    EXPECT_STREQ(file.GetPath(), "C:\\..\\..\\") << "built anew, and nothing is resolved";
 }
 
 TEST_F(FileName, SetDir_SeparatorsOnlyAreValid) {
@@ -338,6 +397,8 @@ TEST_F(FileName, SetDir_InvalidIsStoredAndTold) {
         EXPECT_EQ(file.GetDir(false), std::string(bad) + "\\");
         EXPECT_EQ(file.GetError(), ZR_FILE_NAME_BAD_DIR);
     }
+    EXPECT_TRUE(file.SetDir(""));
+    EXPECT_EQ(file.GetError(), ZR_FILE_NAME_OK);
     EXPECT_FALSE(file.SetDir("1:\\x")) << "the drive is bad";
     EXPECT_EQ(Parts(file), Texts({"a", "", "\\x\\", "1:"}));
     EXPECT_EQ(file.GetError(), ZR_FILE_NAME_BAD_DRIVE);
@@ -364,7 +425,17 @@ TEST_F(FileName, SetDir_Limits) {
     }
 }
 
-// ---- AddDir -----------------------------------------------------------------------------------------------------------
+TEST_F(FileName, SetDir_LimitCountsTheDrive) {
+    CZrFileName file;
+    EXPECT_TRUE(file.SetDir(("C:\\" + Of(251)).c_str()));
+    EXPECT_EQ(Reports(), Texts());
+    EXPECT_EQ(Parts(file), Texts({"", "", "\\" + Of(251) + "\\", "C:"}));
+    EXPECT_TRUE(file.SetDir(("D:\\" + Of(252)).c_str()));
+    EXPECT_EQ(Reports(), Texts({"TerminateDir() : length error"}));
+    EXPECT_EQ(Parts(file), Texts({"", "", "\\", "D:"}));
+}
+
+// ---- AddDir ---------------------------------------------------------------------------------------------------------
 
 TEST_F(FileName, AddDir_AppendsInStandardForm) {
     CZrFileName file("a", nullptr, "\\x", "C:");
@@ -375,6 +446,8 @@ TEST_F(FileName, AddDir_AppendsInStandardForm) {
     EXPECT_STREQ(file.GetDir(false), "\\x\\y\\z\\w\\");
     EXPECT_TRUE(file.AddDir(".."));
     EXPECT_STREQ(file.GetPath(), "C:\\x\\y\\z\\w\\..\\a");
+    EXPECT_TRUE(file.AddDir("/\\"));
+    EXPECT_STREQ(file.GetDir(false), "\\x\\y\\z\\w\\..\\") << "separators alone add nothing";
     CZrFileName fresh;
     EXPECT_TRUE(fresh.AddDir("\xE4"));
     EXPECT_STREQ(fresh.GetPath(), "\xE4\\");
@@ -437,7 +510,7 @@ TEST_F(FileName, AddDir_TooLong_ReportsAndChangesNothing) {
     EXPECT_EQ(Reports(), Texts({"AddDir(): Verzeichnis zu lang"}));
 }
 
-// ---- RemoveLastDir, ReplaceDir, FNToDir -------------------------------------------------------------------------------
+// ---- RemoveLastDir, ReplaceDir, FNToDir -----------------------------------------------------------------------------
 
 TEST_F(FileName, RemoveLastDir_GoesUpToEmpty) {
     CZrFileName file("f", nullptr, "\\a\\b\\", "C:");
@@ -480,6 +553,14 @@ TEST_F(FileName, ReplaceDir_ReplacesTheFirst) {
     EXPECT_STREQ(file.GetDir(false), "\\c\\a\\");
     EXPECT_TRUE(file.ReplaceDir("a", "\\z")) << "a doubled backslash goes";
     EXPECT_STREQ(file.GetDir(false), "\\c\\z\\");
+    EXPECT_TRUE(file.ReplaceDir("/", "\xE4")) << "the first separator alone";
+    EXPECT_STREQ(file.GetDir(false), "\xE4\\c\\z\\");
+}
+
+TEST_F(FileName, ReplaceDir_TakesTheEndOfAnElement) {
+    CZrFileName file(nullptr, nullptr, "\\xa\\ab\\a");
+    EXPECT_TRUE(file.ReplaceDir("a", "c")) << "a text with its backslash is replaced, not an element";
+    EXPECT_STREQ(file.GetDir(false), "\\xc\\ab\\a\\");
 }
 
 TEST_F(FileName, ReplaceDir_EmptyFrom_Reports) {
@@ -498,6 +579,19 @@ TEST_F(FileName, ReplaceDir_NotFound_Reports) {
     EXPECT_STREQ(file.GetPath(), "a\\f");
     EXPECT_FALSE(CZrFileName().ReplaceDir("a", "b"));
     EXPECT_EQ(Reports(), Texts({"ReplaceDir() : Fehler beim Ersetzen"}));
+    EXPECT_FALSE(file.ReplaceDir("c", "b*"));
+    EXPECT_EQ(Reports(),
+              Texts({"ReplaceDir(): Verzeichnis nicht g\xFCltig :|b*", "ReplaceDir() : Fehler beim Ersetzen"}));
+}
+
+TEST_F(FileName, ReplaceDir_NotFound_StillMarksThePathAsChanged) {
+    CZrFileName file(Of(255).c_str(), nullptr, "dddd");
+    EXPECT_STREQ(file.GetPath(), "");
+    EXPECT_EQ(Reports(), Texts({"GetPath(): Kein g\xFCltiger Pfad"}));
+    EXPECT_FALSE(file.ReplaceDir("q", "x"));
+    EXPECT_EQ(Reports(), Texts({"ReplaceDir() : Fehler beim Ersetzen"}));
+    EXPECT_STREQ(file.GetPath(), "");
+    EXPECT_EQ(Reports(), Texts({"GetPath(): Kein g\xFCltiger Pfad"}));
 }
 
 TEST_F(FileName, ReplaceDir_InvalidTo_ReportsAndReplaces) {
@@ -521,6 +615,19 @@ TEST_F(FileName, ReplaceDir_Limits) {
     EXPECT_TRUE(file.ReplaceDir("b", Of(255).c_str())) << "cut at 255, without a backslash at its end";
     EXPECT_EQ(Reports(), Texts({"TerminateDir() : length error", "TerminateDir() : length error"}));
     EXPECT_EQ(file.GetDir(false), Of(255));
+    for (const std::size_t count : {259U, 260U, 10000U}) {
+        file.SetDir("b");
+        EXPECT_FALSE(file.ReplaceDir("b", Of(count).c_str()));
+        const Texts reports = AllReports();
+        ASSERT_EQ(reports.size(), 3U);
+        EXPECT_TRUE(reports[0].starts_with("ReplaceDir(): Verzeichnis nicht g\xFCltig :|" + Of(200)));
+        EXPECT_EQ(file.GetDir(false), Of(255));
+        EXPECT_TRUE(file.ReplaceDir(Of(count).c_str(), "")) << "the first 255 characters count";
+        EXPECT_EQ(Reports(), Texts({"TerminateDir() : length error"}));
+        EXPECT_STREQ(file.GetDir(false), "");
+    }
+    file.AddDir(Of(255).c_str());
+    EXPECT_EQ(Reports(), Texts({"TerminateDir() : length error"}));
     EXPECT_FALSE(file.ReplaceDir(Of(10000).c_str(), (Of(10, 'z') + Of(10000, '/')).c_str()));
     const Texts reports = AllReports();
     ASSERT_EQ(reports.size(), 2U);
@@ -551,6 +658,21 @@ TEST_F(FileName, FNToDir_StopsWhereTheNameIsNoDirectory) {
     EXPECT_EQ(Parts(file), Texts({"a*", "", "d\\a*\\", ""}));
 }
 
+TEST_F(FileName, FNToDir_StopsWhereTheNameHasNoRoom) {
+    CZrFileName file(Of(255).c_str(), "bcdef");
+    EXPECT_STREQ(file.GetFileName(true), "") << "261 characters";
+    EXPECT_FALSE(file.FNToDir("n"));
+    const Texts reports = AllReports();
+    ASSERT_EQ(reports.size(), 2U);
+    EXPECT_TRUE(reports[0].starts_with("AddDir(): Verzeichnis nicht g\xFCltig :|" + Of(200)));
+    EXPECT_EQ(reports[1], "AddDir(): Verzeichnis zu lang");
+    EXPECT_EQ(Parts(file), Texts({Of(255), "bcdef", "", ""})) << "nothing is lost";
+    CZrFileName longest(Of(255).c_str(), Of(255).c_str(), "d");
+    EXPECT_FALSE(longest.FNToDir("n"));
+    EXPECT_EQ(AllReports().size(), 2U);
+    EXPECT_EQ(Parts(longest), Texts({Of(255), Of(255), "d\\", ""}));
+}
+
 TEST_F(FileName, FNToDir_Limits) {
     for (const std::size_t count : {255U, 256U, 767U, 768U, 769U, 10000U}) {
         CZrFileName file("a");
@@ -563,7 +685,7 @@ TEST_F(FileName, FNToDir_Limits) {
     EXPECT_EQ(Parts(file), Texts({Of(255, 'b'), Of(254, 'c'), Of(254) + "\\", "C:"}));
 }
 
-// ---- Getters ----------------------------------------------------------------------------------------------------------
+// ---- Getters --------------------------------------------------------------------------------------------------------
 
 TEST_F(FileName, GetFileName_FitsTo259) {
     CZrFileName file(Of(255).c_str());
@@ -581,6 +703,8 @@ TEST_F(FileName, GetDir_WithDrive) {
     EXPECT_STREQ(CZrFileName(nullptr, nullptr, nullptr, "C:").GetDir(true), "C:");
     EXPECT_STREQ(CZrFileName(nullptr, nullptr, "x\\y").GetDir(true), "x\\y\\") << "no drive";
     EXPECT_STREQ(CZrFileName(nullptr, nullptr, "C:\\a\\b").GetDir(true), "C:\\a\\b");
+    EXPECT_STREQ(CZrFileName(nullptr, nullptr, "x\\y", "C:").GetDir(true), "C:x\\y") << "only the path has a root";
+    EXPECT_STREQ(CZrFileName(nullptr, nullptr, "x", "C:").GetDir(true), "C:x\\") << "so short that it keeps it";
 }
 
 TEST_F(FileName, GetDir_WithDriveFitsTo259) {
@@ -616,6 +740,11 @@ TEST_F(FileName, GetPath_DriveAlwaysHasARoot) {
     EXPECT_STREQ(CZrFileName("ab:").GetPath(), "ab:\\") << "any colon counts";
     EXPECT_STREQ(CZrFileName("ab:c:d").GetPath(), "ab:\\c:d") << "but only the first";
     EXPECT_STREQ(CZrFileName("a", nullptr, nullptr, "7").GetPath(), "7:\\a");
+    EXPECT_STREQ(CZrFileName(nullptr, "txt", nullptr, "C:").GetPath(), "C:\\");
+    CZrFileName file("a");
+    EXPECT_FALSE(file.AddDir("C:y"));
+    EXPECT_EQ(Reports(), Texts({"AddDir(): Verzeichnis nicht g\xFCltig :|C:y"}));
+    EXPECT_STREQ(file.GetPath(), "C:\\y\\a");
 }
 
 TEST_F(FileName, GetPath_OnlyExtension_ReportsOnce) {
@@ -691,6 +820,32 @@ TEST_F(FileName, GetCompactPath_KeepsToTheWidth) {
     EXPECT_EQ(file.GetCompactPath(static_cast<zr_ulong>(path.size() + 2)), path) << "one more than would do";
 }
 
+TEST_F(FileName, GetCompactPath_IsThePlainFunctions) {
+    std::size_t compared = 0;
+    const GoldenTable table("win_compactpath.tsv");
+    for (const GoldenTable::Row &row : table.Rows()) {
+        CZrFileName file;
+        file.SetFileName(row.at("path").c_str(), true);
+        if (file.GetPath() != row.at("path"))
+            continue; // the value changes it: a drive without root, doubled separators, slashes
+        EXPECT_EQ(file.GetCompactPath(static_cast<zr_ulong>(std::stoul(row.at("width")))), row.at("result"))
+            << row.at("path") << " " << row.at("width");
+        ++compared;
+    }
+    EXPECT_GT(compared, 300U);
+    AllReports(); // paths of the table that are too long
+
+    for (const std::string &path : {"C:\\" + Of(123) + "\\" + Of(130, '\xE4') + ".x", "\\\\srv\\" + Of(252), Of(255)}) {
+        CZrFileName file;
+        EXPECT_TRUE(file.SetFileName(path.c_str(), true));
+        for (unsigned width = 0; width <= 300; ++width) {
+            char out[300] = "";
+            EXPECT_EQ(fio_CompactPath(out, path.c_str(), width, 0), 1);
+            ASSERT_STREQ(file.GetCompactPath(width), out) << width;
+        }
+    }
+}
+
 TEST_F(FileName, GetCompactPath_WidthsAroundItsBuffer) {
     const CZrFileName file(Of(253).c_str(), nullptr, "\\dd", "C:");
     const std::string path = file.GetPath();
@@ -705,21 +860,24 @@ TEST_F(FileName, GetCompactPath_WidthsAroundItsBuffer) {
 }
 
 TEST_F(FileName, Results_StayUntilTheirOwnGetterIsCalledAgain) {
-    const CZrFileName file("C:\\x\\y\\a.txt");
+    CZrFileName file("C:\\x\\y\\a.txt");
     const char *path = file.GetPath();
     const char *compact = file.GetCompactPath(10);
     const char *full = file.GetFileName(true);
     const char *dir = file.GetDir(true);
     const char *last = file.GetLastDir();
     EXPECT_EQ(file.GetError(), ZR_FILE_NAME_OK);
+    EXPECT_TRUE(file.FNToDir("D:\\z\\b.c"));
+    EXPECT_TRUE(file.ReplaceDir("z", "w"));
+    EXPECT_TRUE(file.RemoveLastDir());
     EXPECT_STREQ(path, "C:\\x\\y\\a.txt");
-    EXPECT_LT(std::strlen(compact), 10U);
+    EXPECT_STREQ(compact, "...\\a.txt");
     EXPECT_STREQ(full, "a.txt");
     EXPECT_STREQ(dir, "C:\\x\\y");
     EXPECT_STREQ(last, "y");
 }
 
-// ---- An object's own texts --------------------------------------------------------------------------------------------
+// ---- An object's own texts ------------------------------------------------------------------------------------------
 
 TEST_F(FileName, OwnTexts_MayBeGivenToItsSetters) {
     CZrFileName file("a.b", "txt", "\\d\\e", "C:");
@@ -757,7 +915,7 @@ TEST_F(FileName, OwnTexts_MayBeGivenToTheChangesOfTheDirectory) {
     EXPECT_EQ(Parts(file), Texts({"", "", "\\d\\n\\n\\", ""}));
 }
 
-// ---- Validity of texts ------------------------------------------------------------------------------------------------
+// ---- Validity of texts ----------------------------------------------------------------------------------------------
 
 TEST_F(FileName, FileNameValid_Texts) {
     for (const std::string &good : {std::string("a"), std::string("a b.txt"), std::string("."), std::string(" "),
@@ -821,20 +979,102 @@ TEST_F(FileName, PathValid_Texts) {
 TEST_F(FileName, GetError_TellsTheFirstFault) {
     CZrFileName file("n?", "e?", "d?", "1:");
     EXPECT_EQ(file.GetError(), ZR_FILE_NAME_BAD_NAME);
+    EXPECT_FALSE(file.FileNameValid() || file.ExtValid() || file.DirValid() || file.DriveValid() || file.PathValid());
     EXPECT_TRUE(file.SetFileName("n", true));
     EXPECT_EQ(file.GetError(), ZR_FILE_NAME_BAD_EXT);
+    EXPECT_TRUE(file.FileNameValid());
+    EXPECT_FALSE(file.ExtValid() || file.DirValid() || file.DriveValid() || file.PathValid());
     EXPECT_TRUE(file.SetExt("e"));
     EXPECT_EQ(file.GetError(), ZR_FILE_NAME_BAD_DIR);
+    EXPECT_TRUE(file.FileNameValid() && file.ExtValid());
+    EXPECT_FALSE(file.DirValid() || file.DriveValid() || file.PathValid());
     EXPECT_TRUE(file.SetDir("d"));
     EXPECT_EQ(file.GetError(), ZR_FILE_NAME_BAD_DRIVE);
+    EXPECT_TRUE(file.FileNameValid() && file.ExtValid() && file.DirValid());
+    EXPECT_FALSE(file.DriveValid() || file.PathValid());
     EXPECT_TRUE(file.SetDrive("C:"));
     EXPECT_EQ(file.GetError(), ZR_FILE_NAME_OK);
+    EXPECT_TRUE(file.FileNameValid() && file.ExtValid() && file.DirValid() && file.DriveValid() && file.PathValid());
     EXPECT_EQ(0, ZR_FILE_NAME_OK);
     EXPECT_EQ(1, ZR_FILE_NAME_BAD_NAME);
     EXPECT_EQ(2, ZR_FILE_NAME_BAD_EXT);
     EXPECT_EQ(3, ZR_FILE_NAME_BAD_DIR);
     EXPECT_EQ(4, ZR_FILE_NAME_BAD_DRIVE);
     EXPECT_EQ(5, ZR_FILE_NAME_BAD_PATH);
+}
+
+// ---- On the disk ----------------------------------------------------------------------------------------------------
+
+// Whether the file of this path has been there, which it is no more.
+bool RemoveEmpty(const char *path) {
+    char host[1024];
+    if (zr_HostPath(path, host, sizeof host) != 1)
+        return false;
+    std::error_code error;
+    return std::filesystem::file_size(host, error) == 0 && std::filesystem::remove(host, error);
+}
+
+TEST_F(FileName, Exist_LooksAtTheDisk) {
+    const TempFolder folder;
+    folder.Write("a.txt", "x");
+    CZrFileName file;
+    EXPECT_TRUE(file.SetFileName(folder.Path("a.txt").c_str(), true));
+    EXPECT_TRUE(file.Exist());
+    EXPECT_TRUE(file.SetExt("no"));
+    EXPECT_FALSE(file.Exist());
+    file.SetFileName("", true);
+    EXPECT_TRUE(file.Exist()) << "the folder itself";
+    EXPECT_TRUE(file.AddDir("no"));
+    EXPECT_FALSE(file.Exist());
+    EXPECT_TRUE(CZrFileName(folder.Folder().string().c_str()).Exist()) << "a folder by its name";
+    EXPECT_FALSE(CZrFileName("b", nullptr, folder.Path("a.txt").c_str()).Exist()) << "nothing lies under a file";
+    EXPECT_FALSE(CZrFileName("a", nullptr, "\\", "B:").Exist()) << "a drive that isn't there";
+    EXPECT_FALSE(CZrFileName().Exist());
+}
+
+TEST_F(FileName, Exist_PartsWithoutRoomTogetherAreNowhere) {
+    const TempFolder folder;
+    folder.Write("a.txt", "x");
+    const CurrentFolder current(folder.Folder());
+    EXPECT_TRUE(CZrFileName("a.txt").Exist());
+    CZrFileName file(Of(255).c_str(), "bcdef");
+    EXPECT_TRUE(file.SetDir(folder.Folder().string().c_str()));
+    EXPECT_FALSE(file.Exist()) << "not its folder";
+    EXPECT_TRUE(file.SetFileName("a.txt", true));
+    EXPECT_TRUE(file.Exist());
+    CZrFileName deep("a.txt", nullptr, "\\ddd", "C:");
+    EXPECT_TRUE(deep.AddDir(Of(253).c_str()));
+    EXPECT_FALSE(deep.Exist()) << "not in the current folder";
+    EXPECT_EQ(AllReports(), Texts({"TerminateDir() : length error", "Buffer zu klein"}));
+}
+
+TEST_F(FileName, TemporaryFileName_NamesAFileThatTheSystemMade) {
+    CZrFileName file("a", "b", "c", "D:");
+    EXPECT_STREQ(file.GetPath(), "D:\\c\\a.b");
+    EXPECT_TRUE(file.SetTemporaryFileName());
+    EXPECT_EQ(std::string(file.GetFileName(false)).substr(0, 3), "zr_");
+    EXPECT_STREQ(file.GetExt(), "tmp");
+    EXPECT_EQ(file.GetError(), ZR_FILE_NAME_OK);
+    EXPECT_TRUE(file.Exist());
+    const CZrFileName other = CZrFileName::GetTemporaryFileName();
+    EXPECT_EQ(other.GetError(), ZR_FILE_NAME_OK);
+    EXPECT_TRUE(other.Exist());
+    EXPECT_STREQ(other.GetDir(true), file.GetDir(true));
+    EXPECT_STRNE(other.GetPath(), file.GetPath());
+    EXPECT_TRUE(RemoveEmpty(file.GetPath()));
+    EXPECT_TRUE(RemoveEmpty(other.GetPath()));
+    EXPECT_FALSE(file.Exist());
+}
+
+TEST_F(FileName, TemporaryFileName_FailureChangesNothing) {
+    zr::platform::services.temp_folder = [](char *, std::size_t) -> std::size_t { return 0; };
+    CZrFileName file("a", "b", "c", "D:");
+    EXPECT_FALSE(file.SetTemporaryFileName());
+    EXPECT_EQ(AllReports(), Texts({"Failed GetTempPath call"}));
+    EXPECT_STREQ(file.GetPath(), "D:\\c\\a.b");
+    EXPECT_STREQ(CZrFileName::GetTemporaryFileName().GetPath(), "");
+    EXPECT_EQ(AllReports(), Texts({"Failed GetTempPath call"}));
+    zr::platform::services = zr::platform::Services();
 }
 
 } // namespace
