@@ -70,7 +70,8 @@ ZR_API FILE *fio_fp(fio_handle *handle) ZR_NOEXCEPT;
 ZR_API zr_long fio_length(fio_handle *handle) ZR_NOEXCEPT;
 
 /* Moves the position offset bytes from the start (whence 0), from the present position (1) or from the end (any other
-   whence). 0, or -1. The header counts. */
+   whence), behind the end too. 0; -1 for a place before the start, and where what was written and is still in memory
+   can't be handed over. The header counts. */
 ZR_API int fio_seek(fio_handle *handle, zr_long offset, int whence) ZR_NOEXCEPT;
 
 /* Bytes in front of the position, header included; -1 on failure and for more than 2147483647. In text mode it is exact

@@ -26,8 +26,8 @@ bool PutBlanks(std::FILE *stream, std::size_t count) {
     return done;
 }
 
-// Reads at most `max` characters of a text that ends at a line feed, a zero byte, the end of the file, or behind one of the
-// delimiters. Answers whether anything was read.
+// Reads at most `max` characters of a text that ends at a line feed, a zero byte, the end of the file, or behind one of
+// the delimiters. Answers whether anything was read.
 bool GetText(std::FILE *stream, int max, const char *delimiters, char *buffer) {
     bool read = false;
     char *end = buffer;

@@ -44,8 +44,8 @@ double Reversed(double value) {
     return std::bit_cast<double>(high << 32 | ReversedBytes(static_cast<std::uint32_t>(bits >> 32)));
 }
 
-// Whether the handle writes doubles and longs at all. A handle that appends never has an order of its own from fio_open;
-// the second test guards those that got it in another way.
+// Whether the handle writes doubles and longs at all. A handle that appends never has an order of its own from
+// fio_open; the second test guards those that got it in another way.
 bool WritesOrdered(const fio_handle *handle, const char *refusal, int line) {
     if (StreamOf(handle) == nullptr || HasMode(*handle, FIO_TEXT))
         return false;

@@ -9,8 +9,8 @@ struct OpenMode {
     bool update; // "+": reading and writing
 };
 
-// Takes "r", "w" or "a", behind it an optional "+" and an optional letter `kind` ('t' or 'b'). False for any other text and
-// for null; `out` is then undefined.
+// Takes "r", "w" or "a", behind it an optional "+" and an optional letter `kind` ('t' or 'b'). False for any other text
+// and for null; `out` is then undefined.
 bool ParseOpenMode(const char *mode, char kind, OpenMode &out);
 
 } // namespace zr::platform

@@ -1,6 +1,7 @@
 // Locks of whole files: between streams of one process and between processes.
 #include "platform/file_locks.h"
 
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -34,7 +35,8 @@ bool Appears(const std::string &path) {
     return false;
 }
 
-// What the second process does: locks the file, says what came out by making a file, and holds on until another one is made.
+// What the second process does: locks the file, says what came out by making a file, and holds on until another one is
+// made.
 bool HoldOn(const std::string &folder) {
     std::FILE *stream = OpenText((folder + "/file").c_str(), "r");
     if (stream == nullptr)
@@ -117,6 +119,50 @@ TEST_F(FileLocks, PositionsStay) {
     EXPECT_EQ(std::fgetc(m_two), 'e');
 }
 
+// Behind what the buffers hold reading goes on where the descriptor stands.
+TEST_F(FileLocks, DescriptorsStayWhateverComesOut) {
+    std::string bytes;
+    while (bytes.size() < 300000)
+        bytes += std::to_string(bytes.size()) + " ";
+    m_folder.Write("file", bytes);
+    for (std::FILE *stream : {m_one, m_two}) {
+        std::FILE *other = stream == m_one ? m_two : m_one;
+        std::string text(1, static_cast<char>(std::fgetc(stream)));
+        EXPECT_EQ(LockFile(stream), LockOutcome::done);
+        EXPECT_EQ(LockFile(stream), LockOutcome::held);
+        EXPECT_EQ(UnlockFile(stream), LockOutcome::done);
+        EXPECT_EQ(UnlockFile(stream), LockOutcome::failed);
+        EXPECT_EQ(LockFile(other), LockOutcome::done);
+        EXPECT_EQ(LockFile(stream), LockOutcome::held);
+        EXPECT_EQ(UnlockFile(stream), LockOutcome::failed);
+        EXPECT_EQ(UnlockFile(other), LockOutcome::done);
+        for (int c; (c = std::fgetc(stream)) != EOF;)
+            text += static_cast<char>(c);
+        EXPECT_EQ(text.compare(bytes), 0);
+    }
+}
+
+TEST_F(FileLocks, WhatIsInMemoryStaysThere) {
+    ASSERT_TRUE(SeekStream(m_one, 4, SEEK_SET));
+    EXPECT_EQ(std::fputc('B', m_one), 'B');
+    EXPECT_EQ(LockFile(m_one), LockOutcome::done);
+    EXPECT_EQ(UnlockFile(m_one), LockOutcome::done);
+    EXPECT_EQ(m_folder.Read("file"), "ten bytes\n");
+    EXPECT_EQ(TellStream(m_one), 5);
+    EXPECT_EQ(std::fflush(m_one), 0);
+    EXPECT_EQ(m_folder.Read("file"), "ten Bytes\n");
+}
+
+TEST_F(FileLocks, FileOfThreeGigabytesIsLocked) {
+    std::filesystem::resize_file(m_folder.Path("file"), 3221225472U);
+    ASSERT_TRUE(SeekStream(m_one, 3000000000, SEEK_SET));
+    EXPECT_EQ(LockFile(m_one), LockOutcome::done);
+    EXPECT_EQ(LockFile(m_two), LockOutcome::held);
+    EXPECT_EQ(TellStream(m_one), 3000000000);
+    EXPECT_EQ(UnlockFile(m_one), LockOutcome::done);
+    EXPECT_EQ(LockFile(m_two), LockOutcome::done);
+}
+
 TEST_F(FileLocks, HolderReadsAndWrites) {
     ASSERT_EQ(LockFile(m_one), LockOutcome::done);
     EXPECT_EQ(std::fgetc(m_one), 't');
@@ -142,9 +188,18 @@ TEST_F(FileLocks, EmptyFileIsLocked) {
     std::fclose(stream);
 }
 
-TEST_F(FileLocks, NoStreamHasNoDescriptor) {
+TEST_F(FileLocks, FailuresHaveAReason) {
+    errno = 0;
     EXPECT_EQ(LockFile(nullptr), LockOutcome::bad_descriptor);
+    EXPECT_EQ(errno, EBADF);
     EXPECT_EQ(UnlockFile(nullptr), LockOutcome::bad_descriptor);
+    errno = 0;
+    EXPECT_EQ(UnlockFile(m_one), LockOutcome::failed);
+    EXPECT_NE(errno, 0) << "the reason";
+    EXPECT_EQ(LockFile(m_one), LockOutcome::done);
+    errno = 0;
+    EXPECT_EQ(LockFile(m_two), LockOutcome::held);
+    EXPECT_NE(errno, 0) << "the reason";
 }
 
 TEST_F(FileLocks, OtherProcessHoldsUntilItEnds) {

@@ -109,7 +109,8 @@ std::string AllBy(const std::string &method, std::FILE *stream) {
     return text;
 }
 
-// The file that a row of the table of writes ends with. Where a remark says what the desktop makes of the row, that counts.
+// The file that a row of the table of writes ends with. Where a remark says what the desktop makes of the row, that
+// counts.
 std::string FileAfter(const Row &row) {
     const std::string remark = "a trailing 0x1A is removed before appending: ";
     const std::string &documented = row.at("windows_documented");
@@ -177,6 +178,7 @@ TEST_F(Streams, TableOfPositionsHolds) {
         char line[254];
         while (std::fgets(line, sizeof line, stream) != nullptr) {
             const long offset = std::ftell(stream);
+            EXPECT_EQ(zr::platform::TellStream(stream), offset);
             offsets.append(",").append(std::to_string(offset));
             first = first < 0 ? offset : first;
         }

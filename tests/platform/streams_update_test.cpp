@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -10,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "golden_table.h"
+#include "odd_streams.h"
 #include "platform/files.h"
 #include "platform/streams.h"
 #include "platform/temp_folder.h"
@@ -86,6 +88,26 @@ TEST_F(StreamsUpdate, WriteRewindRead) {
     EXPECT_TRUE(Put(stream, "c\n")); // the end of the file was met
     EXPECT_EQ(std::fclose(stream), 0);
     EXPECT_EQ(m_folder.Read("file"), "a\r\nb\r\nc\r\n");
+}
+
+TEST_F(StreamsUpdate, WriteFlushRead) {
+    for (const char *mode : {"r+t", "r+b"}) {
+        SCOPED_TRACE(mode);
+        std::FILE *stream = Open("one\r\ntwo\r\n", mode);
+        EXPECT_TRUE(Put(stream, "ONE"));
+        EXPECT_EQ(std::fflush(stream), 0);
+        EXPECT_EQ(Rest(stream), mode[2] == 't' ? "\ntwo\n" : "\r\ntwo\r\n");
+        EXPECT_EQ(std::fclose(stream), 0);
+        EXPECT_EQ(m_folder.Read("file"), "ONE\r\ntwo\r\n");
+    }
+}
+
+TEST_F(StreamsUpdate, ChildrenDoNotInheritFiles) {
+    for (const char *mode : {"rt", "wt", "at", "r+t", "w+t", "a+t", "rb", "wb", "ab", "r+b", "w+b", "a+b"}) {
+        std::FILE *stream = Open("", mode);
+        EXPECT_FALSE(IsInherited(stream)) << mode;
+        std::fclose(stream);
+    }
 }
 
 TEST_F(StreamsUpdate, AppendReadsAnywhereAndWritesAtTheEnd) {
@@ -274,6 +296,8 @@ TEST_F(StreamsUpdate, SeekBeforeTheStartFailsAndStays) {
         EXPECT_EQ(TellStream(stream), 1);
         EXPECT_EQ(std::fgetc(stream), 'n');
         EXPECT_FALSE(SeekStream(stream, -3, SEEK_CUR));
+        EXPECT_FALSE(SeekStream(stream, std::numeric_limits<std::int64_t>::min(), SEEK_CUR));
+        EXPECT_FALSE(SeekStream(stream, std::numeric_limits<std::int64_t>::max(), SEEK_CUR));
         EXPECT_EQ(std::fgetc(stream), 'e');
         EXPECT_FALSE(SeekStream(stream, -11, SEEK_END));
         EXPECT_FALSE(SeekStream(stream, 0, 3));
@@ -369,9 +393,9 @@ void MakeTree(const TempFolder &folder) {
     std::filesystem::permissions(folder.Path("fs/readonly.txt"), std::filesystem::perms::owner_read);
 }
 
-// Rows that this library answers in its own way: modes that it doesn't know, paths that are too long, and a hidden file, which
-// this tree doesn't hide. Off the desktop also what makes names special there: case, devices, dots and blanks at the end and
-// letters that no name may have.
+// Rows that this library answers in its own way: modes that it doesn't know, paths that are too long, and a hidden
+// file, which this tree doesn't hide. Off the desktop also what makes names special there: case, devices, dots and
+// blanks at the end and letters that no name may have.
 bool IsSpecial(const std::string &path, const std::string &mode) {
     const bool known_mode =
         mode == "x" || mode == "tr" || mode == "+r" || mode == "r" || mode == "w" ||

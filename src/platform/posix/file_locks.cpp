@@ -21,8 +21,8 @@ enum class Holding {
     unknown
 };
 
-// Whether this open file holds the lock. flock itself doesn't tell: it grants an open file its own lock again. The system's
-// notes on a descriptor name it, within the first lines.
+// Whether this open file holds the lock. flock itself doesn't tell: it grants an open file its own lock again. The
+// system's notes on a descriptor name it, within the first lines.
 Holding HoldsLock(int descriptor) {
     char name[48];
     std::snprintf(name, sizeof name, "/proc/self/fdinfo/%d", descriptor);
@@ -40,8 +40,10 @@ Holding HoldsLock(int descriptor) {
 
 LockOutcome CheckDescriptor(int descriptor) {
     struct stat status;
-    if (descriptor < 0)
+    if (descriptor < 0) {
+        errno = EBADF;
         return LockOutcome::bad_descriptor;
+    }
     if (fstat(descriptor, &status) != 0)
         return errno == EBADF ? LockOutcome::bad_descriptor : LockOutcome::no_length;
     return lseek(descriptor, 0, SEEK_CUR) < 0 ? LockOutcome::no_length : LockOutcome::done;

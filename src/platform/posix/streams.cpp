@@ -1,16 +1,17 @@
-// Streams. Text is a FILE of the C library over functions of ours that translate line ends between its buffer and the file.
+// Streams. Text is a FILE of the C library over functions of ours that translate line ends between its buffer and the
+// file.
 //
-// The C library believes that a byte in its buffer is a byte of the file. That holds for none of its reckonings of position
-// here, so the functions below look at the FILE's own pointers (public in this C library) and answer what makes the result
-// of the reckoning right:
+// The C library believes that a byte in its buffer is a byte of the file. That holds for none of its reckonings of
+// position here, so the functions below look at the FILE's own pointers (public in this C library) and answer what
+// makes the result of the reckoning right:
 //   ftell      asks for the present offset and takes off the unread bytes of the buffer (adds the unwritten ones).
-//   fseek      with a place counted from the start goes to a block boundary in front of it, reads a block and goes forward in it
-//              by bytes. This read is answered with "nothing there": then the library asks us to move on by the missing
-//              bytes. The other directions ask us to move by the wanted bytes less the unread ones.
+//   fseek      with a place counted from the start goes to a block boundary in front of it, reads a block and goes
+//              forward in it by bytes. This read is answered with "nothing there": then the library asks us to move on
+//              by the missing bytes. The other directions ask us to move by the wanted bytes less the unread ones.
 //   writing    behind a read that left unread bytes goes back by those bytes first. What they were is known from a copy
 //              of the block, since the caller's bytes have been put over them by then.
-// Appending in binary has functions of ours too, since the C library would tell positions that include the file's end before a
-// byte is written. Other binary streams are the C library's alone.
+// Appending in binary has functions of ours too, since the C library would tell positions that include the file's end
+// before a byte is written. Other binary streams are the C library's alone.
 #include "platform/streams.h"
 
 #include <cerrno>
@@ -67,8 +68,8 @@ void Delist(Stream *stream) {
         stream->next->previous = stream->previous;
 }
 
-// While the C library seeks from the start, its read pointers are put to a place that none of its other reads finds them at:
-// those begin with the pointers at the buffer's start, and whatever the seek does next puts them there again.
+// While the C library seeks from the start, its read pointers are put to a place that none of its other reads finds
+// them at: those begin with the pointers at the buffer's start, and whatever the seek does next puts them there again.
 void MarkSeek(std::FILE &file) {
     if (file._IO_buf_base != file._IO_buf_end)
         file._IO_read_base = file._IO_read_ptr = file._IO_read_end = file._IO_buf_base + 1;
@@ -162,13 +163,14 @@ bool IsWriting(const std::FILE &file) {
     return file._IO_write_end > file._IO_write_base || HasUnwritten(file);
 }
 
-// Bytes that were put back and differ from those read lie outside the buffer; what the buffer holds is laid aside meanwhile.
+// Bytes that were put back and differ from those read lie outside the buffer; what the buffer holds is laid aside
+// meanwhile.
 bool HasPutBack(const std::FILE &file) {
     return file._IO_read_ptr < file._IO_buf_base || file._IO_read_ptr > file._IO_buf_end;
 }
 
-// Line ends among the bytes between the caller's place and the file's offset that were read and not taken. Those that the
-// caller wrote over are in the copy.
+// Line ends among the bytes between the caller's place and the file's offset that were read and not taken. Those that
+// the caller wrote over are in the copy.
 off_t UnreadLineFeeds(const Stream &stream) {
     const std::FILE &file = *stream.file;
     if (!IsWriting(file))
@@ -180,8 +182,9 @@ off_t UnreadLineFeeds(const Stream &stream) {
     return LineFeeds(stream.staging + (file._IO_write_base - file._IO_buf_base), stream.staging + end);
 }
 
-// The offset from which the C library's count of bytes (unread ones back, unwritten ones forward) ends at the right place:
-// it takes each line end for one byte. -1 on failure. `telling`: unwritten bytes are about to be added to the answer.
+// The offset from which the C library's count of bytes (unread ones back, unwritten ones forward) ends at the right
+// place: it takes each line end for one byte. -1 on failure. `telling`: unwritten bytes are about to be added to the
+// answer.
 off_t PresentOffset(const Stream &stream, bool telling) {
     off_t present = lseek(stream.descriptor, 0, SEEK_CUR);
     if (present < 0)

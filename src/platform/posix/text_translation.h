@@ -9,8 +9,9 @@ namespace zr::platform::posix {
 // Turns each CR LF of block[0..size-1] into LF, in place, and answers the new size. A CR in the last byte stays.
 std::size_t DropCarriageReturns(char *block, std::size_t size);
 
-// Copies text from data[0..size-1] to out[0..capacity-1] with CR LF for each LF until one of them ends. Answers the bytes
-// put; `used` gets the bytes taken. `capacity` is at least 2, so that every call with a size above 0 takes something.
+// Copies text from data[0..size-1] to out[0..capacity-1] with CR LF for each LF until one of them ends. Answers the
+// bytes put; `used` gets the bytes taken. `capacity` is at least 2, so that every call with a size above 0 takes
+// something.
 std::size_t AddCarriageReturns(const char *data, std::size_t size, char *out, std::size_t capacity, std::size_t &used);
 
 // Number of line feeds in data[0..size-1].

@@ -17,8 +17,8 @@ struct Range {
     LARGE_INTEGER length;
 };
 
-// The whole file as it is now. The system's own calls are told where the range begins, so no descriptor moves; the C runtime's
-// counts 31 bits and doesn't set errno everywhere.
+// The whole file as it is now. The system's own calls are told where the range begins, so no descriptor moves; the C
+// runtime's counts 31 bits and doesn't set errno everywhere.
 LockOutcome WholeFile(std::FILE *stream, Range &out) {
     const int descriptor = stream == nullptr ? -1 : _fileno(stream);
     if (descriptor < 0) {

@@ -37,7 +37,8 @@ bool IsReadOnly(const char *path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
 }
 
-// Takes off an 0x1A that ends the file, if that is possible; the position is then the start. `descriptor` doesn't translate.
+// Takes off an 0x1A that ends the file, if that is possible; the position is then the start. `descriptor` doesn't
+// translate.
 void DropEndOfText(int descriptor) {
     const std::int64_t last = _lseeki64(descriptor, -1, SEEK_END);
     char c;
@@ -46,9 +47,9 @@ void DropEndOfText(int descriptor) {
     _lseeki64(descriptor, 0, SEEK_SET);
 }
 
-// By way of a descriptor, since the mode text of fopen has no portable way to keep the file from child processes, and what a
-// mode without "t" or "b" means can be changed by the program. The descriptor begins binary: runtimes differ in which modes
-// of text make them take off a last 0x1A.
+// By way of a descriptor, since the mode text of fopen has no portable way to keep the file from child processes, and
+// what a mode without "t" or "b" means can be changed by the program. The descriptor begins binary: runtimes differ in
+// which modes of text make them take off a last 0x1A.
 std::FILE *OpenStream(const char *path, const char *mode_text, char kind) {
     OpenMode mode;
     if (!ParseOpenMode(mode_text, kind, mode)) {
@@ -93,13 +94,25 @@ std::int64_t TellStream(std::FILE *stream) {
     return stream == nullptr ? -1 : _ftelli64(stream);
 }
 
-// The runtime empties its buffer before it finds out that a place is before the start, and then stands elsewhere. A place
-// counted from the end is left to it all the same: where that is depends on what is unwritten.
+// The runtime empties its buffer before it finds out that a place is before the start, and then stands elsewhere. A
+// place counted from the end is left to it all the same: where that is depends on what is unwritten. It doesn't tell
+// either that what was unwritten is lost, so that is written before; as this may drop what was read ahead, the present
+// position is taken first.
 bool SeekStream(std::FILE *stream, std::int64_t offset, int whence) {
-    const std::int64_t origin = whence == SEEK_CUR ? TellStream(stream) : 0;
-    if (stream == nullptr || (whence != SEEK_END && offset < 0 && origin + offset < 0))
+    if (stream == nullptr || (whence != SEEK_SET && whence != SEEK_CUR && whence != SEEK_END))
         return windows::Fail(EINVAL);
-    return _fseeki64(stream, offset, whence) == 0;
+    if (whence == SEEK_CUR) {
+        const std::int64_t position = TellStream(stream);
+        if (position < 0)
+            return false;
+        if (offset > INT64_MAX - position)
+            return windows::Fail(EINVAL);
+        offset += position;
+        whence = SEEK_SET;
+    }
+    if (whence == SEEK_SET && offset < 0)
+        return windows::Fail(EINVAL);
+    return std::fflush(stream) == 0 && _fseeki64(stream, offset, whence) == 0;
 }
 
 } // namespace zr::platform

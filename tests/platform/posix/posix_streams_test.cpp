@@ -131,6 +131,13 @@ TEST_F(PosixStreams, FullDiskShows) {
         ASSERT_NE(stream, nullptr);
         EXPECT_TRUE(Put(stream, "fits the buffer\n"));
         EXPECT_NE(std::fclose(stream), 0);
+        for (const int whence : {SEEK_SET, SEEK_CUR, SEEK_END}) {
+            stream = OpenAs("/dev/full", mode);
+            ASSERT_NE(stream, nullptr);
+            EXPECT_TRUE(Put(stream, "fits the buffer\n"));
+            EXPECT_FALSE(SeekStream(stream, 0, whence)) << whence;
+            std::fclose(stream);
+        }
     }
 }
 
@@ -189,16 +196,6 @@ TEST_F(PosixStreams, NoWritePermissionAtAllRefusesEverybody) {
     }
 }
 
-TEST_F(PosixStreams, ChildrenDoNotInheritFiles) {
-    for (const char *mode : {"wt", "a+t", "wb", "r+b", "a+b"}) {
-        std::FILE *stream = Open("", mode);
-        const int descriptor = posix::DescriptorOf(stream);
-        ASSERT_GE(descriptor, 0);
-        EXPECT_NE(fcntl(descriptor, F_GETFD) & FD_CLOEXEC, 0) << mode;
-        std::fclose(stream);
-    }
-}
-
 // What the library's own buffer holds is the library's to know: a caller may give the stream another one.
 TEST_F(PosixStreams, OtherBuffersWork) {
     char small[7];
@@ -218,6 +215,19 @@ TEST_F(PosixStreams, OtherBuffersWork) {
         EXPECT_EQ(Get(stream, 100), "one\nTWO\nThree\n");
         EXPECT_EQ(std::fclose(stream), 0);
     }
+}
+
+TEST_F(PosixStreams, LockKeepsNobodyFromReadingAndWriting) {
+    std::FILE *holder = Open("0123456789", "r+b");
+    EXPECT_EQ(LockFile(holder), LockOutcome::done);
+    std::FILE *other = OpenAs(Path(), "r+t");
+    ASSERT_NE(other, nullptr);
+    EXPECT_EQ(Get(other, 10), "0123456789");
+    ASSERT_TRUE(SeekStream(other, 0, SEEK_SET));
+    EXPECT_TRUE(Put(other, "x"));
+    EXPECT_EQ(std::fclose(other), 0);
+    EXPECT_EQ(m_folder.Read("file"), "x123456789");
+    EXPECT_EQ(std::fclose(holder), 0);
 }
 
 TEST_F(PosixStreams, PipesAndMemoryHaveNoLock) {
