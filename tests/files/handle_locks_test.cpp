@@ -1,11 +1,13 @@
-// File handles: advisory locks between handles and between processes.
+// File handles: advisory locks between handles and between processes, and threads with handles of their own.
 #include <zrclb/file_handle.h>
 
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -121,12 +123,42 @@ TEST_F(HandleLocks, PositionStaysAndReadingGoesOn) {
     EXPECT_EQ(fio_getchar(m_one, nullptr), '8');
 }
 
+TEST_F(HandleLocks, RefusedLockLeavesThePositionToo) {
+    EXPECT_EQ(fio_seek(m_one, 3, 0), 0);
+    EXPECT_EQ(fio_lock(m_two), 0);
+    EXPECT_EQ(fio_lock(m_one), -1);
+    EXPECT_EQ(fio_islock(m_one), 1);
+    EXPECT_EQ(fio_unlock(m_one), -2);
+    EXPECT_EQ(fio_tell(m_one), 3);
+    EXPECT_EQ(fio_unlock(m_two), 0);
+    EXPECT_EQ(fio_getchar(m_one, nullptr), '3');
+}
+
+TEST_F(HandleLocks, WhatIsInMemoryStaysThere) {
+    EXPECT_EQ(fio_seek(m_one, 8, 0), 0);
+    EXPECT_EQ(fio_putchar(m_one, 'x'), 0);
+    EXPECT_EQ(fio_lock(m_one), 0);
+    EXPECT_EQ(fio_unlock(m_one), 0);
+    EXPECT_EQ(fio_islock(m_one), 0);
+    EXPECT_EQ(m_folder.Read("file"), "0123456789");
+    EXPECT_EQ(fio_tell(m_one), 9);
+    EXPECT_EQ(fio_flush(m_one), 0);
+    EXPECT_EQ(m_folder.Read("file"), "01234567x9");
+}
+
 TEST_F(HandleLocks, BytesAppendedLaterAreCoveredOnlyWhereTheFileIs) {
     EXPECT_EQ(fio_lock(m_one), 0);
     EXPECT_EQ(fio_seek(m_one, 0, 2), 0);
     EXPECT_EQ(fio_putchar(m_one, 'x'), 0);
     EXPECT_EQ(fio_flush(m_one), 0);
     EXPECT_EQ(fio_islock(m_two), 1);
+    fio_handle *writer = Open("file", FIO_APPEND); // may write behind the locked bytes everywhere
+    EXPECT_EQ(fio_putchar(writer, 'y'), 0);
+    EXPECT_EQ(fio_close(writer), 0);
+    EXPECT_EQ(fio_seek(m_two, 10, 0), 0);
+    EXPECT_EQ(fio_getchar(m_two, nullptr), 'x');
+    EXPECT_EQ(fio_getchar(m_two, nullptr), 'y');
+    EXPECT_EQ(fio_islock(m_two), 1) << "not dropped by the end of another handle";
     EXPECT_EQ(fio_unlock(m_one), IsOnDesktop() ? -2 : 0);
     EXPECT_EQ(fio_close(m_one), 0);
     m_one = nullptr;
@@ -153,6 +185,11 @@ TEST_F(HandleLocks, FileThatCanNotBeOpenedIsNotLocked) {
     EXPECT_EQ(fio_fileislock(nullptr, nullptr), 0);
     EXPECT_EQ(fio_fileislock("Q:\\no", "such"), 0);
     EXPECT_FALSE(std::filesystem::exists(m_folder.Path("nowhere")));
+    const zr_long blocks = zr::frame::heap_block_count;
+    EXPECT_EQ(FileIsLock(), 0);
+    EXPECT_EQ(fio_lock(m_one), 0);
+    EXPECT_EQ(FileIsLock(), 1);
+    EXPECT_EQ(zr::frame::heap_block_count, blocks) << "its handle is closed in either case";
 }
 
 TEST_F(HandleLocks, ReadOnlyFileCanBeLocked) {
@@ -179,6 +216,30 @@ TEST_F(HandleLocks, StreamWithoutPositionHasNoLock) {
     EXPECT_EQ(fio_close(handle), 0);
 }
 
+TEST_F(HandleLocks, WritesToALostDescriptorFail) {
+    fio_handle *handle = Open("written", FIO_WRITE);
+    EXPECT_EQ(fio_putlong(handle, 1), 0) << "kept in memory";
+    LoseDescriptor(fio_fp(handle));
+    EXPECT_EQ(fio_flush(handle), -1);
+    EXPECT_EQ(fio_close(handle), -1);
+    handle = Open("written", FIO_WRITE);
+    ASSERT_EQ(std::setvbuf(fio_fp(handle), nullptr, _IONBF, 0), 0);
+    LoseDescriptor(fio_fp(handle));
+    EXPECT_EQ(fio_putdouble(handle, 1.5), -1);
+    EXPECT_EQ(fio_putlong(handle, 1), -1);
+    EXPECT_EQ(fio_putfloat(handle, 1), -1);
+    EXPECT_EQ(fio_putshort(handle, 1), -1);
+    EXPECT_EQ(fio_putchar(handle, 'x'), -1);
+    EXPECT_EQ(fio_putstring(handle, "x", 0), -1);
+    EXPECT_EQ(fio_putstring(handle, "", 1), -1);
+    EXPECT_EQ(fio_putstring(handle, "", 0), 0) << "nothing to write";
+    EXPECT_EQ(fio_fwrite("abcd", 1, 4, handle), 0u);
+    EXPECT_EQ(fio_seek(handle, 0, 0), -1);
+    EXPECT_EQ(fio_tell(handle), -1);
+    EXPECT_EQ(fio_close(handle), -1);
+    EXPECT_EQ(m_folder.Read("written"), "");
+}
+
 TEST_F(HandleLocks, LostDescriptorIsTold) {
     const zr_long blocks = zr::frame::heap_block_count;
     fio_handle *handle = Open("file", FIO_READ);
@@ -189,6 +250,29 @@ TEST_F(HandleLocks, LostDescriptorIsTold) {
     EXPECT_EQ(fio_length(handle), -1);
     EXPECT_EQ(fio_close(handle), -1);
     EXPECT_EQ(zr::frame::heap_block_count, blocks) << "freed all the same";
+}
+
+TEST_F(HandleLocks, ThreadsWithHandlesOfTheirOwnKeepApart) {
+    constexpr zr_long count = 2000;
+    const auto work = [this](zr_long which) {
+        const std::string name = "file" + std::to_string(which);
+        const int mode = FIO_WRITE | FIO_UPDATE | (which % 2 == 0 ? FIO_BYTEORDER : FIO_TEXT);
+        fio_handle *handle = Open(name, mode);
+        for (zr_long i = 0; i < count; ++i)
+            fio_putstring(handle, (std::to_string(which * count + i) + "\n").c_str(), 0);
+        fio_seek(handle, which % 2 == 0 ? 16 : 0, 0);
+        for (zr_long i = 0; i < count; ++i) {
+            char text[20] = "";
+            fio_getstring(handle, 19, text);
+            EXPECT_EQ(text, std::to_string(which * count + i));
+        }
+        EXPECT_EQ(fio_close(handle), 0);
+    };
+    std::vector<std::thread> threads;
+    for (zr_long which = 0; which < 4; ++which)
+        threads.emplace_back(work, which);
+    for (std::thread &thread : threads)
+        thread.join();
 }
 
 TEST_F(HandleLocks, SecondProcessKeepsTheLockUntilItGivesItBack) {

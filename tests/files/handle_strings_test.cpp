@@ -83,6 +83,25 @@ TEST_F(HandleStrings, LineEndsAtLineFeedZeroByteAndEndOfFile) {
     EXPECT_EQ(fio_close(handle), 0);
 }
 
+TEST_F(HandleStrings, ZeroBytesAloneAreEmptyLines) {
+    fio_handle *handle = OpenBytes(std::string("\0\0;\0", 4));
+    EXPECT_EQ(Line(handle, 10), "");
+    EXPECT_EQ(Piece(handle, 10, ";"), "");
+    EXPECT_EQ(Piece(handle, 10, ";"), ";");
+    EXPECT_EQ(Line(handle, 1), "");
+    EXPECT_EQ(Line(handle, 1), "=-1");
+    EXPECT_EQ(fio_close(handle), 0);
+}
+
+TEST_F(HandleStrings, CharactersHaveNoByteOrder) {
+    fio_handle *handle = OpenBytes(foreign_header + "ab;cd\nef", FIO_READ | FIO_BYTEORDER);
+    ASSERT_EQ(handle->byte_order, 1);
+    EXPECT_EQ(Piece(handle, 10, ";"), "ab;");
+    EXPECT_EQ(Line(handle, 10), "cd");
+    EXPECT_EQ(Line(handle, 10), "ef");
+    EXPECT_EQ(fio_close(handle), 0);
+}
+
 TEST_F(HandleStrings, LineOfTheExampleThenTheEnd) {
     fio_handle *handle = OpenBytes("ab\n");
     EXPECT_EQ(Line(handle, 10), "ab");
@@ -173,6 +192,19 @@ TEST_F(HandleStrings, DelimitersMayBeAnyByte) {
     EXPECT_EQ(Piece(handle, 10, "\xE4\r\n"), "b\r");
     EXPECT_EQ(Piece(handle, 10, "\xE4\r\n"), "c") << "a line feed ends the text and is never stored";
     EXPECT_EQ(Piece(handle, 10, "\xE4\r\n"), "d");
+    EXPECT_EQ(fio_close(handle), 0);
+    handle = OpenBytes("12;34");
+    EXPECT_EQ(Piece(handle, 10, (std::string(10000, ',') + ';').c_str()), "12;");
+    EXPECT_EQ(Piece(handle, 10, std::string(10000, ',').c_str()), "34");
+    EXPECT_EQ(fio_close(handle), 0);
+}
+
+TEST_F(HandleStrings, DelimitersEndThePieceInTextModeToo) {
+    fio_handle *handle = OpenBytes("a;b\r\nc\x1A;", FIO_READ | FIO_TEXT);
+    EXPECT_EQ(Piece(handle, 10, ";\r"), "a;");
+    EXPECT_EQ(Piece(handle, 10, ";\r"), "b");
+    EXPECT_EQ(Piece(handle, 10, ";\r"), "c");
+    EXPECT_EQ(Piece(handle, 10, ";\r"), "=-1");
     EXPECT_EQ(fio_close(handle), 0);
 }
 

@@ -61,6 +61,68 @@ TEST_F(HandleValues, EachLiesInTheFileWithItsLowestByteFirst) {
     EXPECT_EQ(fio_close(handle), 0);
 }
 
+// The file that the description of the format shows.
+TEST_F(HandleValues, ExampleOfTheDescriptionIsWrittenByteByByte) {
+    fio_handle *handle = Open("example.dat", FIO_WRITE | FIO_BYTEORDER);
+    EXPECT_EQ(fio_putlong(handle, 2013), 0);
+    EXPECT_EQ(fio_putshort(handle, -2), 0);
+    EXPECT_EQ(fio_putchar(handle, 'A'), 0);
+    EXPECT_EQ(fio_putstring(handle, "Bolt", 8), 0);
+    EXPECT_EQ(fio_putdouble(handle, 1.5), 0);
+    EXPECT_EQ(fio_putfloat(handle, 0.25F), 0);
+    const std::string data("\xDD\x07\0\0"
+                           "\xFE\xFF"
+                           "A"
+                           "Bolt    "
+                           "\0\0\0\0\0\0\xF8\x3F"
+                           "\0\0\x80\x3E",
+                           27);
+    EXPECT_EQ(CloseAndRead(handle, "example.dat"), native_header + data);
+}
+
+TEST_F(HandleValues, EveryByteOfAValueHasItsPlaceInEitherOrder) {
+    const double pi = 3.141592653589793; // eight different bytes
+    const std::string native("\x18\x2D\x44\x54\xFB\x21\x09\x40\x78\x56\x34\x12", 12);
+    const std::string foreign("\x40\x09\x21\xFB\x54\x44\x2D\x18\x12\x34\x56\x78", 12);
+    fio_handle *handle = NewFile(0);
+    EXPECT_EQ(fio_putdouble(handle, pi), 0);
+    EXPECT_EQ(fio_putlong(handle, 0x12345678), 0);
+    EXPECT_EQ(CloseAndRead(handle, "file"), native);
+    for (const std::string &bytes : {native_header + native, foreign_header + foreign}) {
+        handle = OpenBytes(bytes, FIO_READ | FIO_BYTEORDER);
+        double a_double = 0;
+        zr_long a_long = 0;
+        EXPECT_EQ(fio_getdouble(handle, &a_double), 0);
+        EXPECT_EQ(fio_getlong(handle, &a_long), 0);
+        EXPECT_EQ(a_double, pi);
+        EXPECT_EQ(a_long, 0x12345678);
+        EXPECT_EQ(fio_close(handle), 0);
+    }
+}
+
+TEST_F(HandleValues, ExtremesOfShortsAndFloatsComeBackBitForBit) {
+    const short shorts[] = {0, -1, 32767, -32768};
+    const float floats[] = {0.0F, -0.0F, std::numeric_limits<float>::max(), std::numeric_limits<float>::denorm_min(),
+                            -std::numeric_limits<float>::infinity()};
+    fio_handle *handle = NewFile(0);
+    for (short value : shorts)
+        EXPECT_EQ(fio_putshort(handle, value), 0);
+    for (float value : floats)
+        EXPECT_EQ(fio_putfloat(handle, value), 0);
+    EXPECT_EQ(fio_seek(handle, 0, 0), 0);
+    for (short value : shorts) {
+        short back = 7;
+        EXPECT_EQ(fio_getshort(handle, &back), 0);
+        EXPECT_EQ(back, value);
+    }
+    for (float value : floats) {
+        float back = 7;
+        EXPECT_EQ(fio_getfloat(handle, &back), 0);
+        EXPECT_EQ(std::memcmp(&back, &value, sizeof value), 0) << value;
+    }
+    EXPECT_EQ(fio_close(handle), 0);
+}
+
 TEST_F(HandleValues, ExtremesComeBackBitForBit) {
     const double doubles[] = {0.0,
                               -0.0,
@@ -133,8 +195,22 @@ TEST_F(HandleValues, FileWithoutTheWantedHeaderHasLongsAndDoublesOnly) {
     EXPECT_EQ(m_reports.Take(), Refusal(no_other_order));
     EXPECT_EQ(fio_getfloat(handle, &a_float), -1);
     EXPECT_EQ(m_reports.Take(), Refusal(no_other_order));
+    EXPECT_EQ(fio_tell(handle), 12) << "refused without reading";
     EXPECT_EQ(fio_getchar(handle, nullptr), 7);
     EXPECT_EQ(fio_close(handle), 0);
+}
+
+TEST_F(HandleValues, UpdatedFileWithoutHeaderTakesLongsAndDoublesOnly) {
+    fio_handle *handle = OpenBytes("plain data and more", FIO_READ | FIO_UPDATE | FIO_BYTEORDER);
+    ASSERT_EQ(handle->byte_order, -1);
+    EXPECT_EQ(fio_putlong(handle, 0x01020304), 0);
+    EXPECT_EQ(fio_putdouble(handle, -2.0), 0);
+    EXPECT_EQ(m_reports.Take(), Reports{});
+    EXPECT_EQ(fio_putshort(handle, 1), -1);
+    EXPECT_EQ(m_reports.Take(), Refusal(no_other_order));
+    EXPECT_EQ(fio_putfloat(handle, 1), -1);
+    EXPECT_EQ(m_reports.Take(), Refusal(no_other_order));
+    EXPECT_EQ(CloseAndRead(handle, "bytes"), std::string("\x04\x03\x02\x01\0\0\0\0\0\0\0\xC0", 12) + "nd more");
 }
 
 TEST_F(HandleValues, UpdatedFileOfTheOtherOrderTakesValuesAsTheyAre) {
@@ -147,7 +223,9 @@ TEST_F(HandleValues, UpdatedFileOfTheOtherOrderTakesValuesAsTheyAre) {
     EXPECT_EQ(fio_putfloat(handle, 1), -1);
     EXPECT_EQ(m_reports.Take(),
               (Reports{zr::test::Error("Fio", no_other_order), zr::test::Error("Fio", no_other_order)}));
-    EXPECT_EQ(CloseAndRead(handle, "bytes"), foreign_header + std::string("\x04\x03\x02\x01\0\0\0\0\0\0\0\xC0", 12));
+    EXPECT_EQ(fio_putstring(handle, "ab", 3), 0) << "characters have no order";
+    EXPECT_EQ(CloseAndRead(handle, "bytes"),
+              foreign_header + std::string("\x04\x03\x02\x01\0\0\0\0\0\0\0\xC0", 12) + "ab ");
 }
 
 TEST_F(HandleValues, AppendModeRefusesLongsAndDoublesOfAnyOtherOrder) {
@@ -212,6 +290,14 @@ TEST_F(HandleValues, TextModeTakesFloatsAndShorts) {
     EXPECT_EQ(fio_putshort(handle, 1), -1);
     EXPECT_EQ(m_reports.Take(),
               (Reports{zr::test::Error("Fio", no_other_order), zr::test::Error("Fio", no_other_order)}));
+    EXPECT_EQ(fio_close(handle), 0);
+    handle = OpenBytes("0123", FIO_READ | FIO_TEXT);
+    handle->byte_order = 1;
+    EXPECT_EQ(fio_getfloat(handle, &a_float), -1);
+    EXPECT_EQ(m_reports.Take(), Refusal(no_other_order));
+    EXPECT_EQ(fio_getshort(handle, &a_short), -1);
+    EXPECT_EQ(m_reports.Take(), Refusal(no_other_order));
+    EXPECT_EQ(fio_getchar(handle, nullptr), '0') << "nothing was read";
     EXPECT_EQ(fio_close(handle), 0);
 }
 
