@@ -16,6 +16,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <mutex>
 #include <new>
 
@@ -208,6 +209,10 @@ int SeekText(void *cookie, off64_t *offset, int whence) {
         if (telling) {
             *offset = present;
             return 0;
+        }
+        if (target > std::numeric_limits<off_t>::max() - present) {
+            errno = EOVERFLOW;
+            return -1;
         }
         target += present;
     }
