@@ -5,7 +5,6 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 
 #include <zrclb/clock.h>
 #include <zrclb/heap.h>
@@ -33,44 +32,24 @@ std::uint32_t FlagsOf(std::uint32_t attributes) {
     return flags;
 }
 
-// Times of last writes as values of the clock. Remembers some, since files of a folder were often written close together and a
-// conversion can take longer than all else that is done for an entry.
-class WriteTimes {
-public:
-    std::int32_t ValueOf(std::int64_t modified) {
-        constexpr std::int64_t unknown = -1, first_of_1980 = 315529200;
-        const std::int64_t time = modified == unknown ? first_of_1980 : modified;
-        Known &known = m_known[static_cast<std::uint64_t>(time) % std::size(m_known)];
-        if (!known.valid || known.time != time)
-            known = {time, Convert(time), true};
-        return known.value;
+// The time of a last write as a value of the clock.
+std::int32_t WriteTime(std::int64_t modified) {
+    constexpr std::int64_t unknown = -1, first_of_1980 = 315529200;
+    Calendar calendar;
+    clock_struct fields{};
+    if (LocalCalendar(modified == unknown ? first_of_1980 : modified, calendar)) {
+        fields.second = calendar.second;
+        fields.minute = calendar.minute;
+        fields.hour = calendar.hour;
+        fields.day = calendar.day;
+        fields.month = calendar.month - 1;
+        fields.year = calendar.year - 1900;
+    } else {
+        fields.day = 1;
+        fields.year = 80;
     }
-
-private:
-    static std::int32_t Convert(std::int64_t time) {
-        Calendar calendar;
-        clock_struct fields{};
-        if (LocalCalendar(time, calendar)) {
-            fields.second = calendar.second;
-            fields.minute = calendar.minute;
-            fields.hour = calendar.hour;
-            fields.day = calendar.day;
-            fields.month = calendar.month - 1;
-            fields.year = calendar.year - 1900;
-        } else {
-            fields.day = 1;
-            fields.year = 80;
-        }
-        return clock_makevalue(&fields);
-    }
-
-    struct Known {
-        std::int64_t time;
-        std::int32_t value;
-        bool valid;
-    };
-    Known m_known[256] = {};
-};
+    return clock_makevalue(&fields);
+}
 
 // The array of a listing while it grows, released unless it is taken.
 class Records {
@@ -90,7 +69,7 @@ public:
         str_ncpy(record.name, entry.name, sizeof record.name - 1);
         record.flags = flags;
         record.size = static_cast<std::uint32_t>(std::min<std::uint64_t>(entry.size, UINT32_MAX));
-        record.mtime = m_times.ValueOf(entry.modified);
+        record.mtime = WriteTime(entry.modified);
         return true;
     }
 
@@ -125,7 +104,6 @@ private:
     fio_dirent *m_block;
     unsigned m_count = 0;
     unsigned m_capacity = step;
-    WriteTimes m_times;
 };
 
 // Adds the entries that share a bit with the mask; false if they can't be had, or kept.

@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
+#include <mutex>
 
 #include "platform/date_text.h"
 
@@ -14,20 +16,61 @@ namespace {
 
 constexpr std::int64_t day_seconds = 86400;
 
-// What the clocks are ahead of UTC at a time, in seconds.
+// The zone that the C library converts with.
+class Zone {
+public:
+    // Makes it that of TZ, or of the system without it. tzset alone would do, but it asks the disk each time for the file that the
+    // zone was read from, which takes many times as long as a conversion.
+    void FollowEnvironment() {
+        const char *name = std::getenv("TZ");
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        const bool is_set = name != nullptr;
+        if (m_known && is_set == m_is_set && (!is_set || std::strcmp(name, m_name) == 0))
+            return;
+        tzset();
+        m_is_set = is_set;
+        m_known = !is_set || std::strlen(name) < sizeof m_name;
+        if (is_set && m_known)
+            std::strcpy(m_name, name);
+    }
+
+private:
+    std::mutex m_mutex;
+    bool m_known = false;
+    bool m_is_set = false;
+    char m_name[128] = {}; // longer ones are set anew each time
+};
+
+Zone zone;
+
+// LocalCalendar in the zone that was followed last.
+bool CalendarOf(std::int64_t time, Calendar &out) {
+    const auto system_time = static_cast<std::time_t>(time); // 32 bits on some builds
+    std::tm fields;
+    if (time < first_time || time > last_time || system_time != time || localtime_r(&system_time, &fields) == nullptr)
+        return false;
+    out = {fields.tm_sec,         fields.tm_min,  fields.tm_hour, fields.tm_mday,     fields.tm_mon + 1,
+           fields.tm_year + 1900, fields.tm_wday, fields.tm_yday, fields.tm_isdst > 0};
+    return true;
+}
+
+// What the calendar of a time is ahead of UTC, in seconds.
+std::int64_t OffsetOf(const Calendar &c, std::int64_t time) {
+    return DayNumber(c.year, c.month, c.day) * day_seconds + c.hour * 3600 + c.minute * 60 + c.second - time;
+}
+
+// What the clocks are ahead of UTC at a time, or at the nearest one that has a calendar, in seconds.
 std::int64_t OffsetAt(std::int64_t time) {
     Calendar c{};
     const std::int64_t inside = std::clamp(time, first_time, last_time);
-    if (!LocalCalendar(inside, c))
-        return 0;
-    return DayNumber(c.year, c.month, c.day) * day_seconds + c.hour * 3600 + c.minute * 60 + c.second - inside;
+    return CalendarOf(inside, c) ? OffsetOf(c, inside) : 0;
 }
 
 // The time at which the clocks show what would be `shown` in UTC.
 std::int64_t TimeShown(std::int64_t shown) {
     const std::int64_t after = OffsetAt(shown + day_seconds);
     const std::int64_t before = OffsetAt(shown - day_seconds);
-    const bool is_before = OffsetAt(shown - after) != after && OffsetAt(shown - before) == before;
+    const bool is_before = before != after && OffsetAt(shown - after) != after && OffsetAt(shown - before) == before;
     return shown - (is_before ? before : after);
 }
 
@@ -69,16 +112,8 @@ std::int64_t backend::NowMilliseconds() {
 }
 
 bool LocalCalendar(std::int64_t time, Calendar &out) {
-    const auto system_time = static_cast<std::time_t>(time); // 32 bits on some builds
-    std::tm fields;
-    if (time < first_time || time > last_time || system_time != time)
-        return false;
-    tzset(); // localtime_r need not look at a zone that changed
-    if (localtime_r(&system_time, &fields) == nullptr)
-        return false;
-    out = {fields.tm_sec,         fields.tm_min,  fields.tm_hour, fields.tm_mday,     fields.tm_mon + 1,
-           fields.tm_year + 1900, fields.tm_wday, fields.tm_yday, fields.tm_isdst > 0};
-    return true;
+    zone.FollowEnvironment();
+    return CalendarOf(time, out);
 }
 
 std::int64_t TimeOfLocal(std::tm &fields) {
@@ -90,13 +125,14 @@ std::int64_t TimeOfLocal(std::tm &fields) {
         DayNumber(static_cast<int>(months / 12) + 1900, static_cast<int>(months % 12) + 1, 1);
     const std::int64_t shown = (first_day + fields.tm_mday - 1) * day_seconds + std::int64_t{fields.tm_hour} * 3600 +
                                std::int64_t{fields.tm_min} * 60 + fields.tm_sec;
+    zone.FollowEnvironment();
     const std::int64_t time = TimeShown(shown);
     Calendar c{};
-    if (!LocalCalendar(time, c)) {
+    if (!CalendarOf(time, c)) {
         SetFields(shown, false, fields);
         return -1;
     }
-    SetFields(time + OffsetAt(time), c.summer, fields);
+    SetFields(time + OffsetOf(c, time), c.summer, fields);
     return time;
 }
 
