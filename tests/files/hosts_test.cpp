@@ -12,7 +12,10 @@
 #include <zrclb/heap.h>
 
 #include "files/names_fixture.h"
+#include "golden_table.h"
+#include "platform/desktop_tables.h"
 #include "platform/drives.h"
+#include "platform/drives_table.h"
 
 namespace {
 
@@ -57,7 +60,6 @@ protected:
     void SetUp() override {
         static std::string variable; // belongs to the environment from here on
         variable = "ZR_DRIVE_D=" + m_second.Folder().string();
-        fs::create_directory(m_second.Folder() / "there");
         putenv(variable.data());
         Hosts::SetUp();
         for (const char *drive : {"D:", "C:", "Z:"})
@@ -65,28 +67,29 @@ protected:
                 m_other = drive;
         if (m_other.empty())
             GTEST_SKIP() << "only one drive on this host";
-        m_other_folder = m_other + "\\" + AFolderOf(m_other + "\\");
-        ASSERT_GT(m_other_folder.size(), 3U);
+        MakeFolderThere();
+        if (m_other_folder.empty())
+            GTEST_SKIP() << "nowhere to write on the second drive";
     }
 
     void TearDown() override {
         fio_chdir((m_other + "\\").c_str());
         fio_chdir(m_here.c_str());
+        if (!m_other_folder.empty()) {
+            EXPECT_EQ(fio_rmdir_ex(m_other_folder.c_str()), 0);
+        }
         static char removed[] = "ZR_DRIVE_D=";
         putenv(removed);
         Hosts::TearDown();
     }
 
-    static std::string AFolderOf(const std::string &root) {
-        fio_dirent *entries = nullptr;
-        int count = 0;
-        fio_listdir(root.c_str(), nullptr, FIO_IS_DIR, &entries, &count);
-        std::string name;
-        for (int i = 0; i < count && name.empty(); ++i)
-            if (entries[i].name[0] != '.' && (entries[i].flags & FIO_IS_HIDDEN) == 0)
-                name = entries[i].name;
-        heap_free(entries);
-        return name;
+    // With the name of the test's own folder, where the drive takes one.
+    void MakeFolderThere() {
+        for (const char *place : {"\\tmp\\", "\\"}) {
+            const std::string folder = m_other + place + m_folder.Folder().filename().string() + "d";
+            if (m_other_folder.empty() && fio_mkdir(folder.c_str()) == 0)
+                m_other_folder = folder;
+        }
     }
 
     TempFolder m_second;
@@ -143,16 +146,47 @@ TEST_F(Hosts, CurrentFolderNeedsRoom) {
     EXPECT_EQ(fio_getcwd(nullptr, 260), nullptr);
 }
 
+// A host may keep it instead.
 TEST_F(Hosts, CurrentFolderThatWasRemoved_IsNone) {
     std::error_code failure;
     ASSERT_EQ(fio_chdir("sub\\inner"), 0);
     fs::remove(m_folder.Folder() / "sub" / "inner", failure);
     const bool removed = !failure && !Exists("sub/inner");
-    const std::string current = Current();
+    const std::string folder = m_here + "\\sub\\inner";
+    EXPECT_EQ(Host(), m_host);
+    EXPECT_EQ(Current(), removed ? "(none)" : folder);
+    EXPECT_EQ(CurrentOf(""), removed ? "" : folder);
     EXPECT_EQ(fio_chdir(m_here.c_str()), 0);
-    if (!removed)
-        GTEST_SKIP() << "current folders can't be removed on this host";
-    EXPECT_EQ(current, "(none)");
+    EXPECT_EQ(Current(), m_here);
+}
+
+TEST_F(Hosts, CurrentFolderIsNotRemovedByVerbs) {
+    Write("sub/in");
+    ASSERT_EQ(fio_chdir("sub\\inner"), 0);
+    EXPECT_EQ(fio_rmdir("."), -1);
+    EXPECT_EQ(fio_rmdir((m_here + "\\sub\\inner").c_str()), -1);
+    EXPECT_EQ(fio_rmdir_ex((m_here + "\\sub").c_str()), -1);
+    EXPECT_EQ(Current(), m_here + "\\sub\\inner");
+    EXPECT_FALSE(Exists("sub/in")); // what could be removed is gone
+}
+
+TEST_F(Hosts, CurrentFolderMayBeChangedByOthers) {
+    fs::current_path(m_folder.Folder() / "sub");
+    EXPECT_EQ(Current(), m_here + "\\sub");
+    EXPECT_EQ(CurrentOf(""), m_here + "\\sub");
+    EXPECT_EQ(CurrentOf(m_host), m_here + "\\sub");
+    EXPECT_EQ(fio_exist("", "inner"), 1);
+    EXPECT_EQ(fio_chdir(".."), 0);
+    EXPECT_EQ(fs::current_path().filename(), m_folder.Folder().filename());
+}
+
+TEST_F(Hosts, DriveMayBeASmallLetter) {
+    std::string small = m_here;
+    small[0] = static_cast<char>(small[0] - 'A' + 'a');
+    EXPECT_EQ(fio_chdir((small + "\\sub").c_str()), 0);
+    EXPECT_EQ(Host(), m_host);
+    EXPECT_EQ(Current().substr(1), (m_here + "\\sub").substr(1));
+    EXPECT_EQ(fio_exist("", small.c_str()), 1);
 }
 
 // Hosts
@@ -247,16 +281,87 @@ TEST_F(TwoHosts, RelativePathsStartAtTheCurrentOne) {
 }
 
 TEST_F(TwoHosts, FilesMoveAndCopyFromOneToTheOther) {
-    // A folder that both drives reach, or one of the second drive's own.
-    const std::string there = m_other == "D:" ? m_other_folder : m_other + LibraryForm(Dir()).substr(2);
-    if (fio_ispath(there.c_str()) == 0)
-        GTEST_SKIP() << "nowhere to write on the second drive";
+    const std::string &there = m_other_folder;
     EXPECT_EQ(fio_copy(m_here.c_str(), "file", there.c_str(), "copy"), 0);
+    EXPECT_EQ(fio_copy(m_here.c_str(), "file", there.c_str(), "copy"), 0);
+    EXPECT_EQ(fio_move(m_here.c_str(), "file", there.c_str(), "copy"), 183);
+    EXPECT_EQ(fio_exist(m_here.c_str(), "file"), 1);
     EXPECT_EQ(fio_move(m_here.c_str(), "file", there.c_str(), "moved"), 0);
     EXPECT_EQ(fio_exist(there.c_str(), "copy") + fio_exist(there.c_str(), "moved"), 2);
     EXPECT_EQ(fio_exist(m_here.c_str(), "file"), 0);
-    EXPECT_EQ(fio_purge(there.c_str(), "copy"), 0);
-    EXPECT_EQ(fio_purge(there.c_str(), "moved"), 0);
+    EXPECT_EQ(fio_rename(there.c_str(), "moved", (m_here + "\\file").c_str()), 0);
+    EXPECT_EQ(fio_exist(m_here.c_str(), "file"), 1);
+}
+
+TEST_F(TwoHosts, ListingAndFoldersOfTheOther) {
+    ASSERT_EQ(fio_chdir(m_other_folder.c_str()), 0);
+    ASSERT_EQ(fio_mkdir("new"), 0);
+    ASSERT_EQ(fio_sethostname(m_host), 0);
+    EXPECT_EQ(fio_ispath((m_other + "new").c_str()), 1);
+    for (const std::string &dir : {m_other_folder, m_other + "."}) {
+        fio_dirent *entries = nullptr;
+        int count = 0;
+        EXPECT_EQ(fio_listdir(dir.c_str(), "n*", 0, &entries, &count), 0) << dir;
+        ASSERT_EQ(count, 1);
+        EXPECT_STREQ(entries[0].name, "new");
+        heap_free(entries);
+    }
+    EXPECT_EQ(fio_rmdir((m_other_folder + "\\new").c_str()), 0);
+}
+
+// The steps with this folder in place of "C:\woad", and that of the other host in place of "D:\ddir".
+class HostSteps : public TwoHosts {
+protected:
+    std::string Here(const std::string &path) const {
+        if (path.rfind("D:", 0) == 0)
+            return m_other_folder;
+        return StepArgument(path, m_here);
+    }
+
+    // The host of a drive's number there.
+    std::string HostOf(const std::string &drive) const {
+        return drive == "4" ? m_other : std::string(1, static_cast<char>('A' - 1 + std::stoi(drive)));
+    }
+
+    void Do(const std::string &function, const std::string &argument, const std::string &result) const {
+        const bool bare_drive = argument == "C:" || argument == "D:"; // means its root here
+        const int expected = result == "0" ? 0 : -1;
+        if (function == "_chdir" && bare_drive)
+            EXPECT_EQ(fio_sethostname(argument == "D:" ? m_other.c_str() : "C:"), expected);
+        else if (function == "_chdir")
+            EXPECT_EQ(fio_chdir(Here(argument).c_str()), expected);
+        else if (function == "_chdrive")
+            EXPECT_EQ(fio_sethostname(HostOf(argument).c_str()), expected);
+        else if (function == "_getdcwd") // the current folder for a host that there isn't
+            EXPECT_EQ(UpperText(CurrentOf(HostOf(argument))), UpperText(result == "\\N" ? Current() : Here(result)));
+        else {
+            char small[8];
+            EXPECT_EQ(fio_getcwd(small, std::stoi(argument)), nullptr);
+        }
+    }
+};
+
+TEST_F(HostSteps, AnswerTheTable) {
+    ASSERT_STREQ(m_host, "C:");
+    ASSERT_EQ(fio_chdir(m_other_folder.c_str()), 0);
+    ASSERT_EQ(fio_sethostname("C"), 0);
+    int before = 0, checked = 0;
+    const GoldenTable table("crt_getdcwd_chdrive.tsv");
+    for (const GoldenTable::Row &row : table.Rows()) {
+        const std::string &argument = row.at("argument"), &documented = row.at("windows_documented");
+        const int step = std::stoi(row.at("step"));
+        if (step != before + 1) // a step is missing; it may have come back to C
+            fio_sethostname("C");
+        before = step;
+        if (argument == "C:work" || (OnDesktop() && argument == "/")) // "C:\work" here; the machine's
+            continue;
+        SCOPED_TRACE("step " + row.at("step") + " " + row.at("function") + " " + argument);
+        Do(row.at("function"), argument, row.at("ret"));
+        const std::string after = documented.rfind("cwd_after", 0) == 0 ? "C:\\" : row.at("cwd_after");
+        EXPECT_EQ(UpperText(Current()), UpperText(Here(after)));
+        ++checked;
+    }
+    EXPECT_GE(checked, 24);
 }
 
 } // namespace

@@ -5,8 +5,11 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <iterator>
 #include <limits>
 #include <string>
@@ -15,6 +18,7 @@
 
 #include <gtest/gtest.h>
 
+#include <zrclb/clock.h>
 #include <zrclb/heap.h>
 
 #include "env/refused_memory.h"
@@ -29,6 +33,14 @@ namespace {
 namespace fs = std::filesystem;
 using zr::test::HeapRefusal;
 using Names = std::vector<std::string>;
+
+// All is done in a zone that has summer time, set before anybody asks for the zone: not every runtime follows later changes.
+const bool in_new_york = [] {
+    static char zone[] = "TZ=EST5EDT"; // the environment keeps it
+    putenv(zone);
+    tzset();
+    return true;
+}();
 
 class Listing : public NamesFixture {
 protected:
@@ -102,7 +114,9 @@ TEST_F(Listing, HoldsAllEntriesByName) {
     EXPECT_EQ(result[".."].flags & (FIO_IS_FILE | FIO_IS_DIR), unsigned{FIO_IS_DIR});
 }
 
-TEST_F(Listing, RecordHasTheToldShape) {
+TEST_F(Listing, RecordAndFlagsHaveTheToldShape) {
+    constexpr int flags[] = {FIO_IS_FILE, FIO_IS_DIR, FIO_IS_READONLY, FIO_IS_HIDDEN, FIO_IS_SYSTEM, FIO_IS_ARCHIVE};
+    EXPECT_TRUE(std::ranges::equal(flags, std::initializer_list<int>{1, 2, 8, 64, 128, 512}));
     EXPECT_EQ(sizeof(fio_dirent), 268U);
     EXPECT_EQ(offsetof(fio_dirent, flags), 256U);
     EXPECT_EQ(offsetof(fio_dirent, size), 260U);
@@ -221,9 +235,11 @@ protected:
 };
 
 TEST_F(ListingTimes, AreThoseOfTheLastWrite) {
-    for (const std::int64_t time : {0, 1, 86399, 315529200, 951782400, 1000000000, 1711839600, 2147483647})
+    for (const std::int64_t time : {18000, 86399, 315529200, 951782400, 1000000000, 1711839600, 2147483647})
         EXPECT_EQ(ListedTime(time), time);
     EXPECT_EQ(ListedTime(4294967296 + 1000), 1000); // 32 bits of the value
+    EXPECT_EQ(ListedTime(0), -1);                   // the clocks still show 1969, which has no values
+    EXPECT_EQ(ListedTime(17999), -1);
 }
 
 TEST_F(ListingTimes, BeforeTheFirst_AreTheStartOf1980) {
@@ -233,6 +249,33 @@ TEST_F(ListingTimes, BeforeTheFirst_AreTheStartOf1980) {
 
 TEST_F(ListingTimes, UnknownOne_IsFixed) {
     EXPECT_EQ(ListedTime(-1), 315529200);
+}
+
+// The night in November when an hour comes twice, and the one in March when an hour is left out.
+TEST_F(ListingTimes, AreValuesOfTheClock) {
+    ASSERT_EQ(Local(1372636800), "Sun Jun 30 20:00:00 2013\n"); // in summer time
+    constexpr std::int64_t november = 1383451200, march = 1362895200, hour = 3600;
+    struct {
+        std::int64_t time, listed;
+    } const cases[] = {{november, november}, // 00:00
+                       {november + hour - 1, november + hour - 1},
+                       {november + hour, november + 2 * hour}, // 01:00 for the first time
+                       {november + 2 * hour - 1, november + 3 * hour - 1},
+                       {november + 2 * hour, november + 2 * hour}, // 01:00 for the second time
+                       {november + 3 * hour, november + 3 * hour},
+                       {march, march}, // 01:00
+                       {march + hour - 1, march + hour - 1},
+                       {march + hour, march + hour}, // 03:00
+                       {march + 2 * hour, march + 2 * hour},
+                       {-1, 315529200},
+                       {-2, 315550800}}; // the start of 1980
+    for (const auto &[time, listed] : cases) {
+        EXPECT_EQ(ListedTime(time), listed) << time;
+        clock_struct fields{};
+        if (time > 0) {
+            EXPECT_EQ(listed, clock_makevalue(clock_makestruct(static_cast<zr_long>(time), &fields))) << time;
+        }
+    }
 }
 
 TEST_F(ListingTimes, OfSeveralFiles_DontMix) {
@@ -254,6 +297,25 @@ TEST_F(Listing, FolderIsTakenWithAndWithoutSeparator) {
     Write("file", "");
     for (const char *end : {"", "\\", "/"})
         EXPECT_EQ(List((Dir() + end).c_str(), "f*", 0).AllNames(), (Names{"file"}));
+}
+
+TEST_F(Listing, FolderAndPatternAreJoinedAsTheyStand) {
+    MakeFolders("sub");
+    Write("sub/inside", "");
+    EXPECT_EQ(List("sub\\i*").AllNames(), (Names{"inside"}));
+    EXPECT_EQ(List("sub/*", FIO_IS_FILE).AllNames(), (Names{"inside"}));
+    EXPECT_EQ(List("\\sub\\i*").AllNames(), (Names{"inside"}));
+    EXPECT_EQ(List("C:", nullptr, 0).AllNames(), List("C:\\", nullptr, 0).AllNames()); // a separator is put behind it
+    const CurrentFolder here(m_folder.Folder());
+    EXPECT_EQ(List("sub", nullptr, FIO_IS_FILE).AllNames(), (Names{"inside"}));
+    EXPECT_EQ(List("C:sub", nullptr, FIO_IS_FILE).AllNames(), (Names{"inside"}));
+}
+
+TEST_F(Listing, SearchTextOfTheLastLength_IsAnyOther) {
+    Write("file", "");
+    const std::string stars(zr::platform::path_limit - Dir().size() - 1, '*');
+    EXPECT_EQ(List(stars.c_str(), FIO_IS_FILE).AllNames(), (Names{"file"}));
+    ExpectFailure(List((stars + "*").c_str(), FIO_IS_FILE));
 }
 
 TEST_F(Listing, NoFolder_IsTheCurrentOne) {

@@ -4,9 +4,12 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <iterator>
+#include <list>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -16,6 +19,7 @@
 
 #include "files/names_fixture.h"
 #include "golden_table.h"
+#include "platform/desktop_tables.h"
 #include "platform/temporary.h"
 
 namespace {
@@ -156,12 +160,14 @@ TEST_F(TemporaryName, SecondRefusal_IsReported) {
 TEST_F(TemporaryName, FolderThatCantBe_IsReported) {
     Write("file");
     char buffer[260];
-    for (const std::string &folder : {s_folder + "file\\", std::string("Q:\\x\\"), s_folder + NameForLength(259) + "\\",
-                                      "C:\\" + std::string(255, 'x') + "\\"}) {
+    for (const std::string &folder :
+         {s_folder + "file\\", std::string("Q:\\x\\"), "C:\\" + std::string(255, 'x') + "\\"}) { // the last has 259
         s_folder = folder;
         EXPECT_EQ(fio_tmpnam(buffer, sizeof buffer), nullptr);
         EXPECT_STREQ(buffer, "");
-        EXPECT_EQ(m_reports.Take().size(), 1U);
+        EXPECT_EQ(m_reports.Take(), Reports{Error("Fio", "Failed GetTempFileName call")});
+        EXPECT_EQ(NameByTickCount(buffer, sizeof buffer), nullptr);
+        EXPECT_EQ(m_reports.Take(), Reports{Error("Fio", "Failed GetTempFileName call")});
         SetUp();
     }
     EXPECT_EQ(Files(), 1U);
@@ -204,6 +210,76 @@ TEST_F(TemporaryName, MeasuredForms) {
         ++checked;
     }
     EXPECT_GT(checked, 5);
+}
+
+// Variables of the environment, put back at the end.
+class Environment {
+public:
+    ~Environment() {
+        for (const auto &[name, value] : m_before)
+            Put(name, value);
+    }
+    // The empty text is no value.
+    void Set(const std::string &name, const std::string &value) {
+        const char *before = std::getenv(name.c_str());
+        m_before.emplace(name, before != nullptr ? before : "");
+        Put(name, value);
+    }
+
+private:
+    static void Put(const std::string &name, const std::string &value) {
+        static std::list<std::string> variables; // the environment keeps their texts
+        putenv(variables.emplace_back(name + "=" + value).data());
+    }
+    std::map<std::string, std::string> m_before;
+};
+
+// A path of the table with the folder `root` in place of "C:\woad".
+std::string Moved(const std::string &path, const std::string &root) {
+    std::string moved = AtRoot(path, root);
+    const std::size_t inner = moved.find("woad", root.size());
+    return inner == std::string::npos ? moved : moved.replace(inner, 4, root.substr(root.rfind('\\') + 1));
+}
+
+TEST_F(TemporaryName, MeasuredFoldersOfTheEnvironment) {
+    services = zr::platform::Services();
+    MakeFolders("tmp");
+    const std::string root = LibraryForm(Dir());
+    const CurrentFolder here(m_folder.Folder());
+    Environment environment;
+    int checked = 0;
+    const GoldenTable table("win_gettemppath.tsv");
+    for (const GoldenTable::Row &row : table.Rows()) {
+        const std::string &variable = row.at("TMP"), &measured = row.at("result");
+        if (OnDesktop()) {
+            for (const char *name : {"TMP", "TEMP", "USERPROFILE"})
+                environment.Set(name, row.at(name) == "\\N" ? "" : Moved(row.at(name), root));
+        } else { // one variable, with a path of the host
+            if (variable == "\\N" || variable == "C:")
+                continue;
+            std::string host = Moved(variable, root).substr(variable[1] == ':' ? 2 : 0);
+            std::replace(host.begin(), host.end(), '\\', '/');
+            environment.Set("TMPDIR", host);
+        }
+        SCOPED_TRACE(variable + " " + row.at("buflen"));
+        char folder[260], name[260];
+        const std::size_t length = zr::platform::TempFolder(folder, sizeof folder);
+        if (row.at("buflen") != "260") { // a row on the room needed: its path has 12 characters
+            const std::size_t size = row.at("buflen") == "0" ? 0 : std::stoul(row.at("buflen")) - 12 + length;
+            char small[260];
+            EXPECT_EQ(zr::platform::TempFolder(small, size), std::stoul(row.at("ret")) - 12 + length);
+            EXPECT_TRUE(size == 0 || std::string(small) == (measured == "\\N" ? "" : folder));
+        } else {
+            EXPECT_EQ(UpperText(folder), UpperText(Moved(measured, root)));
+        }
+        if (UpperText(folder).rfind(UpperText(root), 0) == 0) { // others are not ours to write in
+            ASSERT_EQ(fio_tmpnam(name, sizeof name), name);
+            EXPECT_EQ(std::string(name).substr(0, length), folder);
+            EXPECT_EQ(fio_exist("", name), 1);
+        }
+        ++checked;
+    }
+    EXPECT_EQ(checked, OnDesktop() ? 12 : 9);
 }
 
 } // namespace

@@ -16,6 +16,8 @@
 
 #include "files/names_fixture.h"
 #include "golden_table.h"
+#include "platform/desktop_tables.h"
+#include "platform/services.h"
 #include "platform/tree_of_names.h"
 
 namespace {
@@ -25,6 +27,11 @@ namespace fs = std::filesystem;
 // For hosts whose names may hold what is a separator or a drive here, and which have links.
 bool HostHasPlainNames() {
     return fs::path::preferred_separator == '/';
+}
+
+// The code for a drive that doesn't exist; the desktop's substitute tells of a missing file.
+bool IsMissingDrive(int code) {
+    return code == 3 || (OnDesktop() && code == 2);
 }
 
 class Verbs : public NamesFixture {
@@ -217,8 +224,18 @@ TEST_F(Verbs, CopyAnswersWithTheSystemsCode) {
     EXPECT_EQ(fio_copy(dir.c_str(), "file", dir.c_str(), "sub"), 5);
     EXPECT_EQ(fio_copy(dir.c_str(), "file", dir.c_str(), "guarded"), 5);
     EXPECT_EQ(fio_copy(dir.c_str(), "file", dir.c_str(), "file"), 32);
+    EXPECT_TRUE(IsMissingDrive(fio_copy("Q:\\", "file", dir.c_str(), "new")));
+    EXPECT_TRUE(IsMissingDrive(fio_copy(dir.c_str(), "file", "Q:\\", "new")));
     EXPECT_FALSE(Exists("new"));
     EXPECT_EQ(Read("guarded") + Read("file"), "oldcontent");
+}
+
+TEST_F(Verbs, CopyRefusesAHiddenTarget) {
+    Write(".hidden", "old"); // hidden by its name or by its attribute
+    ASSERT_EQ(zr::platform::SetAttributes(Path(".hidden").c_str(), zr::platform::attribute_hidden), 0);
+    EXPECT_EQ(fio_copy(Dir().c_str(), "file", Dir().c_str(), ".hidden"), 5);
+    EXPECT_EQ(Read(".hidden"), "old");
+    EXPECT_EQ(fio_purge(Dir().c_str(), ".hidden"), 0);
 }
 
 TEST_F(Verbs, CopyAndMoveOfBadPaths_GiveACode) {
@@ -265,6 +282,8 @@ TEST_F(Verbs, MoveRefusesATakenName) {
     EXPECT_EQ(Read("file") + Read("sub/in"), "contentinside");
     EXPECT_EQ(fio_move(dir.c_str(), "missing", dir.c_str(), "new"), 2);
     EXPECT_EQ(fio_move(dir.c_str(), "file", dir.c_str(), "missing\\new"), 3);
+    EXPECT_TRUE(IsMissingDrive(fio_move(dir.c_str(), "file", "Q:\\", "new")));
+    EXPECT_TRUE(IsMissingDrive(fio_move("Q:\\", "file", dir.c_str(), "new")));
     EXPECT_NE(fio_move(dir.c_str(), "sub", dir.c_str(), "sub\\inner\\x"), 0);
     EXPECT_EQ(fio_move(dir.c_str(), "file", dir.c_str(), "file"), 0);
     EXPECT_EQ(Read("file") + Read("sub/in"), "contentinside");
@@ -297,6 +316,44 @@ TEST_F(Verbs, RenameRefusesATakenName) {
         EXPECT_EQ(Read("file") + Read("other") + Read("sub/in"), "contentotherinside");
     }
     EXPECT_TRUE(fs::is_empty(Path("folder")));
+}
+
+TEST_F(Verbs, RenameTakesWriteProtectionAndWholePaths) {
+    for (const auto rename : {fio_rename, fio_rename_ex}) {
+        const ReadOnly guard(Path("file"));
+        EXPECT_EQ(rename(Dir().c_str(), "file", "new"), 0);
+        EXPECT_EQ(rename(Dir().c_str(), "new", "file"), 0);
+        EXPECT_EQ(Read("file"), "content");
+    }
+    const std::string inside = LibraryForm(Path("sub\\moved"));
+    EXPECT_EQ(fio_rename(Dir().c_str(), "file", inside.c_str()), 0); // a name with a drive stands alone
+    EXPECT_EQ(Read("sub/moved"), "content");
+    EXPECT_EQ(fio_rename(Path("none").c_str(), inside.c_str(), LibraryForm(Path("file")).c_str()), 0);
+    EXPECT_EQ(Read("file"), "content");
+}
+
+// The desktop's substitute keeps the former name on its disk.
+TEST_F(Verbs, RenameToOtherCaseIsARename) {
+    EXPECT_EQ(fio_rename(Dir().c_str(), "file", "FILE"), 0);
+    EXPECT_EQ(Read("FILE"), "content");
+    if (!OnDesktop()) {
+        EXPECT_FALSE(Exists("file"));
+        EXPECT_EQ(fio_rename_ex(Dir().c_str(), "FILE", "File"), 0);
+        EXPECT_FALSE(Exists("FILE"));
+    }
+}
+
+TEST_F(Verbs, ShellsRenameBelongsToTheWindowWithTheFocus) {
+    static int asked;
+    asked = 0;
+    zr::platform::services.focus_window = []() -> zr_window {
+        ++asked;
+        return nullptr;
+    };
+    EXPECT_EQ(fio_rename_ex(Dir().c_str(), "file", "new"), 0);
+    EXPECT_EQ(fio_rename(Dir().c_str(), "new", "file"), 0);
+    zr::platform::services = zr::platform::Services();
+    EXPECT_EQ(asked, 1);
 }
 
 TEST_F(Verbs, RenameOfBadPaths_GivesMinusOne) {
@@ -387,6 +444,20 @@ TEST_F(Verbs, RemoveTreeTakesAllOfIt) {
     EXPECT_FALSE(Exists("tree"));
     EXPECT_EQ(fio_rmdir_ex(Path("tree").c_str()), -1);
     EXPECT_EQ(Read("file") + Read("sub/in"), "contentinside");
+}
+
+TEST_F(Verbs, RemoveTreeTakesAnyNamesAndAttributes) {
+    const std::string tree = Path("tree"), inner = tree + "\\\xD6rdner \x80";
+    ASSERT_EQ(fio_mkdir(tree.c_str()), 0);
+    ASSERT_EQ(fio_mkdir(inner.c_str()), 0);
+    for (const char *name : {"\xE4\xFF.txt", "hidden", "system"})
+        ASSERT_EQ(fio_copy(Dir().c_str(), "file", inner.c_str(), name), 0);
+    using namespace zr::platform;
+    ASSERT_EQ(SetAttributes((inner + "\\hidden").c_str(), attribute_hidden), done);
+    ASSERT_EQ(SetAttributes((inner + "\\system").c_str(), attribute_system | attribute_archive), done);
+    ASSERT_EQ(SetAttributes(inner.c_str(), attribute_hidden), done);
+    EXPECT_EQ(fio_rmdir_ex(tree.c_str()), 0);
+    EXPECT_FALSE(Exists("tree"));
 }
 
 TEST_F(Verbs, RemoveTreeOfAFile_LeavesIt) {
@@ -513,6 +584,33 @@ TEST_F(MeasuredVerbs, VerbsOnFoldersAndFiles) {
         ++checked;
     }
     EXPECT_GT(checked, 20);
+}
+
+TEST_F(MeasuredVerbs, CreatePath) {
+    TempFolder folder;
+    fs::create_directories(folder.Folder() / "sc" / "have");
+    folder.Write("sc/file", "content");
+    const std::string root = ::LibraryForm(folder.Folder()), measured = "C:\\woad";
+    const CurrentFolder here(folder.Folder());
+    int checked = 0;
+    const GoldenTable table("win_shcreatedirectory.tsv");
+    for (const GoldenTable::Row &row : table.Rows()) {
+        const std::string &path = row.at("path"), &documented = row.at("windows_documented");
+        const bool outside =
+            path == "C:n9" || path == "\\n15" || path[0] == 'D' || path.find("srv") != std::string::npos;
+        const bool hosts = IsDesktopsOwn(path) || HasForbiddenSign(path);
+        if (outside || (hosts && !OnDesktop()) || path.find("nul") != std::string::npos)
+            continue;
+        std::string moved = AtRoot(path, root);
+        if (const std::size_t filler = moved.find("llll"); filler != std::string::npos) // keeps its length
+            moved.erase(filler, root.size() - measured.size());
+        const bool too_long = documented.find("ret 206") == 0, made = row.at("ret") == "0" && !too_long;
+        SCOPED_TRACE(moved);
+        EXPECT_EQ(fio_CreatePath(moved.c_str()), made ? 0 : -1);
+        EXPECT_EQ(fio_ispath(moved.c_str()), row.at("directory_exists_after") == "1" && !too_long ? 1 : 0);
+        ++checked;
+    }
+    EXPECT_GT(checked, 25);
 }
 
 TEST_F(MeasuredVerbs, Access) {

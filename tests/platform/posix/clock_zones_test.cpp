@@ -164,6 +164,47 @@ TEST(ClockZones, LocalClocksLeadBackToTheTime) {
     }
 }
 
+// What the C library says of a time in the zone that the environment names now.
+std::string FieldsOfTheHost(std::time_t time) {
+    tzset();
+    std::tm fields;
+    localtime_r(&time, &fields);
+    return Fields(fields) + (fields.tm_isdst > 0 ? "dst=1" : "dst=0");
+}
+
+std::string FieldsOfTheLibrary(std::time_t time) {
+    Calendar c{};
+    EXPECT_TRUE(LocalCalendar(time, c));
+    return Fields(c);
+}
+
+// The zone is read anew when the variable changes: to another text of the same length, to none, to the empty one, and to texts of
+// any length.
+TEST(ClockZones, EveryChangeOfTheVariableIsFollowed) {
+    constexpr std::time_t time = 1372636800;
+    const std::string rule = "CET-1CEST,M3.5.0,M10.5.0/3", other_rule = "CET-1CEST,M3.5.0,M6.5.0/3";
+    const std::string letters(200, 'A'), long_name = letters + "-3", other_long_name = letters + "-4";
+    const Variable before("TZ", "UTC0");
+    for (const std::string &name :
+         {std::string("AAA-1"), std::string("AAA-2"), rule, other_rule, std::string(), long_name, other_long_name,
+          std::string("none"), other_long_name, long_name, std::string(":/no such file"), std::string("AAA-1")}) {
+        if (name == "none")
+            unsetenv("TZ");
+        else
+            setenv("TZ", name.c_str(), 1);
+        for (int i = 0; i < 2; ++i) {
+            const std::string library = FieldsOfTheLibrary(time);
+            EXPECT_EQ(library, FieldsOfTheHost(time)) << name;
+        }
+    }
+    setenv("TZ", "AAA-2", 1); // the way back follows as well
+    std::tm fields = FieldsOf("0 0 2 1 6 113");
+    EXPECT_EQ(TimeOfLocal(fields), time);
+    setenv("TZ", "AAA-1", 1);
+    fields = FieldsOf("0 0 1 1 6 113");
+    EXPECT_EQ(TimeOfLocal(fields), time);
+}
+
 TEST(ClockZones, UsersLocaleIsTheFirstOfThreeVariables) {
     const Variable zone("TZ", "UTC0");
     Calendar c{};

@@ -174,6 +174,43 @@ TEST_F(PosixDrives, DriveMustBeAFolderOfAFixedPlace) {
     EXPECT_EQ(CurrentDrive(), 3);
 }
 
+TEST_F(PosixDrives, DriveMayDisappearWhileItIsCurrent) {
+    m_c.Write("file", "");
+    const std::string file = (m_c.Folder() / "file").string(), missing = (m_c.Folder() / "none").string();
+    for (const char *root : {"", "ddir", ".", file.c_str(), missing.c_str()}) {
+        setenv("ZR_DRIVE_D", Root().c_str(), 1);
+        ASSERT_EQ(ChangeFolder("D:\\ddir"), done);
+        ASSERT_EQ(CurrentDrive(), drive_d);
+        setenv("ZR_DRIVE_D", root, 1);
+        EXPECT_EQ(CurrentDrive(), 3) << root; // the folder is one of drive C, too
+        EXPECT_EQ(FolderNow(), LibraryForm(m_d.Folder() / "ddir"));
+        EXPECT_EQ(HostOf("\\a"), "/a");
+        EXPECT_FALSE(SetCurrentDrive(drive_d));
+        EXPECT_EQ(ChangeFolder("D:"), path_not_found);
+        EXPECT_EQ(HostOf("D:a"), "(failed)");
+    }
+}
+
+TEST_F(PosixDrives, RootMayBeRemovedWhileItIsCurrent) {
+    const fs::path root = m_c.Folder() / "e";
+    setenv("ZR_DRIVE_E", root.c_str(), 1);
+    for (const char *leave : {"C:\\", "C:"}) {
+        fs::create_directories(root / "deep");
+        ASSERT_EQ(ChangeFolder("E:\\deep"), done);
+        fs::remove_all(root);
+        EXPECT_EQ(FolderNow(), "(none)");
+        EXPECT_NE(MakeFolder("x"), done);
+        EXPECT_EQ(HostOf("\\a"), "(failed)");
+        ASSERT_EQ(ChangeFolder(leave), done);
+        EXPECT_EQ(CurrentDrive(), 3);
+        EXPECT_FALSE(SetCurrentDrive(5));
+        fs::create_directories(root);
+        EXPECT_TRUE(SetCurrentDrive(5));
+        EXPECT_EQ(FolderNow(), "E:\\");
+        EXPECT_TRUE(SetCurrentDrive(3));
+    }
+}
+
 TEST_F(PosixDrives, FolderThatIsGoneLeavesTheRoot) {
     ASSERT_EQ(ChangeFolder("D:\\ddir\\deep"), done);
     ASSERT_TRUE(SetCurrentDrive(3));
