@@ -87,7 +87,8 @@ private:
     static constexpr unsigned step = 10;
     static constexpr unsigned most = UINT_MAX / sizeof(fio_dirent) / step * step;
 
-    // By steps, one for a small folder and more the more there are, so that a large one is not copied for every few entries.
+    // By steps, one for a small folder and more the more there are, so that a large one is not copied for every few
+    // entries.
     bool Grow() {
         if (m_capacity == most)
             return false;

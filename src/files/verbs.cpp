@@ -16,8 +16,8 @@ namespace {
 
 using namespace zr::platform;
 
-// The path that `dir` and `name` make; empty, so that every verb fails, if it is too long. The second terminator makes it the
-// list of one path that the shell wants.
+// The path that `dir` and `name` make; empty, so that every verb fails, if it is too long. The second terminator makes
+// it the list of one path that the shell wants.
 class ComposedPath {
 public:
     ComposedPath(const char *dir, const char *name) { fio_makepath(m_text, "", dir, name); }
@@ -36,8 +36,8 @@ bool IsLink(const char *path) {
     return !FollowLinks(path, target, sizeof target) || std::strcmp(target, path) != 0;
 }
 
-// Removes folders with all that lies in them. One path grows and shrinks on the way down and up; as each level adds two characters at
-// least, there are fewer than 128.
+// Removes folders with all that lies in them. One path grows and shrinks on the way down and up; as each level adds two
+// characters at least, there are fewer than 128.
 class TreeRemover {
 public:
     // Whether the folder `path` is gone.
@@ -79,8 +79,8 @@ private:
         heap_free(entries);
     }
 
-    // Goes down to an entry. Not to those that stand for folders above, nor to what a host allows in a name but no path of the
-    // library can express: it would lead elsewhere.
+    // Goes down to an entry. Not to those that stand for folders above, nor to what a host allows in a name but no path
+    // of the library can express: it would lead elsewhere.
     bool Append(const char *name) {
         if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0 || std::strchr(name, '\\') != nullptr)
             return false;

@@ -37,19 +37,21 @@ inline std::int64_t NowMilliseconds() {
     return services.now_milliseconds();
 }
 
-// `time` in the zone of the process. False, with `out` untouched, outside first_time..last_time. Threads: any.
+// `time` in the zone of the process. False, with `out` untouched, outside first_time..last_time. Threads: any. On Linux
+// the zone is that of TZ, whose changes are followed, or without it that of the system as it was when it was first
+// asked for.
 bool LocalCalendar(std::int64_t time, Calendar &out);
 
-// The time at which the clocks of the process's zone show `fields`, which may be any numbers: what is beyond its range carries
-// over. Looks at second to year alone (month from 0, year since 1900) and finds out by itself about daylight saving time;
-// an hour that comes twice is the second of the two, one that is left out lies as far behind the last moment before it. -1 outside
-// first_time..last_time. `fields` is then made regular, as C's mktime does it, unless its year lies before 1970 or
-// behind 3000. Threads: any.
+// The time at which the clocks of the process's zone show `fields`, which may be any numbers: what is beyond its range
+// carries over. Looks at second to year alone (month from 0, year since 1900) and finds out by itself about daylight
+// saving time; an hour that comes twice is the second of the two, one that is left out lies as far behind the last
+// moment before it. -1 outside first_time..last_time. `fields` is then made regular, as C's mktime does it, unless its
+// year lies before 1970 or behind 3000. Threads: any.
 std::int64_t TimeOfLocal(std::tm &fields);
 
-// Date or time of `calendar` as the user's locale of the system has them, into `out`: the short or the long date, the time
-// without or with its seconds. False, with nothing defined in `out`, if the system has no such text or it is longer than
-// 78 characters. Threads: any, as long as none changes the environment.
+// Date or time of `calendar` as the user's locale of the system has them, into `out`: the short or the long date, the
+// time without or with its seconds. False, with nothing defined in `out`, if the system has no such text or it is
+// longer than 78 characters. Threads: any, as long as none changes the environment.
 bool UserDateText(const Calendar &calendar, bool long_form, char (&out)[80]);
 bool UserTimeText(const Calendar &calendar, bool seconds, char (&out)[80]);
 

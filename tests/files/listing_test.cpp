@@ -34,7 +34,8 @@ namespace fs = std::filesystem;
 using zr::test::HeapRefusal;
 using Names = std::vector<std::string>;
 
-// All is done in a zone that has summer time, set before anybody asks for the zone: not every runtime follows later changes.
+// All is done in a zone that has summer time, set before anybody asks for the zone: not every runtime follows later
+// changes.
 const bool in_new_york = [] {
     static char zone[] = "TZ=EST5EDT"; // the environment keeps it
     putenv(zone);

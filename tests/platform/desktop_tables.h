@@ -1,4 +1,5 @@
-// What the tests of files, folders and drives need to replay tables that were measured on the desktop, on either platform.
+// What the tests of files, folders and drives need to replay tables that were measured on the desktop, on either
+// platform.
 #ifndef TESTS_PLATFORM_DESKTOP_TABLES_H
 #define TESTS_PLATFORM_DESKTOP_TABLES_H
 
@@ -44,8 +45,8 @@ inline std::string AtRoot(const std::string &path, const std::string &root) {
     return path;
 }
 
-// Rows that tell of the desktop's disks and devices alone. Elsewhere names differ by the case of their letters, end in any points
-// and blanks, and hold any sign; and a device is no name.
+// Rows that tell of the desktop's disks and devices alone. Elsewhere names differ by the case of their letters, end in
+// any points and blanks, and hold any sign; and a device is no name.
 inline bool IsDesktopsOwn(const std::string &path) {
     for (const char *part : {"nul", "NUL", "con", "com1", "COM1", "com9", "\\\\.\\", "\\\\?\\", "\xC4"})
         if (path.find(part) != std::string::npos)

@@ -44,7 +44,8 @@ inline std::string FolderOf(int drive) {
     return folder;
 }
 
-// An argument of the table with the folder `base`, "C:\..." in place of "C:\woad" and of the same folder named "work" below the root.
+// An argument of the table with the folder `base`, "C:\..." in place of "C:\woad" and of the same folder named "work"
+// below the root.
 inline std::string StepArgument(std::string argument, const std::string &base) {
     if (argument == "..") { // from the folder, which may lie deeper here, to the root
         std::string up = "..";
@@ -59,8 +60,8 @@ inline std::string StepArgument(std::string argument, const std::string &base) {
     return argument;
 }
 
-// Does the steps with `folder` in place of "C:\woad", those on drive D only if `with_d` (its folder "ddir" is current there), and
-// answers how many it did.
+// Does the steps with `folder` in place of "C:\woad", those on drive D only if `with_d` (its folder "ddir" is current
+// there), and answers how many it did.
 inline int CheckDriveSteps(const std::filesystem::path &folder, bool with_d) {
     using namespace zr::platform;
     const std::string base = LibraryForm(folder);

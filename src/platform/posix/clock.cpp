@@ -19,8 +19,8 @@ constexpr std::int64_t day_seconds = 86400;
 // The zone that the C library converts with.
 class Zone {
 public:
-    // Makes it that of TZ, or of the system without it. tzset alone would do, but it asks the disk each time for the file that the
-    // zone was read from, which takes many times as long as a conversion.
+    // Makes it that of TZ, or of the system without it. tzset alone would do, but it asks the disk each time for the
+    // file that the zone was read from, which takes many times as long as a conversion.
     void FollowEnvironment() {
         const char *name = std::getenv("TZ");
         const std::lock_guard<std::mutex> lock(m_mutex);

@@ -37,7 +37,8 @@ bool IsDots(const char *name) {
     return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0));
 }
 
-// A pattern that ends in "." or ".." means the folder's own name, in the folder around it. file_not_found for a root, which has none.
+// A pattern that ends in "." or ".." means the folder's own name, in the folder around it. file_not_found for a root,
+// which has none.
 int FindOwnName(const char *pattern, PathBuffer &folder, char (&name)[path_size]) {
     std::size_t root_length;
     if (!posix::ToAbsoluteHost(pattern, folder, root_length))

@@ -65,7 +65,8 @@ bool NeedsMemory(int error) {
            error == EBADF;
 }
 
-// Copies everything, from where the two files stand. False with errno set. For a small file the host's own copying is the longer way.
+// Copies everything, from where the two files stand. False with errno set. For a small file the host's own copying is
+// the longer way.
 bool CopyContent(int from, int to, off_t size) {
     if (size <= static_cast<off_t>(buffer_size))
         return CopyThroughMemory(from, to);

@@ -35,8 +35,8 @@ std::size_t LengthWithoutSeparators(const char *path) {
     return length;
 }
 
-// The part of the working folder `folder` below the drive's root; null if it lies elsewhere. For a drive that is mapped, links are
-// resolved, as the host has resolved those of the working folder.
+// The part of the working folder `folder` below the drive's root; null if it lies elsewhere. For a drive that is
+// mapped, links are resolved, as the host has resolved those of the working folder.
 const char *BelowRoot(int drive, const char *folder) {
     PathBuffer root;
     root[0] = 0;

@@ -24,8 +24,8 @@ bool IsDots(const char *element, std::size_t length) {
     return length == 1 ? element[0] == '.' : length == 2 && element[0] == '.' && element[1] == '.';
 }
 
-// Resolves "." and ".." in the host's path `path`. Below the first `floor` characters, which stay, a rooted rest never climbs;
-// a relative one keeps the ".." that lead out of it.
+// Resolves "." and ".." in the host's path `path`. Below the first `floor` characters, which stay, a rooted rest never
+// climbs; a relative one keeps the ".." that lead out of it.
 void ResolveDots(char *path, std::size_t floor) {
     char *const begin = path + floor;
     const bool rooted = *begin == '/';
@@ -59,15 +59,16 @@ void ResolveDots(char *path, std::size_t floor) {
     *to = 0;
 }
 
-// Where the rest of a path starts: a host's folder in front of it, of which the first `floor` characters are the drive's root.
+// Where the rest of a path starts: a host's folder in front of it, of which the first `floor` characters are the
+// drive's root.
 struct Start {
     PathBuffer folder;
     std::size_t length = 0;
     std::size_t floor = 0;
 };
 
-// Finds the start of `rest`, which followed a drive's letter or, for drive 0, stands alone. A start of no length is the working
-// folder for a relative rest, and the host's root for another.
+// Finds the start of `rest`, which followed a drive's letter or, for drive 0, stands alone. A start of no length is the
+// working folder for a relative rest, and the host's root for another.
 bool FindStart(int drive, const char *rest, bool dots, Start &start) {
     if (*rest == 0 || IsSeparator(*rest)) {
         const char *root = DriveRoot(drive != 0 ? drive : WorkingDrive());

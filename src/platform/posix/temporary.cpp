@@ -51,8 +51,8 @@ void ComposeName(char (&path)[path_size], std::size_t length, const char *prefix
     std::snprintf(path + length, sizeof path - length, "%.3s%X.tmp", prefix, number);
 }
 
-// Makes the file, which must not exist, with the rights that any new file gets: what is copied from it later must not be closed
-// to others.
+// Makes the file, which must not exist, with the rights that any new file gets: what is copied from it later must not
+// be closed to others.
 int CreateNew(const char *path) {
     PathBuffer host;
     if (!posix::ToHost(path, host, sizeof host))
@@ -84,8 +84,8 @@ bool HostTempFolder(PathBuffer &out) {
     return true;
 }
 
-// Resolves "." and ".." and runs of separators in an absolute path in the library's form, and puts one separator at its end: paths
-// composed below the folder begin with it then. Answers the length.
+// Resolves "." and ".." and runs of separators in an absolute path in the library's form, and puts one separator at its
+// end: paths composed below the folder begin with it then. Answers the length.
 std::size_t ResolveFolder(char *folder) {
     constexpr std::size_t drive = 2; // "C:"
     std::size_t length = drive;

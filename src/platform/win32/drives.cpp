@@ -22,8 +22,8 @@ int DriveOf(const char *path) {
     return letter >= 'A' && letter <= 'Z' ? letter - 'A' + 1 : 0;
 }
 
-// Makes `path` the current folder of the process and notes it as that of its drive, where the system looks for it when the drive is
-// named alone: in variables like "=C:".
+// Makes `path` the current folder of the process and notes it as that of its drive, where the system looks for it when
+// the drive is named alone: in variables like "=C:".
 int Enter(const char *path) {
     if (!SetCurrentDirectoryA(path))
         return static_cast<int>(GetLastError());
