@@ -1,6 +1,6 @@
 // The one lock of all environments, as the env_ functions take it.
-#ifndef ZRCLB_ENV_ENV_LOCK_H
-#define ZRCLB_ENV_ENV_LOCK_H
+#ifndef ZR_ENV_ENV_LOCK_H
+#define ZR_ENV_ENV_LOCK_H
 
 #include "platform/locks.h"
 

@@ -1,6 +1,6 @@
 // What every env_ function begins and ends with: handle to object, the lock, and no exception to the caller.
-#ifndef ZRCLB_ENV_FUNCTION_CALL_H
-#define ZRCLB_ENV_FUNCTION_CALL_H
+#ifndef ZR_ENV_FUNCTION_CALL_H
+#define ZR_ENV_FUNCTION_CALL_H
 
 #include <exception>
 

@@ -1,6 +1,6 @@
 // What the functions on single elements share with the other env_ functions.
-#ifndef ZRCLB_ENV_FUNCTIONS_ACCESS_H
-#define ZRCLB_ENV_FUNCTIONS_ACCESS_H
+#ifndef ZR_ENV_FUNCTIONS_ACCESS_H
+#define ZR_ENV_FUNCTIONS_ACCESS_H
 
 #include <zrclb/env.h>
 

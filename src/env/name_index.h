@@ -7,8 +7,8 @@
 //
 // In the ordered form an entry can stay behind at its old place when an element gets a new name. Entries are compared by the
 // names that their elements bear at that time, and no element dies before all of its entries are dropped.
-#ifndef ZRCLB_ENV_NAME_INDEX_H
-#define ZRCLB_ENV_NAME_INDEX_H
+#ifndef ZR_ENV_NAME_INDEX_H
+#define ZR_ENV_NAME_INDEX_H
 
 #include <cstddef>
 #include <cstdint>

@@ -4,8 +4,8 @@
 // text that is read are packed into chunks by a Batch. A chunk lives as long as one of its nodes does, whatever
 // environment the node has moved to by then, so no node depends on the environment that it was read into.
 // Texts that grow later get arrays of their own; the flags of a node tell which of its texts it has to free.
-#ifndef ZRCLB_ENV_NODE_STORE_H
-#define ZRCLB_ENV_NODE_STORE_H
+#ifndef ZR_ENV_NODE_STORE_H
+#define ZR_ENV_NODE_STORE_H
 
 #include <cstddef>
 #include <cstdint>

@@ -3,8 +3,8 @@
 // All of it is independent of setlocale and the same on every platform. The written forms are those of the C standard's
 // printf in the C locale: an exponent has two digits at least, ties go to even, infinities and not-a-numbers are words.
 // Nothing here allocates, and nothing throws.
-#ifndef ZRCLB_ENV_NUMBER_TEXT_H
-#define ZRCLB_ENV_NUMBER_TEXT_H
+#ifndef ZR_ENV_NUMBER_TEXT_H
+#define ZR_ENV_NUMBER_TEXT_H
 
 #include <cstddef>
 #include <cstdint>

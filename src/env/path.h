@@ -6,8 +6,8 @@
 // A token that follows a name and consists of digits only is the position of that name, counted from 1; a step without one
 // has position 1. A name that is empty or holds '=' is dropped together with its position. A delimiter at the very end adds
 // no token.
-#ifndef ZRCLB_ENV_PATH_H
-#define ZRCLB_ENV_PATH_H
+#ifndef ZR_ENV_PATH_H
+#define ZR_ENV_PATH_H
 
 #include <string_view>
 

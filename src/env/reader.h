@@ -1,6 +1,6 @@
 // The reader of the environment text format: one object for one reading, on the stack of the call.
-#ifndef ZRCLB_ENV_READER_H
-#define ZRCLB_ENV_READER_H
+#ifndef ZR_ENV_READER_H
+#define ZR_ENV_READER_H
 
 #include <cstddef>
 #include <memory>

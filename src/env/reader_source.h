@@ -1,6 +1,6 @@
 // Where the reader of the text format takes its bytes from: a text stream, through a block, or a text in memory.
-#ifndef ZRCLB_ENV_READER_SOURCE_H
-#define ZRCLB_ENV_READER_SOURCE_H
+#ifndef ZR_ENV_READER_SOURCE_H
+#define ZR_ENV_READER_SOURCE_H
 
 #include <cstddef>
 #include <cstdio>

@@ -1,7 +1,7 @@
 // One level of a walk: the children of a block (or the sections of an environment) in sequence, each with its address and a
 // subenvironment on it.
-#ifndef ZRCLB_ENV_SIBLING_WALK_H
-#define ZRCLB_ENV_SIBLING_WALK_H
+#ifndef ZR_ENV_SIBLING_WALK_H
+#define ZR_ENV_SIBLING_WALK_H
 
 #include <cstddef>
 #include <memory>

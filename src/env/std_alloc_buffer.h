@@ -1,7 +1,7 @@
 // One scratch buffer for the conversions: a fixed block for requests that fit it, else one block of the counted
 // allocation. One owner at a time, without any lock. Nothing in the library uses it at present.
-#ifndef ZRCLB_ENV_STD_ALLOC_BUFFER_H
-#define ZRCLB_ENV_STD_ALLOC_BUFFER_H
+#ifndef ZR_ENV_STD_ALLOC_BUFFER_H
+#define ZR_ENV_STD_ALLOC_BUFFER_H
 
 #include <zrclb/types.h>
 

@@ -1,7 +1,7 @@
 // Counts the changes of trees that can put an element elsewhere, or give it another number among its namesakes: whoever
 // remembers such facts across foreign code can tell whether they still hold.
-#ifndef ZRCLB_ENV_TREE_EDITS_H
-#define ZRCLB_ENV_TREE_EDITS_H
+#ifndef ZR_ENV_TREE_EDITS_H
+#define ZR_ENV_TREE_EDITS_H
 
 #include <atomic>
 #include <cstddef>

@@ -1,8 +1,8 @@
 // The ENV_BIN form of binary values: "2", the byte 0xD0, then each byte as itself or as an escape pair, "_" and a letter.
 // The pairs keep line ends, blanks and the marks of the text format out of a value. Version 1, which is still read, has
 // no pair for the byte 0x1A.
-#ifndef ZRCLB_ENV_VALUE_BINARY_H
-#define ZRCLB_ENV_VALUE_BINARY_H
+#ifndef ZR_ENV_VALUE_BINARY_H
+#define ZR_ENV_VALUE_BINARY_H
 
 #include <cstddef>
 

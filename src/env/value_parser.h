@@ -13,8 +13,8 @@
 //
 // A number is taken as far as it goes and is then in the sink, whether or not the text behind it matches. The text is
 // only read. Nothing allocates. One parser belongs to one thread; a text may be read by several at once.
-#ifndef ZRCLB_ENV_VALUE_PARSER_H
-#define ZRCLB_ENV_VALUE_PARSER_H
+#ifndef ZR_ENV_VALUE_PARSER_H
+#define ZR_ENV_VALUE_PARSER_H
 
 #include "env/value_sink.h"
 

@@ -1,7 +1,7 @@
 // A range of a caller's memory into which parsed numbers are stored one behind the other, and from which they can be
 // read back as texts. Values need no alignment. One thread at a time.
-#ifndef ZRCLB_ENV_VALUE_SINK_H
-#define ZRCLB_ENV_VALUE_SINK_H
+#ifndef ZR_ENV_VALUE_SINK_H
+#define ZR_ENV_VALUE_SINK_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 // The writer of the environment text format: one object for one writing, on the stack of the call.
-#ifndef ZRCLB_ENV_WRITER_H
-#define ZRCLB_ENV_WRITER_H
+#ifndef ZR_ENV_WRITER_H
+#define ZR_ENV_WRITER_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 // The tests' way to the private parts of elements and environments: each call goes straight to the member of its name.
-#ifndef ZRCLB_TESTS_ENV_ENV_PROBE_H
-#define ZRCLB_TESTS_ENV_ENV_PROBE_H
+#ifndef ZR_TESTS_ENV_ENV_PROBE_H
+#define ZR_TESTS_ENV_ENV_PROBE_H
 
 #include <vector>
 

@@ -1,7 +1,7 @@
 // The reader of the text format in its plainest form: one character at a time through all levels, nesting by recursion.
 // What the library's reader gives is compared with this.
-#ifndef ZRCLB_TESTS_ENV_REFERENCE_READER_H
-#define ZRCLB_TESTS_ENV_REFERENCE_READER_H
+#ifndef ZR_TESTS_ENV_REFERENCE_READER_H
+#define ZR_TESTS_ENV_REFERENCE_READER_H
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,7 @@
 // The writer of the text format in its plainest form: one character at a time, nesting by recursion. What the library's
 // writer gives is compared with this.
-#ifndef ZRCLB_TESTS_ENV_REFERENCE_WRITER_H
-#define ZRCLB_TESTS_ENV_REFERENCE_WRITER_H
+#ifndef ZR_TESTS_ENV_REFERENCE_WRITER_H
+#define ZR_TESTS_ENV_REFERENCE_WRITER_H
 
 #include <string>
 

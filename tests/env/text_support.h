@@ -1,6 +1,6 @@
 // What the tests of the text format share: an environment of their own, a fresh folder, files as bytes, reports.
-#ifndef ZRCLB_TESTS_ENV_TEXT_SUPPORT_H
-#define ZRCLB_TESTS_ENV_TEXT_SUPPORT_H
+#ifndef ZR_TESTS_ENV_TEXT_SUPPORT_H
+#define ZR_TESTS_ENV_TEXT_SUPPORT_H
 
 #include <filesystem>
 #include <fstream>

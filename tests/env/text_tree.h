@@ -1,6 +1,6 @@
 // Trees of the environment as plain values, for tests that compare what was read and written.
-#ifndef ZRCLB_TESTS_ENV_TEXT_TREE_H
-#define ZRCLB_TESTS_ENV_TEXT_TREE_H
+#ifndef ZR_TESTS_ENV_TEXT_TREE_H
+#define ZR_TESTS_ENV_TEXT_TREE_H
 
 #include <optional>
 #include <string>

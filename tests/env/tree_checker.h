@@ -1,7 +1,7 @@
 // What the tests of the environment tree share: short makers, a text form of a tree, and the checks that every sound
 // block passes whatever was done to it before.
-#ifndef ZRCLB_TESTS_ENV_TREE_CHECKER_H
-#define ZRCLB_TESTS_ENV_TREE_CHECKER_H
+#ifndef ZR_TESTS_ENV_TREE_CHECKER_H
+#define ZR_TESTS_ENV_TREE_CHECKER_H
 
 #include <algorithm>
 #include <cstddef>

@@ -1,6 +1,6 @@
 // A fresh folder, and the tool run inside this process with its output caught.
-#ifndef ZRCLB_TESTS_ZRTOOL_FIXTURE_H
-#define ZRCLB_TESTS_ZRTOOL_FIXTURE_H
+#ifndef ZR_TESTS_ZRTOOL_FIXTURE_H
+#define ZR_TESTS_ZRTOOL_FIXTURE_H
 
 #include <algorithm>
 #include <filesystem>
