@@ -12,6 +12,9 @@
 
 namespace {
 
+using zr::platform::ClusterSpace;
+using zr::platform::SpaceAnswer;
+
 constexpr std::size_t longest_root = 255;
 
 // The root folder that `path` stands for; the empty text is the current drive.
@@ -26,6 +29,16 @@ void PutRoot(const char *path, char (&out)[longest_root + 2]) {
     out[length] = 0;
 }
 
+// The answer of a system that can only tell it in clusters.
+double FreeByClusters(const char *root) {
+    ClusterSpace space;
+    if (!zr::platform::FreeClusters(root, space))
+        return 0.0;
+    std::fputs("\nGetDiskFreeSpace:\n", stdout); // like the other trace
+    return static_cast<double>(space.sectors_per_cluster) * static_cast<double>(space.bytes_per_sector) *
+           static_cast<double>(space.free_clusters);
+}
+
 bool IsNetworkName(const char *path) {
     return path[0] == '\\' && path[1] == '\\';
 }
@@ -38,7 +51,10 @@ double fio_getdiskfree(const char *path) noexcept {
     char root[longest_root + 2];
     PutRoot(path, root);
     std::uint64_t bytes = 0;
-    if (!zr::platform::FreeSpace(root, bytes))
+    const SpaceAnswer answer = zr::platform::FreeSpace(root, bytes);
+    if (answer == SpaceAnswer::no_call)
+        return FreeByClusters(root);
+    if (answer == SpaceAnswer::failed)
         return 0.0;
     std::fputs("\nGetDiskFreeSpaceEx:\n", stdout); // a trace that callers have come to expect
     return static_cast<double>(bytes);

@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/services.h"
 #include "platform/system_error.h"
 
 namespace zr::platform {
@@ -39,10 +40,33 @@ int ChangeFolder(const char *path);
 // What the system says of the drive of the folder `path` ("C:\"): 0 unknown, 1 no such folder, 2 removable, 3 fixed, 4
 // remote, 5 CD-ROM, 6 RAM disk. Null means the current drive. On Linux the kind of the file system decides; what it
 // doesn't tell is fixed.
-int DriveType(const char *path);
+inline int DriveType(const char *path) {
+    return services.drive_type(path);
+}
+
+// What the question for the free space came to.
+enum class SpaceAnswer {
+    told,
+    failed,  // no such folder, or null
+    no_call, // the system is too old for the question; it is told in clusters
+};
 
 // Bytes free to the present user on the drive of the folder `path`; the empty text means the current drive.
-bool FreeSpace(const char *path, std::uint64_t &bytes);
+inline SpaceAnswer FreeSpace(const char *path, std::uint64_t &bytes) {
+    return services.free_space(path, bytes);
+}
+
+// Room on a drive as old systems tell it: the product of the three is in bytes.
+struct ClusterSpace {
+    std::uint32_t sectors_per_cluster;
+    std::uint32_t bytes_per_sector;
+    std::uint32_t free_clusters; // at most 4294967295, whatever the drive has
+};
+
+// The same in clusters.
+inline bool FreeClusters(const char *path, ClusterSpace &out) {
+    return services.free_clusters(path, out);
+}
 
 } // namespace zr::platform
 

@@ -14,11 +14,15 @@
 
 namespace zr::platform {
 
+enum class GroupVerb;
+enum class SpaceAnswer;
+struct ClusterSpace;
 struct FileStatus;
+struct GroupOptions;
 struct Uuid;
 
-// What the back end provides. Contracts stand at the callers' faces: streams.h, files.h, message_box.h, debug.h, clock.h,
-// temporary.h.
+// What the back end provides. Contracts stand at the callers' faces: streams.h, files.h, message_box.h, debug.h,
+// clock.h, temporary.h, drives.h, shell.h.
 namespace backend {
 std::FILE *OpenText(const char *path, const char *mode);
 std::FILE *OpenBinary(const char *path, const char *mode);
@@ -33,6 +37,10 @@ std::size_t TempFolder(char *out, std::size_t size);
 unsigned TempFileName(const char *folder, const char *prefix, unsigned unique, char *out);
 std::uint32_t TickCount();
 int CreateUuid(Uuid &out);
+int DriveType(const char *path);
+SpaceAnswer FreeSpace(const char *path, std::uint64_t &bytes);
+bool FreeClusters(const char *path, ClusterSpace &out);
+int DoGroupOperation(GroupVerb verb, const char *from, const char *to, const GroupOptions &options, bool &aborted);
 } // namespace backend
 
 struct Services {
@@ -51,6 +59,11 @@ struct Services {
                                char *out) = backend::TempFileName;
     std::uint32_t (*tick_count)() = backend::TickCount;
     int (*create_uuid)(Uuid &out) = backend::CreateUuid;
+    int (*drive_type)(const char *path) = backend::DriveType;
+    SpaceAnswer (*free_space)(const char *path, std::uint64_t &bytes) = backend::FreeSpace;
+    bool (*free_clusters)(const char *path, ClusterSpace &out) = backend::FreeClusters;
+    int (*do_group_operation)(GroupVerb verb, const char *from, const char *to, const GroupOptions &options,
+                              bool &aborted) = backend::DoGroupOperation;
 };
 
 inline constinit Services services;

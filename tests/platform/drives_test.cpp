@@ -47,13 +47,29 @@ TEST_F(Drives, KindsAnswerTheTable) {
 
 TEST_F(Drives, FreeSpaceIsToldForFolders) {
     std::uint64_t here = 0, there = 0;
-    ASSERT_TRUE(FreeSpace("", here));
-    ASSERT_TRUE(FreeSpace(Form().c_str(), there));
+    ASSERT_EQ(FreeSpace("", here), SpaceAnswer::told);
+    ASSERT_EQ(FreeSpace(Form().c_str(), there), SpaceAnswer::told);
     EXPECT_GT(here, 0U);
     EXPECT_GT(there, 0U);
     for (const std::string &path : {Form() + "\\missing\\x", std::string(10000, 'x'), std::string("?:\\")})
-        EXPECT_FALSE(FreeSpace(path.c_str(), there));
-    EXPECT_FALSE(FreeSpace(nullptr, there));
+        EXPECT_EQ(FreeSpace(path.c_str(), there), SpaceAnswer::failed);
+    EXPECT_EQ(FreeSpace(nullptr, there), SpaceAnswer::failed);
+}
+
+TEST_F(Drives, FreeSpaceInClustersIsOfTheSameOrder) {
+    ClusterSpace space{};
+    std::uint64_t bytes = 0;
+    for (const char *root : {"C:\\", ""}) {
+        ASSERT_TRUE(FreeClusters(root, space));
+        ASSERT_EQ(FreeSpace(root, bytes), SpaceAnswer::told);
+        const double told =
+            static_cast<double>(space.sectors_per_cluster) * space.bytes_per_sector * space.free_clusters;
+        EXPECT_GT(told, 0.0);
+        EXPECT_LT(told, 2.0 * static_cast<double>(bytes));
+    }
+    for (const std::string &path : {Form() + "\\missing\\x", std::string(10000, 'x'), std::string("?:\\")})
+        EXPECT_FALSE(FreeClusters(path.c_str(), space));
+    EXPECT_FALSE(FreeClusters(nullptr, space));
 }
 
 TEST_F(Drives, CurrentFolderNeedsRoom) {

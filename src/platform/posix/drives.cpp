@@ -1,8 +1,10 @@
 // Drives, current folders, free space.
 #include "platform/drives.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 
 #include <linux/magic.h>
 #include <sys/stat.h>
@@ -56,6 +58,11 @@ bool ToHostFolder(const char *path, PathBuffer &host) {
     return posix::ToHost(path, host, sizeof host) && stat(host, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+bool LookAtSpace(const char *path, struct statvfs &status) {
+    PathBuffer host;
+    return path != nullptr && ToHostFolder(path[0] != 0 ? path : ".", host) && statvfs(host, &status) == 0;
+}
+
 } // namespace
 
 int CurrentDrive() {
@@ -102,7 +109,7 @@ int ChangeFolder(const char *path) {
     return posix::FailureCode(host, error);
 }
 
-int DriveType(const char *path) {
+int backend::DriveType(const char *path) {
     PathBuffer host;
     struct statfs status;
     if (!ToHostFolder(path != nullptr ? path : "\\", host) || statfs(host, &status) != 0)
@@ -114,14 +121,21 @@ int DriveType(const char *path) {
     return kind_fixed;
 }
 
-bool FreeSpace(const char *path, std::uint64_t &bytes) {
-    if (path == nullptr)
-        return false;
-    PathBuffer host;
+SpaceAnswer backend::FreeSpace(const char *path, std::uint64_t &bytes) {
     struct statvfs status;
-    if (!ToHostFolder(path[0] != 0 ? path : ".", host) || statvfs(host, &status) != 0)
-        return false;
+    if (!LookAtSpace(path, status))
+        return SpaceAnswer::failed;
     bytes = static_cast<std::uint64_t>(status.f_bavail) * status.f_frsize;
+    return SpaceAnswer::told;
+}
+
+bool backend::FreeClusters(const char *path, ClusterSpace &out) {
+    constexpr std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
+    struct statvfs status;
+    if (!LookAtSpace(path, status))
+        return false;
+    out = {1, static_cast<std::uint32_t>(status.f_frsize),
+           static_cast<std::uint32_t>(std::min<std::uint64_t>(status.f_bavail, most))};
     return true;
 }
 

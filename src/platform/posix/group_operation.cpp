@@ -1,6 +1,8 @@
-// Operations on groups of files, on a host without a shell: files, links and whole trees copied, moved, deleted and renamed.
+// Operations on groups of files, on a host without a shell: files, links and whole trees copied, moved, deleted and
+// renamed.
 //
-// Trees are walked by fts, which keeps its place on the heap and never follows a link: a link is copied, moved and deleted as a link.
+// Trees are walked by fts, which keeps its place on the heap and never follows a link: a link is copied, moved and
+// deleted as a link.
 #include "platform/shell.h"
 
 #include <cerrno>
@@ -129,7 +131,7 @@ int RemoveEntry(const char *host, bool folder) {
     return (folder ? rmdir(host) : unlink(host)) == 0 ? done : SystemCode(errno);
 }
 
-// Copies a file or a link over what is there, the write-protected and hidden included: nobody is to be asked.
+// Copies a file or a link over what is there, the write-protected included: nobody is to be asked.
 int CopyPlain(const char *from, const char *to, bool link) {
     struct stat status;
     if (!link) {
@@ -226,8 +228,8 @@ int MoveOne(char *from, const char *to) {
     return code == done ? RemoveTree(from) : code;
 }
 
-// Copies or moves to the name `target`, or, if that is or is to be a folder, into it. `finished` tells that `target` is the source
-// itself, with which the whole operation ends.
+// Copies or moves to the name `target`, or, if that is or is to be a folder, into it. `finished` tells that `target` is
+// the source itself, with which the whole operation ends.
 int CopyOrMove(GroupVerb verb, const Source &source, const char *target, bool into, bool &finished) {
     Place from, to;
     int code = SetPlace(source.path, from);
@@ -361,7 +363,8 @@ int Operate(GroupVerb verb, const char *from, const char *to, const GroupOptions
 
 } // namespace
 
-int DoGroupOperation(GroupVerb verb, const char *from, const char *to, const GroupOptions &options, bool &aborted) {
+int backend::DoGroupOperation(GroupVerb verb, const char *from, const char *to, const GroupOptions &options,
+                              bool &aborted) {
     aborted = false; // without a box nobody can end it
     if (from == nullptr || (to == nullptr && verb != GroupVerb::remove))
         return invalid_parameter;

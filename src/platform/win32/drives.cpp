@@ -36,6 +36,23 @@ int Enter(const char *path) {
     return done;
 }
 
+// GetDiskFreeSpaceEx, looked up at run time: not every system has it.
+using FreeSpaceFunction = BOOL(WINAPI *)(const char *, ULARGE_INTEGER *, ULARGE_INTEGER *, ULARGE_INTEGER *);
+
+FreeSpaceFunction FindFreeSpaceCall(HMODULE library) {
+    FARPROC entry = GetProcAddress(library, "GetDiskFreeSpaceEx");
+    if (entry == nullptr)
+        entry = GetProcAddress(library, "GetDiskFreeSpaceExA");
+    FreeSpaceFunction call;
+    static_assert(sizeof call == sizeof entry);
+    std::memcpy(&call, &entry, sizeof call);
+    return call;
+}
+
+const char *OrCurrentDrive(const char *path) {
+    return path[0] != 0 ? path : nullptr;
+}
+
 } // namespace
 
 int CurrentDrive() {
@@ -66,17 +83,33 @@ int ChangeFolder(const char *path) {
     return code != done ? code : Enter(path);
 }
 
-int DriveType(const char *path) {
+int backend::DriveType(const char *path) {
     return static_cast<int>(GetDriveTypeA(path));
 }
 
-bool FreeSpace(const char *path, std::uint64_t &bytes) {
+SpaceAnswer backend::FreeSpace(const char *path, std::uint64_t &bytes) {
     if (path == nullptr)
+        return SpaceAnswer::failed;
+    const HMODULE library = LoadLibraryA("KERNEL32.DLL");
+    if (library == nullptr)
+        return SpaceAnswer::failed;
+    SpaceAnswer answer = SpaceAnswer::no_call;
+    if (const FreeSpaceFunction call = FindFreeSpaceCall(library)) {
+        ULARGE_INTEGER free;
+        const bool told = call(OrCurrentDrive(path), &free, nullptr, nullptr) != FALSE;
+        answer = told ? SpaceAnswer::told : SpaceAnswer::failed;
+        if (told)
+            bytes = free.QuadPart;
+    }
+    FreeLibrary(library);
+    return answer;
+}
+
+bool backend::FreeClusters(const char *path, ClusterSpace &out) {
+    DWORD sectors, bytes, clusters, all_clusters;
+    if (path == nullptr || !GetDiskFreeSpaceA(OrCurrentDrive(path), &sectors, &bytes, &clusters, &all_clusters))
         return false;
-    ULARGE_INTEGER free;
-    if (!GetDiskFreeSpaceExA(path[0] != 0 ? path : nullptr, &free, nullptr, nullptr))
-        return false;
-    bytes = free.QuadPart;
+    out = {sectors, bytes, clusters};
     return true;
 }
 

@@ -9,6 +9,7 @@
 #include <shlobj.h>
 
 #include "platform/files.h"
+#include "platform/win32/shell_flags.h"
 
 namespace zr::platform {
 
@@ -27,22 +28,6 @@ UINT FunctionOf(GroupVerb verb) {
     }
 }
 
-// The shell's flags. Errors show in the result alone: without this flag a box would wait for somebody.
-FILEOP_FLAGS FlagsOf(GroupVerb verb, const GroupOptions &options) {
-    unsigned flags = FOF_NOCONFIRMATION | FOF_NOERRORUI;
-    if (verb == GroupVerb::rename)
-        flags |= FOF_SIMPLEPROGRESS;
-    else
-        flags |= FOF_NOCONFIRMMKDIR;
-    if (options.several_targets)
-        flags |= FOF_MULTIDESTFILES;
-    if (options.files_only)
-        flags |= FOF_FILESONLY;
-    if (options.progress_title == nullptr)
-        flags |= FOF_SILENT;
-    return static_cast<FILEOP_FLAGS>(flags);
-}
-
 } // namespace
 
 int CreateMissingFolders(const char *path) {
@@ -53,7 +38,8 @@ int CreateMissingFolders(const char *path) {
     return SHCreateDirectoryExA(nullptr, path, nullptr);
 }
 
-int DoGroupOperation(GroupVerb verb, const char *from, const char *to, const GroupOptions &options, bool &aborted) {
+int backend::DoGroupOperation(GroupVerb verb, const char *from, const char *to, const GroupOptions &options,
+                              bool &aborted) {
     aborted = false;
     if (from == nullptr || (to == nullptr && verb != GroupVerb::remove))
         return invalid_parameter;
@@ -62,7 +48,7 @@ int DoGroupOperation(GroupVerb verb, const char *from, const char *to, const Gro
     operation.wFunc = FunctionOf(verb);
     operation.pFrom = from;
     operation.pTo = to;
-    operation.fFlags = FlagsOf(verb, options);
+    operation.fFlags = windows::FlagsOf(verb, options);
     operation.lpszProgressTitle = options.progress_title;
     const int code = SHFileOperationA(&operation);
     aborted = operation.fAnyOperationsAborted != 0;
