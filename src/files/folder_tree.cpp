@@ -34,11 +34,13 @@ struct Listing {
     const fio_dirent *end() const { return entries.get() + count; }
 };
 
+// False if the folder can't be read, and without memory: then the listing is empty, though what it asks for matches all
+// entries.
 bool List(const char *dir, const char *pattern, Listing &out) {
     fio_dirent *entries = nullptr;
     const bool listed = fio_listdir(dir, pattern, FIO_IS_FILE | FIO_IS_DIR, &entries, &out.count) == 0;
     out.entries.reset(entries);
-    return listed;
+    return listed && out.count != 0;
 }
 
 bool IsFolder(const fio_dirent &entry) {
@@ -94,7 +96,7 @@ int fio_RemoveFileAttributes(const char *path, zr_ulong attributes) noexcept {
     if ((found & zr::platform::attribute_folder) == 0)
         return result;
     Listing listing;
-    if (!List(path, "*", listing) || listing.count == 0)
+    if (!List(path, "*", listing))
         return 0;
     for (const fio_dirent &entry : listing) {
         if (IsDotEntry(entry.name))

@@ -20,8 +20,8 @@ inline bool IsSeparator(char c) {
     return c == '\\' || c == '/';
 }
 
-// Takes apart the first 260 characters of `path`; a null path counts as empty. All pieces are empty if the folder, the base
-// name or the extension has more than 255 characters. Reads no byte behind the terminator, nor behind the 260th.
+// Takes apart the first 260 characters of `path`; a null path counts as empty. All pieces are empty if the folder, the
+// base name or the extension has more than 255 characters. Reads no byte behind the terminator, nor behind the 260th.
 PathPieces Divide(const char *path);
 
 } // namespace zr::files

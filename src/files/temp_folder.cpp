@@ -89,8 +89,8 @@ Outcome MakeByUuid(char *buffer, int size) {
     return Outcome::made;
 }
 
-// Does `rest`, a path below a folder, lead to something in that folder, and neither to the folder itself nor out of it? Elements of
-// points and blanks alone are not trusted: systems drop what stands at the end of a name.
+// Does `rest`, a path below a folder, lead to something in that folder, and neither to the folder itself nor out of it?
+// Elements of points and blanks alone are not trusted: systems drop what stands at the end of a name.
 bool StaysBelow(const char *rest) {
     int depth = 0;
     while (*rest != 0) {

@@ -7,6 +7,7 @@
 #include <zrclb/heap.h>
 #include <zrclb/paths.h>
 
+#include "files/entry_path.h"
 #include "platform/file_verbs.h"
 #include "platform/files.h"
 #include "platform/services.h"
@@ -82,7 +83,7 @@ private:
     // Goes down to an entry. Not to those that stand for folders above, nor to what a host allows in a name but no path
     // of the library can express: it would lead elsewhere.
     bool Append(const char *name) {
-        if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0 || std::strchr(name, '\\') != nullptr)
+        if (zr::files::IsDotEntry(name) || std::strpbrk(name, "\\/") != nullptr)
             return false;
         const std::size_t name_length = std::strlen(name);
         const std::size_t separator = m_path[m_length - 1] == '\\' ? 0 : 1;

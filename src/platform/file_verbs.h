@@ -19,7 +19,7 @@
 namespace zr::platform {
 
 // Attribute bits, the desktop's own. On Linux read-only is a missing write permission for everybody, hidden a leading
-// dot; files bear the archive bit nowhere, and the other bits are clear.
+// dot, which nobody can take off; files bear the archive bit nowhere, and the other bits are clear.
 enum FileAttribute : std::uint32_t {
     attribute_read_only = 1,
     attribute_hidden = 2,
@@ -46,10 +46,10 @@ bool CanAccess(const char *path, int mode);
 int RemoveUnprotectedFile(const char *path);
 
 // Copies a file with its modification time and, on Linux, its permissions for reading, writing and executing; an
-// existing target is written over in place, a read-only or hidden one or a folder refused with access_denied, and a
-// file onto itself, by whatever name, with sharing_violation. Only files are copied: a folder, and on Linux a pipe or
-// device, as the source is access_denied. If it fails half-way (disk full), what was written of a new target is
-// removed; of a former target the content is lost.
+// existing target is written over in place, a read-only one or a folder refused with access_denied, on the desktop a
+// hidden one too, and a file onto itself, by whatever name, with sharing_violation. Only files are copied: a folder,
+// and on Linux a pipe or device, as the source is access_denied. If it fails half-way (disk full), what was written of
+// a new target is removed; of a former target the content is lost.
 int CopyFileOver(const char *from, const char *to);
 
 // Moves a file or a folder to a name that nothing bears yet (else already_exists; the file's own name is done at once).

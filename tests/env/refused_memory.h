@@ -1,4 +1,4 @@
-// Lets allocations fail, chosen by their size. Replaces the program's operator new, so only its test source includes this.
+// Lets allocations fail, chosen by their size or their number. Replaces the program's operator new, so only its test source includes this.
 #ifndef TESTS_ENV_REFUSED_MEMORY_H
 #define TESTS_ENV_REFUSED_MEMORY_H
 
@@ -8,6 +8,37 @@
 #include <new>
 
 namespace zr::test {
+
+// While it lives, the allocation that comes after so many others fails; with an action it calls that and succeeds. One at a
+// time.
+class NthAllocation {
+public:
+    explicit NthAllocation(int others, void (*action)() = nullptr) {
+        s_action = action;
+        s_left = others;
+        s_met = false;
+    }
+    NthAllocation(const NthAllocation &) = delete;
+    NthAllocation &operator=(const NthAllocation &) = delete;
+    ~NthAllocation() { s_left = -1; }
+
+    bool Met() const { return s_met; } // there was such an allocation
+
+    static bool Refuses() {
+        if (s_left < 0 || s_left-- > 0)
+            return false;
+        s_met = true;
+        if (s_action == nullptr)
+            return true;
+        s_action();
+        return false;
+    }
+
+private:
+    static inline void (*s_action)() = nullptr;
+    static inline int s_left = -1;
+    static inline bool s_met = false;
+};
 
 // While it lives, the next allocations of from..to bytes fail, as many as told. One at a time.
 class Refusal {
@@ -26,6 +57,8 @@ public:
     bool Untouched() const { return s_left == m_times; } // none was
 
     static void *Allocate(std::size_t size) {
+        if (NthAllocation::Refuses())
+            return nullptr;
         if (s_left == 0 || size < s_from || size > s_to)
             return std::malloc(size != 0 ? size : 1);
         --s_left;

@@ -1,4 +1,5 @@
 // Size of a folder and number of its entries.
+#include <zrclb/files.h>
 #include <zrclb/folders.h>
 
 #include <filesystem>
@@ -7,9 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include "env/refused_memory.h"
 #include "platform/shell_paths.h"
 
 namespace {
+
+using zr::test::NthAllocation;
 
 namespace fs = std::filesystem;
 
@@ -102,6 +106,63 @@ TEST_F(FolderSums, NullAndEmptyAreTheCurrentFolder) {
     const CurrentFolder current(m_folder.Folder());
     EXPECT_EQ(fio_GetFolderSize("", 0), 30.0);
     EXPECT_EQ(fio_GetFolderSize(nullptr, 1), 1130.0);
+    EXPECT_EQ(Info(nullptr, 1).items, 8);
+    EXPECT_EQ(Info("", 0).items, 4);
+    EXPECT_EQ(fio_GetFolderItemsCount(nullptr, nullptr, nullptr), 4);
+}
+
+TEST_F(FolderSums, RootsAndNamesBeyondAscii) {
+    for (const char *root : {"C:\\", "\\", "C:\\..\\..", "C:"}) {
+        EXPECT_EQ(Info(root, 0).result, 1) << root;
+        EXPECT_GT(fio_GetFolderItemsCount(root, nullptr, nullptr), 0) << root;
+    }
+    for (const char *path : {"\\\\", "\xE4\x80\xFF\x01", "C:\\?"})
+        EXPECT_EQ(Info(path, 1).result, 0) << path;
+    const std::string letters = Root() + "\\\xE4\x80\xFF";
+    ASSERT_EQ(fio_mkdir(letters.c_str()), 0);
+    ASSERT_EQ(fio_copy(Root().c_str(), "a", letters.c_str(), "\xFE"), 0);
+    EXPECT_EQ(fio_GetFolderSize(letters.c_str(), 1), 10.0);
+    EXPECT_EQ(Info(Root().c_str(), 1).items, 10);
+}
+
+// Without memory for the search of a folder that one can't be read.
+TEST_F(FolderSums, FolderThatCannotBeReadCountsAsEmpty) {
+    const std::string root = Root();
+    bool met = true;
+    int less = 0;
+    for (int others = 0; met; ++others) {
+        const NthAllocation refused(others);
+        const Info info(root.c_str(), 1);
+        met = refused.Met();
+        EXPECT_EQ(info.result, others == 0 ? 0 : 1);
+        EXPECT_GE(info.folders, others == 0 ? 0 : 2);
+        EXPECT_EQ(info.items, info.folders + info.files);
+        EXPECT_TRUE(met || (info.size == 1130.0 && info.items == 8));
+        less += info.items < 8 ? 1 : 0;
+    }
+    EXPECT_GE(less, 3); // the folder itself, and those that hold something
+}
+
+TEST_F(FolderSums, FolderMayVanishMeanwhile) {
+    static fs::path one;
+    one = At("one");
+    const std::string root = Root();
+    bool met = true;
+    for (int others = 0; met; ++others) {
+        fs::create_directories(At("one/two/three"));
+        m_folder.Write("one/b", std::string(100, 'b'));
+        const NthAllocation interrupted(others, [] {
+            std::error_code ignored;
+            fs::remove_all(one, ignored);
+        });
+        const Info info(root.c_str(), 1);
+        met = interrupted.Met();
+        EXPECT_EQ(info.result, 1);
+        EXPECT_GE(info.folders, 1);
+        EXPECT_GE(info.files, 2);
+        EXPECT_EQ(info.items, info.folders + info.files);
+        EXPECT_TRUE(info.size == 30.0 || info.size == 130.0) << info.size;
+    }
 }
 
 TEST_F(FolderSums, BigFilesCountByTheLowWord) {

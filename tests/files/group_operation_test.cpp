@@ -10,6 +10,8 @@
 #include "env/report_capture.h"
 #include "frame/counted_allocation.h"
 #include "frame/refused_heap.h"
+#include "platform/services.h"
+#include "platform/shell.h"
 #include "platform/shell_paths.h"
 
 namespace {
@@ -137,6 +139,111 @@ TEST_F(GroupOperation, OverlongPartsAreWrongNames) {
     const std::string name(200, 'x');
     EXPECT_EQ(Do(FIO_GROUP_DELETE, {(name + "\\" + name).c_str()}), 2);
     EXPECT_TRUE(Exists("from/a") && Exists("from/sub/x"));
+}
+
+TEST_F(GroupOperation, PlacesThatAreNoneFail) {
+    const std::string file = From() + "\\a";
+    for (const std::string &dir : {std::string("Q:\\"), From() + "\\missing", file, std::string("\\\\\\"),
+                                   std::string("C:\\..\\..\\no such folder"), std::string("\xE4\x80\xFF")}) {
+        const char *names[] = {"b", nullptr};
+        EXPECT_EQ(fio_group_operation(dir.c_str(), names, To().c_str(), nullptr, FIO_GROUP_COPY, 0, nullptr, nullptr),
+                  2);
+        const int moved =
+            fio_group_operation(dir.c_str(), names, To().c_str(), nullptr, FIO_GROUP_MOVE, 0, nullptr, nullptr);
+        EXPECT_TRUE(moved == 2 || on_desktop); // not every shell minds a source that is missing
+        EXPECT_EQ(fio_group_operation(dir.c_str(), names, nullptr, nullptr, FIO_GROUP_DELETE, 0, nullptr, nullptr), 2);
+    }
+    EXPECT_TRUE(fs::is_empty(m_folder.Folder() / "to"));
+    const char *names[] = {"b", nullptr};
+    for (const std::string &dir : {std::string("Q:\\"), file}) {
+        const int copied =
+            fio_group_operation(From().c_str(), names, dir.c_str(), nullptr, FIO_GROUP_COPY, 0, nullptr, nullptr);
+        EXPECT_TRUE(copied == 2 || (on_desktop && copied == 1)) << copied; // a shell may call that left out
+    }
+    EXPECT_EQ(m_folder.Read("from/a") + m_folder.Read("from/b"), "AB");
+    EXPECT_EQ(Taken(), Reports{});
+}
+
+// What the shell is asked for, in place of the shell.
+class ShellCalls : public GroupOperation {
+protected:
+    void SetUp() override {
+        GroupOperation::SetUp();
+        zr::platform::services.do_group_operation = Note;
+        code = 0;
+        abort = false;
+    }
+    void TearDown() override {
+        zr::platform::services = m_services;
+        GroupOperation::TearDown();
+    }
+
+    static std::vector<std::string> Paths(const char *list) {
+        std::vector<std::string> paths;
+        for (; *list != 0; list += paths.back().size() + 1)
+            paths.emplace_back(list);
+        return paths;
+    }
+    static int Note(zr::platform::GroupVerb asked, const char *from_list, const char *to_list,
+                    const zr::platform::GroupOptions &with, bool &aborted) {
+        verb = asked;
+        from = Paths(from_list);
+        targets = to_list != nullptr;
+        to = targets ? Paths(to_list) : std::vector<std::string>();
+        options = with;
+        aborted = abort;
+        return code;
+    }
+
+    static inline zr::platform::GroupVerb verb;
+    static inline std::vector<std::string> from, to;
+    static inline bool targets, abort;
+    static inline zr::platform::GroupOptions options;
+    static inline int code;
+    const zr::platform::Services m_services = zr::platform::services;
+};
+
+TEST_F(ShellCalls, GetListsTitleAndOwner) {
+    using Paths = std::vector<std::string>;
+    const char *names[] = {"a", "sub\\x/y", "E:\\z", "\xE4\x80", nullptr}, *others[] = {"1", "2", nullptr};
+    int window = 0;
+    EXPECT_EQ(fio_group_operation("C:\\d\\", names, "/t", others, FIO_GROUP_MOVE, 1, "title", &window), 0);
+    EXPECT_EQ(verb, zr::platform::GroupVerb::move);
+    EXPECT_EQ(from, (Paths{"C:\\d\\a", "C:\\d\\sub\\x\\y", "E:\\z", "C:\\d\\\xE4\x80"}));
+    EXPECT_EQ(to, (Paths{"\\t\\1", "\\t\\2"}));
+    EXPECT_TRUE(options.several_targets && options.files_only);
+    EXPECT_STREQ(options.progress_title, "title");
+    EXPECT_EQ(options.owner, &window);
+    EXPECT_EQ(fio_group_operation(nullptr, others, "C:", nullptr, FIO_GROUP_COPY, 0, nullptr, nullptr), 0);
+    EXPECT_EQ(verb, zr::platform::GroupVerb::copy);
+    EXPECT_EQ(from, (Paths{"1", "2"}));
+    EXPECT_EQ(to, (Paths{"C:\\1", "C:\\2"}));
+    EXPECT_TRUE(options.several_targets && !options.files_only);
+    EXPECT_EQ(options.progress_title, nullptr);
+    EXPECT_EQ(options.owner, nullptr);
+}
+
+TEST_F(ShellCalls, DeletionHasNoTargets) {
+    EXPECT_EQ(Do(FIO_GROUP_DELETE, {"a"}), 0);
+    EXPECT_EQ(verb, zr::platform::GroupVerb::remove);
+    EXPECT_EQ(from, std::vector<std::string>{From() + "\\a"});
+    EXPECT_FALSE(targets || options.several_targets);
+    EXPECT_EQ(Do(FIO_GROUP_DELETE, {}), 0);
+    EXPECT_EQ(from, std::vector<std::string>{});
+}
+
+TEST_F(ShellCalls, CodeAndAbortMakeTheResult) {
+    const struct {
+        int code;
+        bool abort;
+        int result;
+    } cases[] = {{0, false, 0}, {0, true, 1}, {5, false, 2}, {-1, false, 2}, {1223, true, 1}};
+    for (const auto &[shell_code, shell_abort, result] : cases) {
+        code = shell_code;
+        abort = shell_abort;
+        EXPECT_EQ(Do(FIO_GROUP_COPY, {"a"}), result) << shell_code << shell_abort;
+    }
+    EXPECT_EQ(Taken(), Reports{});
 }
 
 TEST_F(GroupOperation, WithoutMemoryTheListIsWrong) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -35,19 +36,23 @@ Wrapped Wrap(const std::string &path, int width, int size) {
     return {code, std::string(out.data(), length), capture.Take()};
 }
 
-// The lines by the rules, plainly.
-std::string PlainlyWrapped(std::string rest, std::size_t width) {
+// The lines and the code by the rules, plainly.
+std::pair<int, std::string> PlainlyWrapped(std::string rest, std::size_t width, std::size_t size) {
     std::string out;
     std::size_t offset = 0;
     if (rest.size() <= width)
-        return rest;
+        return {0, rest};
     for (;;) {
         const std::string line = rest.substr(0, width);
+        if (line.size() < width && out.size() + offset + 2 > size)
+            return {-2, out};
         if (line.size() < width)
-            return out + line.substr(0, offset + 1);
+            return {0, out + line.substr(0, offset + 1)};
         offset = line.rfind('\\');
         if (offset == std::string::npos)
-            return out;
+            return {-3, out};
+        if (out.size() + offset + 3 > size)
+            return {-2, out};
         out += line.substr(0, offset + 1) + "\n";
         rest = rest.substr(offset + 1);
     }
@@ -120,19 +125,27 @@ TEST(WrapPath, AgreesWithThePlainRulesAtEveryWidth) {
         "one\\two\\three\\four\\five\\six\\"};
     for (const std::string &path : paths)
         for (int width = 1; width <= 255; width = width < 40 ? width + 1 : width + 43) {
+            const auto [code, text] = PlainlyWrapped(path, static_cast<std::size_t>(width), 600);
             const Wrapped wrapped = Wrap(path, width, 600);
-            EXPECT_TRUE(wrapped.code == 0 || wrapped.code == -3);
-            EXPECT_EQ(wrapped.text, PlainlyWrapped(path, static_cast<std::size_t>(width))) << path << ' ' << width;
+            EXPECT_NE(code, -2);
+            EXPECT_EQ(wrapped.code, code) << path << ' ' << width;
+            EXPECT_EQ(wrapped.text, text) << path << ' ' << width;
         }
 }
 
-TEST(WrapPath, SmallBuffersAreNeverOverrun) {
+TEST(WrapPath, SmallBuffersEndItAtTheToldPlaces) {
     const std::string path = "ab\\cdef\\g\\hijklm\\n";
-    for (int size = 1; size < 60; ++size)
-        for (int width = 1; width < 20; width += 3) {
-            const Wrapped wrapped = Wrap(path, width, size);
-            EXPECT_EQ(wrapped.reports.empty(), wrapped.code == 0);
+    for (std::size_t size = path.size() + 1; size < 60; ++size)
+        for (int width = 1; width < 25; ++width) {
+            const auto [code, text] = PlainlyWrapped(path, static_cast<std::size_t>(width), size);
+            const Wrapped wrapped = Wrap(path, width, static_cast<int>(size));
+            EXPECT_EQ(wrapped.code, code) << size << ' ' << width;
+            EXPECT_EQ(wrapped.text, text) << size << ' ' << width;
+            EXPECT_EQ(wrapped.reports,
+                      code == 0 ? Reports{} : Reports{Message("Fio", code == -2 ? too_small : no_break)});
         }
+    for (int size = 1; size <= static_cast<int>(path.size()); ++size)
+        EXPECT_EQ(Wrap(path, 5, size).code, -2);
 }
 
 TEST(CompactPath, CutsInFrontOfTheName) {
@@ -142,6 +155,27 @@ TEST(CompactPath, CutsInFrontOfTheName) {
     EXPECT_NE(std::strstr(out, "...\\name.txt"), nullptr) << out;
     EXPECT_EQ(fio_CompactPath(out, "C:\\a", 20, 7), 1);
     EXPECT_STREQ(out, "C:\\a");
+}
+
+TEST(CompactPath, NothingFitsIntoNoWidth) {
+    char out[8] = "before";
+    EXPECT_EQ(fio_CompactPath(out, "C:\\a", 0, 0), 1);
+    EXPECT_STREQ(out, "before");
+    EXPECT_EQ(fio_CompactPath(out, "C:\\a", 1, 0), 1);
+    EXPECT_STREQ(out, "");
+    EXPECT_EQ(fio_CompactPath(out, "", 8, 0), 1);
+    EXPECT_STREQ(out, "");
+}
+
+TEST(CompactPath, OverlongPathsStayInsideTheWidth) {
+    for (const std::size_t length : {259U, 260U, 10000U}) {
+        char out[41];
+        out[40] = '#';
+        EXPECT_EQ(fio_CompactPath(out, ("C:\\" + std::string(length - 8, '\xE4') + "\\name").c_str(), 40, 0), 1);
+        EXPECT_EQ(out[40], '#');
+        EXPECT_EQ(std::string(out).size(), 39U);
+        EXPECT_NE(std::strstr(out, "...\\name"), nullptr) << out;
+    }
 }
 
 TEST(CompactPath, NullPointersGiveZero) {

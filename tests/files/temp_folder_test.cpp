@@ -1,4 +1,5 @@
 // Making and deleting temporary folders, with the system's part replaced: nothing waits.
+#include <zrclb/files.h>
 #include <zrclb/folders.h>
 
 #include <algorithm>
@@ -6,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -13,6 +15,7 @@
 #include "env/report_capture.h"
 #include "files/temp_folder.h"
 #include "golden_table.h"
+#include "platform/file_verbs.h"
 #include "platform/files.h"
 #include "platform/services.h"
 #include "platform/shell_paths.h"
@@ -199,6 +202,35 @@ TEST_F(TempDirectories, IdentifierThatDoesNotFitLeavesNoFolder) {
     EXPECT_EQ(Taken(), Reports{Message("Fio", "Puffer zu klein.")});
 }
 
+TEST_F(TempDirectories, IdentifierThatNoPathHoldsMakesNone) {
+    system_folder += std::string(238 - system_folder.size(), 'x') + "\\";
+    services.temp_file_name = [](const char *, const char *, unsigned, char *out) {
+        out[0] = 0;
+        return 1U;
+    };
+    EXPECT_EQ(Create(), 0);
+    EXPECT_STREQ(m_buffer, "");
+    EXPECT_EQ(EntryCount(), 0);
+    Reports reports = Taken();
+    std::erase(reports, Message("Fio", "Can't receive temporary file name."));
+    EXPECT_EQ(reports, Reports{Message("Fio", "Buffer zu klein")});
+}
+
+TEST_F(TempDirectories, PathOfThreeCharactersCountsAsNone) {
+    const CurrentFolder current(m_folder.Folder());
+    services.temp_file_name = [](const char *, const char *, unsigned, char *out) {
+        std::strcpy(out, "abc");
+        return 1U;
+    };
+    EXPECT_EQ(Create(), 0);
+    EXPECT_STREQ(m_buffer, "abc");
+    EXPECT_TRUE(IsFolder("abc"));
+}
+
+TEST_F(TempDirectories, PausesAreThoseOfTheClock) {
+    EXPECT_EQ(m_calls.wait, zr_wait);
+}
+
 TEST_F(TempDirectories, NullBufferMakesNone) {
     EXPECT_EQ(fio_CreateTempDirectory(nullptr, 260), 0);
     EXPECT_EQ(EntryCount(), 0);
@@ -253,6 +285,44 @@ TEST_F(TempDirectories, FoldersElsewhereAreRefused) {
     EXPECT_EQ(other.Read("kept") + m_folder.Read("sub/kept"), "keptkept");
 }
 
+TEST_F(TempDirectories, ThatHoldWhatIsReadOnlyStay) {
+    ASSERT_EQ(Create(), 1);
+    m_folder.Write("zr_100.tmp/guarded", "kept");
+    const std::string guarded = std::string(m_buffer) + "\\guarded";
+    ASSERT_EQ(zr::platform::SetAttributes(guarded.c_str(), zr::platform::attribute_read_only), 0);
+    EXPECT_EQ(fio_DeleteTempDirectory(m_buffer), 0);
+    EXPECT_EQ(m_folder.Read("zr_100.tmp/guarded"), "kept");
+    ASSERT_EQ(fio_RemoveFileAttributes(m_buffer, zr::platform::attribute_read_only), 1);
+    EXPECT_EQ(fio_DeleteTempDirectory(m_buffer), 1);
+    EXPECT_EQ(Taken(), Reports{});
+}
+
+TEST_F(TempDirectories, LinkGoesWithoutItsTarget) {
+    const TempFolder other;
+    other.Write("kept", "kept");
+    std::error_code refused;
+    fs::create_directory_symlink(other.Folder(), m_folder.Folder() / "link", refused);
+    if (refused)
+        GTEST_SKIP() << "no links can be made here";
+    EXPECT_EQ(fio_DeleteTempDirectory((system_folder + "link").c_str()), 1);
+    EXPECT_FALSE(fs::is_symlink(m_folder.Folder() / "link"));
+    EXPECT_EQ(other.Read("kept"), "kept");
+}
+
+TEST_F(TempDirectories, NamesBeyondAsciiAndOverlongOnes) {
+    const std::string letters = system_folder + "\xE4\x80\xFF";
+    ASSERT_EQ(fio_mkdir(letters.c_str()), 0);
+    EXPECT_EQ(fio_DeleteTempDirectory(letters.c_str()), 1);
+    EXPECT_EQ(EntryCount(), 0);
+    fs::create_directory(m_folder.Folder() / "sub");
+    for (const std::size_t length : {255U, 256U, 259U, 260U, 10000U})
+        EXPECT_EQ(fio_DeleteTempDirectory((system_folder + std::string(length - system_folder.size(), 'x')).c_str()),
+                  0);
+    EXPECT_EQ(fio_DeleteTempDirectory((system_folder + "sub\\" + std::string(300, 'x')).c_str()), 0);
+    EXPECT_TRUE(IsFolder("sub"));
+    Taken();
+}
+
 TEST_F(TempDirectories, CaseOfTheSystemFolderCounts) {
     fs::create_directory(m_folder.Folder() / "sub");
     std::string path = system_folder + "sub";
@@ -276,6 +346,10 @@ TEST_F(TempDirectories, DeletionWithoutSystemFolderIsReported) {
     services.temp_folder = [](char *, std::size_t) { return std::size_t{260}; };
     EXPECT_EQ(fio_DeleteTempDirectory(system_folder.c_str()), 0);
     EXPECT_EQ(Taken(), Reports(2, Message("Fio", "GetTempPath failed")));
+    system_folder = "C:\\" + std::string(255, 'x') + "\\"; // 259 characters
+    services.temp_folder = FixedFolder;
+    EXPECT_EQ(fio_DeleteTempDirectory("C:\\x"), 0);
+    EXPECT_EQ(Taken(), Reports{Message("Fio", "Directory is not a temporary directory! ", "C:\\x")});
 }
 
 TEST(TempDirectoriesOfTheSystem, AreMadeAndDeleted) {

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -531,6 +532,23 @@ TEST_F(Verbs, RemoveTreeStaysInsideWhateverNamesSay) {
     EXPECT_EQ(fio_rmdir_ex(Path("tree").c_str()), -1);
     EXPECT_EQ(Read("tree/..\\file"), "as a way up");
     EXPECT_EQ(Read("file"), "content");
+}
+
+TEST_F(Verbs, RemoveTreeLeavesWhatNoPathReaches) {
+    if (!HostHasPlainNames())
+        GTEST_SKIP() << "no longer paths on this host";
+    const std::string long_name(255, 'n'), folder = NameForLength(200);
+    MakeFolders("tree/" + folder.substr(5) + "/inner");
+    {
+        const CurrentFolder here(m_folder.Folder() / "tree");
+        std::ofstream(long_name).put('x'); // fits into no path of the library
+        fs::create_directory(std::string(254, 'd'));
+        std::ofstream("short").put('x');
+    }
+    EXPECT_EQ(fio_rmdir_ex(Path("tree").c_str()), -1);
+    EXPECT_FALSE(Exists("tree/short") || Exists("tree/" + folder.substr(5)));
+    EXPECT_TRUE(Exists("tree/" + long_name) && Exists("tree/" + std::string(254, 'd')));
+    EXPECT_EQ(Read("file") + Read("sub/in"), "contentinside");
 }
 
 // What was measured on the desktop

@@ -9,6 +9,29 @@ extern "C" void *__real_heap_realloc(void *block, unsigned int size) noexcept;
 
 namespace zr::test {
 
+// While it lives, the allocation that comes after so many others calls `action` first. One at a time.
+class HeapInterruption {
+public:
+    HeapInterruption(int others, void (*action)()) {
+        s_action = action;
+        s_left = others;
+    }
+    HeapInterruption(const HeapInterruption &) = delete;
+    HeapInterruption &operator=(const HeapInterruption &) = delete;
+    ~HeapInterruption() { s_left = -1; }
+
+    bool Met() const { return s_left < 0; } // there was such an allocation
+
+    static void Count() {
+        if (s_left >= 0 && s_left-- == 0)
+            s_action();
+    }
+
+private:
+    static inline void (*s_action)() = nullptr;
+    static inline int s_left = -1;
+};
+
 // While it lives, the allocation that comes after so many others fails, and with `lasting` all behind it. One at a time.
 class HeapRefusal {
 public:
@@ -24,6 +47,7 @@ public:
     bool Met() const { return s_met; } // an allocation failed
 
     static bool Refuses() {
+        HeapInterruption::Count();
         if (s_left < 0)
             return false;
         if (s_left > 0) {

@@ -299,6 +299,20 @@ TEST_F(FileVerbs, WriteProtectionHoldsForRootToo) {
     EXPECT_EQ(RemoveUnprotectedFile(Form("f").c_str()), done);
 }
 
+// A dot is no attribute that could be taken off before the copy.
+TEST_F(FileVerbs, HiddenTargetsAreRefusedWhereThatIsAnAttribute) {
+    m_folder.Write("f", "new");
+    const std::string name = OnDesktop() ? "h" : ".h", target = Form(name);
+    m_folder.Write(name, "old");
+    ASSERT_EQ(SetAttributes(target.c_str(), attribute_hidden), done);
+    EXPECT_EQ(CopyFileOver(Form("f").c_str(), target.c_str()), OnDesktop() ? int{access_denied} : int{done});
+    EXPECT_EQ(m_folder.Read(name), OnDesktop() ? "old" : "new");
+    ASSERT_EQ(SetAttributes(target.c_str(), attribute_read_only), done);
+    EXPECT_EQ(CopyFileOver(Form("f").c_str(), target.c_str()), access_denied);
+    ASSERT_EQ(SetAttributes(target.c_str(), attribute_normal), done);
+    EXPECT_EQ(CopyFileOver(Form("f").c_str(), target.c_str()), done);
+}
+
 TEST_F(FileVerbs, CopyKeepsContentAndTime) {
     std::string content;
     for (int i = 0; i < 300000; ++i)

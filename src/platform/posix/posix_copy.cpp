@@ -3,7 +3,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -107,8 +106,6 @@ int OpenSource(const char *host, Descriptor &source, struct stat &status) {
 
 // Opens an existing target and empties it, if it may be written over.
 int OpenExisting(const char *host, const struct stat &source, Descriptor &target) {
-    const char *name = std::strrchr(host, '/');
-    name = name == nullptr ? host : name + 1;
     struct stat status;
     if (stat(host, &status) != 0)
         return FailureCode(host, errno);
@@ -116,7 +113,7 @@ int OpenExisting(const char *host, const struct stat &source, Descriptor &target
         return sharing_violation;
     if (!S_ISREG(status.st_mode) && !S_ISCHR(status.st_mode))
         return access_denied;
-    if ((AttributesOf(status, name) & (attribute_read_only | attribute_hidden)) != 0)
+    if ((AttributesOf(status, "") & attribute_read_only) != 0)
         return access_denied;
     target.Set(Open(host, O_WRONLY | no_waiting, 0));
     if (!target.IsOpen())

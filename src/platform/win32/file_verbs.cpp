@@ -9,9 +9,6 @@ namespace zr::platform {
 
 namespace {
 
-constexpr DWORD told_attributes = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
-                                  FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NORMAL;
-
 int LastCode() {
     return static_cast<int>(GetLastError());
 }
@@ -55,7 +52,7 @@ int GetAttributes(const char *path, std::uint32_t &out) {
     if (Has(attributes, FILE_ATTRIBUTE_REPARSE_POINT))
         code = AttributesBehindLink(path, attributes);
     if (code == done)
-        out = attributes & told_attributes;
+        out = attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_REPARSE_POINT); // the target is no link
     return code;
 }
 

@@ -188,6 +188,41 @@ TEST_F(PosixGroupOperations, VeryDeepTreeIsDeletedWhole) {
     EXPECT_FALSE(fs::exists(At("deep")));
 }
 
+TEST_F(PosixGroupOperations, SumsEndWherePathsDo) {
+    const fs::path before = fs::current_path();
+    fs::create_directory(At("deep"));
+    fs::current_path(At("deep"));
+    for (int i = 0; i < 200; ++i) {
+        fs::create_directory("d");
+        fs::current_path("d");
+    }
+    fs::current_path(before);
+    const std::string deep = LibraryPath(At("deep"));
+    zr_long folders = 0;
+    EXPECT_EQ(fio_GetFolderInfo(deep.c_str(), 1, nullptr, &folders, nullptr, nullptr), 1);
+    const std::size_t room = 259 - deep.size() - std::string("\\*.*").size();
+    EXPECT_EQ(folders, static_cast<zr_long>(room / 2 + 1)); // each that is read holds the next
+    fs::create_directory(At("to"));
+    EXPECT_EQ(fio_CopyDirectory(LibraryPath(At("to")).c_str(), deep.c_str()), 0);
+    EXPECT_EQ(Do(GroupVerb::remove, "deep"), 0);
+}
+
+TEST_F(PosixGroupOperations, RootOfADriveMayBeEmpty) {
+    fs::create_directory(At("second"));
+    fs::create_directory(At("to"));
+    ASSERT_EQ(setenv("ZR_DRIVE_D", At("second").c_str(), 1), 0);
+    const std::string to = LibraryPath(At("to"));
+    EXPECT_EQ(fio_RemoveFileAttributes("D:\\", 1), 0); // it lists nothing, not even itself
+    EXPECT_EQ(fio_CopyDirectory(to.c_str(), "D:\\"), 0);
+    EXPECT_EQ(fio_GetFolderItemsCount("D:\\", nullptr, nullptr), 0);
+    EXPECT_EQ(fio_CopyDirectory("D:\\", to.c_str()), 1);
+    m_folder.Write("second/x", "X");
+    EXPECT_EQ(fio_RemoveFileAttributes("D:\\", 1), 1);
+    EXPECT_EQ(fio_CopyDirectory(to.c_str(), "D:\\"), 1);
+    EXPECT_EQ(m_folder.Read("to/x"), "X");
+    unsetenv("ZR_DRIVE_D");
+}
+
 TEST_F(PosixGroupOperations, ReadOnlyFolderIsRefusedAsAWhole) {
     fs::create_directory(At("d"));
     m_folder.Write("d/x", "X");
@@ -202,22 +237,24 @@ TEST_F(PosixGroupOperations, AnyRefusedAllocationLeavesAllUndone) {
     const std::string sources = LibraryPath(At("a_*")) + std::string(2, '\0');
     const std::string targets = LibraryPath(At("target")) + std::string(2, '\0');
     int refused = 0;
-    for (int skipped = 0; skipped < 100; ++skipped) {
-        int code = 0;
-        bool met = false;
-        {
-            // Sizes tell allocations apart well enough: refuse each size that is asked for.
-            const zr::test::Refusal refusal(static_cast<std::size_t>(skipped) * 8 + 1,
-                                            static_cast<std::size_t>(skipped) * 8 + 8);
-            code = DoGroupOperation(GroupVerb::copy, sources.c_str(), targets.c_str(), {}, m_aborted);
-            met = refusal.Met();
+    for (const GroupVerb verb : {GroupVerb::copy, GroupVerb::move, GroupVerb::remove}) {
+        bool met = true;
+        for (int others = 0; met; ++others) {
+            int code = 0;
+            {
+                const zr::test::NthAllocation refusal(others);
+                code = DoGroupOperation(verb, sources.c_str(), targets.c_str(), {}, m_aborted);
+                met = refusal.Met();
+            }
+            EXPECT_EQ(code, met ? zr::platform::out_of_memory : 0) << others;
+            EXPECT_EQ(fs::exists(At("target")), !met && verb != GroupVerb::remove);
+            EXPECT_EQ(fs::exists(At("a_file_with_a_long_name")), met || verb == GroupVerb::copy);
+            refused += met ? 1 : 0;
         }
-        EXPECT_EQ(code, met ? zr::platform::out_of_memory : 0) << skipped;
-        EXPECT_EQ(fs::exists(At("target")), !met);
+        m_folder.Write("a_file_with_a_long_name", "A");
         fs::remove_all(At("target"));
-        refused += met ? 1 : 0;
     }
-    EXPECT_GT(refused, 2);
+    EXPECT_GT(refused, 6);
 }
 
 } // namespace

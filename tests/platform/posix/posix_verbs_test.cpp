@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <zrclb/folders.h>
+
 #include "platform/desktop_tables.h"
 #include "platform/file_verbs.h"
 #include "platform/folder_search.h"
@@ -94,8 +96,8 @@ TEST_F(PosixVerbs, HiddenIsALeadingDot) {
         EXPECT_EQ(attributes, attribute_folder) << name;
     }
     m_folder.Write("f", "new");
-    EXPECT_EQ(Copy("f", ".f"), access_denied);
-    EXPECT_EQ(Copy("f", ".g"), done);
+    EXPECT_EQ(Copy("f", ".f"), done); // nobody could take the dot off first
+    EXPECT_EQ(m_folder.Read(".f"), "new");
 }
 
 TEST_F(PosixVerbs, ForbiddenSignsOfTheDesktopArePartOfNames) {
@@ -212,6 +214,42 @@ TEST_F(PosixVerbs, CopyThatFindsNoRoomLeavesNoNewFile) {
     EXPECT_TRUE(fs::is_symlink(Host("link")));
     EXPECT_TRUE(fs::exists(Host("former"))); // its name stays, its content is lost
     EXPECT_EQ(Copy("f", "new"), done);
+}
+
+TEST_F(PosixVerbs, FolderCopyGoesOnWhereAFileFindsNoRoom) {
+    fs::create_directories(Host("from/sub"));
+    fs::create_directory(Host("to"));
+    m_folder.Write("from/1_big", std::string(200000, 'x'));
+    m_folder.Write("from/2_small", "small");
+    m_folder.Write("from/sub/big", std::string(200000, 'x'));
+    const std::string from = Form("from"), to = Form("to");
+    const auto before = std::signal(SIGXFSZ, SIG_IGN);
+    {
+        const Limit limit(RLIMIT_FSIZE, 100000);
+        EXPECT_EQ(fio_CopyDirectory(to.c_str(), from.c_str()), 1);
+    }
+    std::signal(SIGXFSZ, before);
+    EXPECT_FALSE(fs::exists(Host("to/1_big")));
+    EXPECT_TRUE(fs::is_empty(Host("to/sub")));
+    EXPECT_EQ(m_folder.Read("to/2_small"), "small");
+}
+
+TEST_F(PosixVerbs, GroupOperationEndsWhereAFileFindsNoRoom) {
+    m_folder.Write("1_small", "small");
+    m_folder.Write("2_big", std::string(200000, 'x'));
+    m_folder.Write("3_small", "small");
+    const std::string from = m_folder.Folder().string(), to = from + "/new";
+    const char *names[] = {"1_small", "2_big", "3_small", nullptr};
+    const auto before = std::signal(SIGXFSZ, SIG_IGN);
+    {
+        const Limit limit(RLIMIT_FSIZE, 100000);
+        EXPECT_EQ(fio_group_operation(from.c_str(), names, to.c_str(), nullptr, FIO_GROUP_COPY, 0, nullptr, nullptr),
+                  2);
+    }
+    std::signal(SIGXFSZ, before);
+    EXPECT_TRUE(fs::exists(Host("new/1_small")));
+    EXPECT_FALSE(fs::exists(Host("new/2_big")) || fs::exists(Host("new/3_small")));
+    EXPECT_EQ(m_folder.Read("2_big").size(), 200000U);
 }
 
 TEST_F(PosixVerbs, MovesToAnotherFileSystemCopyFiles) {
