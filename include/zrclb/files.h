@@ -51,7 +51,7 @@ ZR_API int fio_purge(const char *dir, const char *name) ZR_NOEXCEPT;
 
 /* Copies a file, with the time of its last write, over a target of that name if there is one: 0, or the system's error
  * code, in the desktop's numbering: 2 no such file, 3 no such folder or drive, 5 a folder, or a target that is
- * read-only or hidden, 32 onto itself. */
+ * read-only, on Windows also one that is hidden, 32 onto itself. */
 ZR_API int fio_copy(const char *from_dir, const char *from_name, const char *to_dir, const char *to_name) ZR_NOEXCEPT;
 
 /* Gives a file or a folder another path, which nothing may bear yet: 0, or the system's error code, as above; 183 if
