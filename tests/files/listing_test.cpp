@@ -239,7 +239,7 @@ TEST_F(ListingTimes, AreThoseOfTheLastWrite) {
     for (const std::int64_t time : {18000, 86399, 315529200, 951782400, 1000000000, 1711839600, 2147483647})
         EXPECT_EQ(ListedTime(time), time);
     EXPECT_EQ(ListedTime(4294967296 + 100000), 100000); // 32 bits of the value
-    EXPECT_EQ(ListedTime(0), -1);                   // the clocks still show 1969, which has no values
+    EXPECT_EQ(ListedTime(0), -1);                       // the clocks still show 1969, which has no values
     EXPECT_EQ(ListedTime(17999), -1);
 }
 
@@ -373,6 +373,10 @@ TEST_F(Listing, LinksCountAsWhatTheyLeadTo) {
     EXPECT_EQ(result["dangling"].flags & (FIO_IS_FILE | FIO_IS_DIR), unsigned{FIO_IS_FILE});
     EXPECT_EQ(result["ring"].flags & (FIO_IS_FILE | FIO_IS_DIR), unsigned{FIO_IS_FILE});
     EXPECT_EQ(List("to_folder")["to_folder"].flags & (FIO_IS_FILE | FIO_IS_DIR), unsigned{FIO_IS_DIR});
+    Write("sub/inside", "");
+    EXPECT_EQ(List(Path("to_folder").c_str(), nullptr, FIO_IS_FILE).AllNames(), (Names{"inside"}));
+    for (const char *name : {"to_file", "dangling", "ring"})
+        ExpectFailure(List(Path(name).c_str(), nullptr, 0));
 }
 
 // Memory
@@ -471,6 +475,19 @@ TEST_F(ListingMemory, NoneForTheSearch_Fails) {
     }
     EXPECT_GT(refused, 0);
     EXPECT_EQ(zr::frame::heap_block_count, before);
+}
+
+// What lies in a folder that can't be listed stays, and so does the folder.
+TEST_F(ListingMemory, NoneForTheRemovalOfTheTree_LeavesIt) {
+    const std::string dir = Dir();
+    const auto before = zr::frame::heap_block_count.load();
+    for (const int granted : {0, 1, 2}) {
+        const HeapRefusal refusal(granted);
+        EXPECT_EQ(fio_rmdir_ex(dir.c_str()), -1);
+        EXPECT_TRUE(refusal.Met());
+        EXPECT_EQ(zr::frame::heap_block_count, before);
+    }
+    EXPECT_EQ(List(nullptr, FIO_IS_FILE).entries.size(), 35U);
 }
 
 TEST_F(Listing, FolderThatVanishesMeanwhile_IsListedAsFarAsItGoes) {

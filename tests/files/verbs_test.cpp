@@ -567,7 +567,9 @@ protected:
 
     // What the desktop answers where the measured answer isn't its own.
     static bool Succeeds(const GoldenTable::Row &row) {
-        return row.at("ret") == "0" && row.at("windows_documented").find("ret -1") == std::string::npos;
+        const std::string &documented = row.at("windows_documented");
+        const bool overruled = documented.find(row.at("ret") == "0" ? "ret -1" : "ret 0") != std::string::npos;
+        return (row.at("ret") == "0") != overruled;
     }
 };
 
@@ -640,14 +642,16 @@ TEST_F(MeasuredVerbs, Access) {
     const GoldenTable table("crt_access.tsv");
     for (const GoldenTable::Row &row : table.Rows()) {
         const std::string path = row.at("path");
-        const bool elsewhere = path.find("woad") != std::string::npos || path.find("work") != std::string::npos;
-        if (elsewhere || path.empty() || path.back() == '\\' || path.back() == '/' || !IsForThisHost(row, path))
+        const bool hosts_root = OnDesktop() && path[0] == '/'; // which one that is depends on the machine
+        if (hosts_root || path.empty() || path.back() == '\\' || path.back() == '/' || !IsForThisHost(row, path))
             continue;
-        EXPECT_EQ(fio_access("", path.c_str(), std::stoi(row.at("mode"))), Succeeds(row) ? 1 : 0)
+        EXPECT_EQ(fio_access("", AtRoot(path, ::LibraryForm(folder.Folder())).c_str(), std::stoi(row.at("mode"))),
+                  Succeeds(row) ? 1 : 0)
             << path << " " << row.at("mode");
         ++checked;
     }
-    EXPECT_GT(checked, 50);
+    RecordProperty("rows", checked);
+    EXPECT_GT(checked, 90);
 }
 
 } // namespace

@@ -7,6 +7,8 @@
 #include <ctime>
 #include <filesystem>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -203,6 +205,23 @@ TEST(ClockZones, EveryChangeOfTheVariableIsFollowed) {
     setenv("TZ", "AAA-1", 1);
     fields = FieldsOf("0 0 1 1 6 113");
     EXPECT_EQ(TimeOfLocal(fields), time);
+}
+
+TEST(ClockZones, ThreadsConvertAtOnce) {
+    const Variable zone("TZ", "AAA-3");
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([] {
+            for (std::int64_t time = 1372636800; time < 1372636800 + 500; ++time) {
+                Calendar c{};
+                ASSERT_TRUE(LocalCalendar(time, c));
+                ASSERT_EQ(c.hour, 3);
+                std::tm fields = FieldsOf("0 0 3 1 6 113");
+                ASSERT_EQ(TimeOfLocal(fields), 1372636800);
+            }
+        });
+    for (std::thread &thread : threads)
+        thread.join();
 }
 
 TEST(ClockZones, UsersLocaleIsTheFirstOfThreeVariables) {
