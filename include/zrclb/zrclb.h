@@ -10,6 +10,7 @@
 #include <zrclb/files.h>
 #include <zrclb/folders.h>
 #include <zrclb/heap.h>
+#include <zrclb/ini.h>
 #include <zrclb/list.h>
 #include <zrclb/numbers.h>
 #include <zrclb/paths.h>

@@ -22,11 +22,14 @@ struct GroupOptions;
 struct Uuid;
 
 // What the back end provides. Contracts stand at the callers' faces: streams.h, files.h, message_box.h, debug.h,
-// clock.h, temporary.h, drives.h, shell.h.
+// clock.h, temporary.h, drives.h, shell.h, raw_file.h.
 namespace backend {
 std::FILE *OpenText(const char *path, const char *mode);
 std::FILE *OpenBinary(const char *path, const char *mode);
 bool GetFileStatus(const char *path, FileStatus &out);
+std::intptr_t OpenRaw(const char *path);
+std::ptrdiff_t ReadRaw(std::intptr_t file, char *out, std::size_t size);
+void CloseRaw(std::intptr_t file);
 int ShowMessageBox(zr_window owner, const char *text, const char *caption, unsigned type);
 zr_window FocusWindow();
 void DebugOutput(const char *text);
@@ -47,6 +50,8 @@ struct Services {
     std::FILE *(*open_text)(const char *path, const char *mode) = backend::OpenText;
     std::FILE *(*open_binary)(const char *path, const char *mode) = backend::OpenBinary;
     bool (*file_status)(const char *path, FileStatus &out) = backend::GetFileStatus;
+    std::intptr_t (*open_raw)(const char *path) = backend::OpenRaw;
+    std::ptrdiff_t (*read_raw)(std::intptr_t file, char *out, std::size_t size) = backend::ReadRaw;
     int (*show_message_box)(zr_window owner, const char *text, const char *caption,
                             unsigned type) = backend::ShowMessageBox;
     zr_window (*focus_window)() = backend::FocusWindow;

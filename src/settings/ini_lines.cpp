@@ -1,0 +1,164 @@
+// The lines of a settings file, straight from its blocks.
+#include "settings/ini_lines.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zr::settings {
+
+namespace {
+
+constexpr char end_of_text = 0x1A;
+
+bool IsBlank(char c) {
+    return static_cast<unsigned char>(c) <= ' ';
+}
+
+const char *Find(const char *from, const char *end, char c) {
+    return static_cast<const char *>(std::memchr(from, c, static_cast<std::size_t>(end - from)));
+}
+
+// Behind the last line feed of from..end-1; `from` if there is none.
+const char *LineStart(const char *from, const char *end) {
+    while (end != from && end[-1] != '\n')
+        --end;
+    return end;
+}
+
+std::string_view Text(const char *from, const char *end) {
+    return {from, static_cast<std::size_t>(end - from)};
+}
+
+} // namespace
+
+std::string_view Trimmed(std::string_view text) {
+    const char *from = text.data();
+    const char *end = from + text.size();
+    while (from != end && IsBlank(*from))
+        ++from;
+    while (from != end && IsBlank(end[-1]))
+        --end;
+    return Text(from, end);
+}
+
+std::string_view HeaderName(std::string_view line) {
+    return Trimmed(line.substr(1, line.find(']') - 1));
+}
+
+bool IniLines::Open(const char *path) {
+    m_ended = m_failed = m_has_nul = false;
+    m_at = m_end = m_buffer;
+    if (m_file.Open(path) && !Fill() && m_failed)
+        m_file.Close();
+    return IsOpen();
+}
+
+// Puts the next block behind what is left of the last one, which is less than a line. False if there is none.
+bool IniLines::Fill() {
+    if (m_ended)
+        return false;
+    const std::size_t left = Available();
+    std::memmove(m_buffer, m_at, left);
+    m_at = m_buffer;
+    char *const block = m_buffer + left;
+    const std::ptrdiff_t count = m_file.Read(block, block_size);
+    m_end = block + std::max<std::ptrdiff_t>(count, 0);
+    m_failed = count < 0;
+    const char *end = Find(block, m_end, end_of_text);
+    m_ended = count <= 0 || end != nullptr;
+    if (end != nullptr)
+        m_end = end;
+    m_has_nul = m_has_nul || Find(block, m_end, 0) != nullptr;
+    return m_end != block;
+}
+
+// The next line as it is read, without its line end. False at the end of the file.
+bool IniLines::NextPhysical(std::string_view &line) {
+    for (;;) {
+        const std::size_t looked = std::min(Available(), line_bytes);
+        const char *const feed = Find(m_at, m_at + looked, '\n');
+        if (feed != nullptr) {
+            const char *const end = feed != m_at && feed[-1] == '\r' ? feed - 1 : feed;
+            if (static_cast<std::size_t>(end - m_at) < line_size) {
+                line = Text(m_at, end);
+                m_at = feed + 1;
+                return true;
+            }
+        }
+        if (looked == line_bytes || feed != nullptr) {
+            line = Text(m_at, m_at + line_size);
+            m_at += line_size;
+            return true;
+        }
+        if (!Fill())
+            break;
+    }
+    line = Text(m_at, m_end);
+    m_at = m_end;
+    return !line.empty();
+}
+
+bool IniLines::Next(std::string_view &line) {
+    while (NextPhysical(line)) {
+        if (m_has_nul)
+            line = line.substr(0, line.find('\0'));
+        line = Trimmed(line);
+        if (!line.empty())
+            return true;
+    }
+    return false;
+}
+
+// No line in memory can be a header: leaves only the last one, which the file may go on with.
+void IniLines::DropSearched() {
+    m_at = LineStart(m_at, m_end);
+    while (Available() >= line_bytes)
+        m_at += line_size;
+}
+
+// Goes to a line not behind the next one that holds a "[". False if none does.
+bool IniLines::GoToNextBracket() {
+    for (;;) {
+        const char *const bracket = Find(m_at, m_end, '[');
+        if (bracket != nullptr) {
+            m_at = LineStart(m_at, bracket);
+            return true;
+        }
+        DropSearched();
+        if (!Fill())
+            return false;
+    }
+}
+
+bool IniLines::NextHeader(std::string_view &name) {
+    std::string_view line;
+    while (GoToNextBracket() && Next(line)) {
+        if (line[0] == '[') {
+            name = HeaderName(line);
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string_view IniLines::Rest() {
+    while (Available() == 0 || (Available() == 1 && *m_at == '\r')) {
+        if (!Fill())
+            break;
+    }
+    if (Available() > 1 && m_at[0] == '\r' && m_at[1] == '\n')
+        ++m_at;
+    const char *const from = m_at;
+    const char *end = m_end;
+    // Up to the next CR that goes, or may go with what the next block begins with.
+    for (const char *cr = from; (cr = Find(cr, m_end, '\r')) != nullptr; ++cr) {
+        if (cr + 1 == m_end ? !m_ended : cr[1] == '\n') {
+            end = cr;
+            break;
+        }
+    }
+    m_at = end;
+    return Text(from, end);
+}
+
+} // namespace zr::settings
