@@ -43,8 +43,8 @@ public:
     // As calc_string_expression; true on success. The last error is that of the place computed last.
     bool CalculateStringExpression(const char *text, char *out, zr_long size) noexcept;
 
-    // Of the last calculation. The record belongs to the calculator and changes with the next call. Without an implementation it
-    // is of type 1.
+    // Of the last calculation; on success its place is the end of the text. The record belongs to the calculator and its copies,
+    // and stays as it is until one of them is asked again. Without an implementation it is of type 1.
     const CZrCalculatorError &GetLastError() const noexcept;
 
 private:

@@ -107,7 +107,7 @@ bool CZrCalculator::CalculateStringExpression(const char *text, char *out, zr_lo
 
 const CZrCalculatorError &CZrCalculator::GetLastError() const noexcept {
     static const CZrCalculatorError no_implementation(CALCULATOR_SYNTAX);
-    return impl_ != nullptr ? impl_->last_error : no_implementation;
+    return impl_ != nullptr ? impl_->GetLastError() : no_implementation;
 }
 
 extern "C" {

@@ -1,4 +1,4 @@
-// What a calculator is behind its face: the expression reader, the last error, and the number of objects that share it.
+// What a calculator is behind its face: the expression reader, the last error's record, and the number of objects that share it.
 #ifndef ZR_EXPRESSIONS_CALCULATOR_IMPL_H
 #define ZR_EXPRESSIONS_CALCULATOR_IMPL_H
 
@@ -18,8 +18,8 @@ public:
     // Contracts of CZrCalculator.
     bool Calculate(const char *text, double *result);
     bool CalculateStringExpression(const char *text, char *out, zr_long size);
+    const CZrCalculatorError &GetLastError();
 
-    CZrCalculatorError last_error;
     long owners = 1;
 
 private:
@@ -27,6 +27,8 @@ private:
     bool AddPlace(char *place, char *close, StringOutput &output);
 
     zr::expressions::Expression expression_;
+    CalculatorErrorType error_ = CALCULATOR_OK;
+    CZrCalculatorError last_error_; // as it was last asked for
 };
 
 #endif

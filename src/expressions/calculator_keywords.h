@@ -12,6 +12,7 @@
 namespace zr::expressions {
 
 enum class Word : zr_long {
+    None = -1,
     Sin,
     Cos,
     Tan,
@@ -48,17 +49,39 @@ inline constexpr std::uint32_t packed_words[] = {PackWord("SIN"), PackWord("COS"
                                                  PackWord("PI"),  PackWord("MIN"),  PackWord("MAX")};
 
 // A list of keywords for the scanner that is known when the library is built. Their positions are those of Word.
-struct CalculatorKeywords {
-    // Position of name[0..length-1], or -1. Names are in upper case.
-    static zr_long Find(const char *name, std::size_t length) {
-        if (length < 2 || length > 4)
-            return -1;
-        const std::uint32_t packed = PackWord({name, length});
-        for (std::size_t i = 0; i < std::size(packed_words); ++i)
-            if (packed_words[i] == packed)
-                return static_cast<zr_long>(i);
-        return -1;
+class CalculatorKeywords {
+public:
+    static constexpr std::size_t longest = 4;
+
+    constexpr CalculatorKeywords() {
+        for (std::int8_t &place : places_)
+            place = -1;
+        for (std::size_t i = 0; i < std::size(packed_words); ++i) {
+            std::int8_t &place = places_[Slot(packed_words[i])];
+            distinct_ = distinct_ && place < 0;
+            place = static_cast<std::int8_t>(i);
+        }
     }
+
+    // Every word has a slot of its own.
+    constexpr bool IsDistinct() const { return distinct_; }
+
+    // The word of up to four packed characters in upper case, or None.
+    Word Find(std::uint32_t packed) const {
+        const int place = places_[Slot(packed)];
+        return place >= 0 && packed_words[place] == packed ? static_cast<Word>(place) : Word::None;
+    }
+
+    // Position of name[0..length-1], in upper case, or -1.
+    zr_long Find(const char *name, std::size_t length) const {
+        return static_cast<zr_long>(length <= longest ? Find(PackWord({name, length})) : Word::None);
+    }
+
+private:
+    static constexpr std::size_t Slot(std::uint32_t packed) { return packed * 0x2265B1F5u >> 26; }
+
+    std::int8_t places_[64] = {};
+    bool distinct_ = true;
 };
 
 } // namespace zr::expressions

@@ -1,0 +1,80 @@
+// What an expression that is being read keeps for later, on a stack of its own.
+#ifndef ZR_EXPRESSIONS_WAITING_STACK_H
+#define ZR_EXPRESSIONS_WAITING_STACK_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "expressions/calculator_keywords.h"
+
+namespace zr::expressions {
+
+// What waits for the value at work, from what binds least to what binds most.
+enum class Waiting : std::uint8_t {
+    Bottom,
+    Parenthesis,
+    Call,
+    Then,
+    Else,
+    And,
+    Or,
+    Less,
+    LessEqual,
+    Greater,
+    GreaterEqual,
+    Equal,
+    Different,
+    Plus,
+    Minus,
+    Times,
+    Over,
+    Power,
+    Negation,
+    Not
+};
+
+struct WaitingPart {
+    Waiting what;
+    bool evaluate;    // of the surroundings, for Then and Else
+    bool repeated;    // Call: `value` is the least or greatest argument so far
+    std::int8_t word; // of the call
+    double left;      // left operand; condition; for Call what the output held before
+    double value;     // first branch for Else
+};
+
+// A stack with room for ordinary expressions in place. Its bottom is always there.
+class WaitingStack {
+public:
+    WaitingStack() { parts_[0].what = Waiting::Bottom; }
+    ~WaitingStack();
+    WaitingStack(const WaitingStack &) = delete;
+    WaitingStack &operator=(const WaitingStack &) = delete;
+
+    WaitingPart &Top() { return parts_[top_]; }
+    void Pop() { --top_; }
+    void Clear() { top_ = 0; }
+
+    // A new part on top, whose `what` and `left` are set; null if memory runs out.
+    WaitingPart *Push(Waiting what, double left) {
+        if (top_ + 1 == capacity_ && !Grow())
+            return nullptr;
+        WaitingPart &part = parts_[++top_];
+        part.what = what;
+        part.left = left;
+        return &part;
+    }
+
+private:
+    static constexpr std::size_t room_in_place = 32;
+
+    bool Grow();
+
+    WaitingPart in_place_[room_in_place];
+    WaitingPart *parts_ = in_place_;
+    std::size_t top_ = 0;
+    std::size_t capacity_ = room_in_place;
+};
+
+} // namespace zr::expressions
+
+#endif
