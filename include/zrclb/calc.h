@@ -37,10 +37,10 @@ ZR_API void calc_expression(const char *text, double *result, char *ok) ZR_NOEXC
 
 /* Copies text to out[0..size-1], with each place "[!expression]" replaced by its value. "[!expression(.n)]" asks for n decimals;
  * without that as many as 15 digits allow, without zeros at the end. *ok becomes 1; or 0, with out empty and a report through zr_error
- * (tag Calc): "calc_string_expression(): falscher Parameter" (text is null or has 1024 characters or more),
+ * (tag Calc): "calc_string_expression(): falscher Parameter" (text or out is null, or text has 1024 characters or more),
  * "calc_string_expression(): \"Fehler beim Berechnen des Ausdrucks:" with the expression,
- * "calc_string_expression(): \"Buffer zu klein". A null out or a size below 1 is the first of these. text and out must not
- * overlap. Threads: any. */
+ * "calc_string_expression(): \"Buffer zu klein" (size doesn't hold the result and its terminator). With a size below 1 nothing is
+ * written. text and out must not overlap. Null for ok is left out. Threads: any. */
 ZR_API void calc_string_expression(const char *text, char *out, zr_long size, char *ok) ZR_NOEXCEPT;
 
 #ifdef __cplusplus

@@ -68,6 +68,7 @@ void CZrCalculatorError::SetErrorColumn(zr_long column) noexcept {
 void CZrCalculatorError::GetMessageString(char *buffer, zr_long size) const noexcept {
     if (buffer == nullptr || size < 1)
         return;
+    buffer[0] = 0; // the copy leaves a buffer of one character alone
     const auto type = static_cast<std::size_t>(type_);
     const char *message = type < std::size(messages) ? messages[type] : nullptr;
     str_ncpy(buffer, message != nullptr ? message : default_message, size - 1);

@@ -58,20 +58,25 @@ void FormatValue(double value, zr_long digits, char *out) {
 
 } // namespace
 
-// The caller's buffer. Every character needs room for one more behind it.
+// The caller's buffer, which may be of no size. Every character needs room for one more behind it.
 struct CZrCalculatorImpl::StringOutput {
     char *text;
     std::size_t size;
     std::size_t length = 0;
 
     bool Add(const char *s, std::size_t count) {
-        if (count >= size - length) {
+        if (count + length >= size) {
             Report("calc_string_expression(): \"Buffer zu klein", nullptr, __LINE__);
             return false;
         }
         std::memcpy(text + length, s, count);
         length += count;
         return true;
+    }
+
+    void End(std::size_t at) {
+        if (at < size)
+            text[at] = 0;
     }
 };
 
@@ -91,16 +96,15 @@ bool CZrCalculatorImpl::AddPlace(char *place, char *close, StringOutput &output)
 }
 
 bool CZrCalculatorImpl::CalculateStringExpression(const char *text, char *out, zr_long size) {
-    const bool has_room = out != nullptr && size > 0;
-    if (has_room)
-        out[0] = 0;
-    if (!has_room || text == nullptr || strnlen(text, text_size) == text_size) {
+    StringOutput output{out, static_cast<std::size_t>(std::max(size, zr_long{0}))};
+    if (out != nullptr)
+        output.End(0);
+    if (out == nullptr || text == nullptr || strnlen(text, text_size) == text_size) {
         Report("calc_string_expression(): falscher Parameter", nullptr, __LINE__);
         return false;
     }
     char copy[text_size];
     std::strcpy(copy, text);
-    StringOutput output{out, static_cast<std::size_t>(size)};
     bool done = true;
     for (char *p = copy; *p != 0 && done; ++p) {
         char *close = p[0] == '[' && p[1] == '!' ? std::strchr(p, ']') : nullptr;
@@ -108,6 +112,7 @@ bool CZrCalculatorImpl::CalculateStringExpression(const char *text, char *out, z
         if (close != nullptr)
             p = close;
     }
-    out[done ? output.length : 0] = 0;
+    done = done && output.Add(copy, 0); // an empty text wants room for its terminator
+    output.End(done ? output.length : 0);
     return done;
 }

@@ -1,0 +1,211 @@
+// Texts with computed places: what is copied, what is computed, how values are written, sizes, reports.
+#include <zrclb/zrclb.hpp>
+
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "env/report_capture.h"
+#include "expressions/calculator_impl.h"
+
+namespace {
+
+using zr::test::Error;
+using zr::test::Reports;
+
+constexpr const char *bad_parameter = "calc_string_expression(): falscher Parameter";
+constexpr const char *bad_expression = "calc_string_expression(): \"Fehler beim Berechnen des Ausdrucks:";
+constexpr const char *too_small = "calc_string_expression(): \"Buffer zu klein";
+
+struct Answer {
+    bool ok;
+    std::string text;
+    Reports reports;
+};
+
+// A buffer of exactly `size` bytes, so that a sanitizer sees every byte written behind it.
+Answer Fill(const char *text, zr_long size) {
+    zr::test::ReportCapture capture;
+    const std::unique_ptr<char[]> out = std::make_unique<char[]>(static_cast<std::size_t>(size));
+    std::memset(out.get(), '#', static_cast<std::size_t>(size));
+    char ok = 7;
+    calc_string_expression(text, out.get(), size, &ok);
+    EXPECT_TRUE(ok == 0 || ok == 1);
+    return {ok == 1, out.get(), capture.Take()};
+}
+
+std::string Filled(const std::string &text) {
+    const Answer answer = Fill(text.c_str(), 2048);
+    EXPECT_TRUE(answer.ok) << text;
+    EXPECT_EQ(answer.reports, Reports{}) << text;
+    return answer.text;
+}
+
+void ExpectFailure(const Answer &answer, const zr::test::Report &report) {
+    EXPECT_FALSE(answer.ok);
+    EXPECT_EQ(answer.text, "");
+    EXPECT_EQ(answer.reports, Reports{report});
+}
+
+TEST(StringExpression, Places_AreReplaced) {
+    EXPECT_EQ(Filled("[!1+1]"), "2");
+    EXPECT_EQ(Filled("Wert: [!2*3] m"), "Wert: 6 m");
+    EXPECT_EQ(Filled("[!1][!2]x[!3]"), "12x3");
+    EXPECT_EQ(Filled("[!  sqrt(16)\t]"), "4");
+    EXPECT_EQ(Filled("\xE4[!1]\xFF"), "\xE4"
+                                      "1\xFF");
+}
+
+TEST(StringExpression, WhatIsNoPlace_IsCopied) {
+    for (const char *text : {"", "plain", "[! 1", "[1+1]", "[", "[!", "]", "][!", "a]b", "[ !1]", "!1]", "[[1]]"})
+        EXPECT_EQ(Filled(text), text);
+    EXPECT_EQ(Filled("[[!1]]"), "[1]");
+    EXPECT_EQ(Filled("[!1] [!2"), "1 [!2");
+}
+
+TEST(StringExpression, Decimals_AsAsked) {
+    EXPECT_EQ(Filled("[!1/3(.3)]"), "0.333");
+    EXPECT_EQ(Filled("[!2/3 (.2)]"), "0.67");
+    EXPECT_EQ(Filled("[!2/3 (.2) ]"), "0.67");
+    EXPECT_EQ(Filled("[!5(.0)]"), "5");
+    EXPECT_EQ(Filled("[!5(.)]"), "5");
+    EXPECT_EQ(Filled("[!5(.2x)]"), "5.00");
+    EXPECT_EQ(Filled("[!(1+1)*2(.1)]"), "4.0");
+    EXPECT_EQ(Filled("[!1/3(.-4)]"), "0.33333333333333");
+    EXPECT_EQ(Filled("[!1e15(.1)]"), "1000000000000000.0");
+    EXPECT_EQ(Filled("[!-1/3(.2)]"), "-0.33");
+}
+
+TEST(StringExpression, ManyDecimals_CountAs300) {
+    EXPECT_EQ(Filled("[!1(.300)]"), "1." + std::string(300, '0'));
+    EXPECT_EQ(Filled("[!1(.301)]"), "1." + std::string(300, '0'));
+    EXPECT_EQ(Filled("[!1(.99999999999)]"), "1." + std::string(300, '0'));
+    EXPECT_EQ(Filled("[!1.7976931348623157e308(.300)]").size(), 309U + 1 + 300);
+    EXPECT_EQ(Filled("[!-1.7976931348623157e308(.300)]").size(), 1U + 309 + 1 + 300);
+}
+
+TEST(StringExpression, ParenthesesOfAnotherForm_BelongToTheExpression) {
+    EXPECT_EQ(Filled("[!2*(3)]"), "6");
+    EXPECT_EQ(Filled("[!sqrt(4)]"), "2");
+    ExpectFailure(Fill("[!2(.2)+1]", 64), Error("Calc", bad_expression, "2(.2)+1"));
+    ExpectFailure(Fill("[!2(.2]", 64), Error("Calc", bad_expression, "2(.2"));
+    ExpectFailure(Fill("[!2*(.5)]", 64), Error("Calc", bad_expression, "2*")); // asks for five decimals
+}
+
+TEST(StringExpression, WithoutDecimals_FifteenDigitsWithoutZerosAtTheEnd) {
+    EXPECT_EQ(Filled("[!0]"), "0");
+    EXPECT_EQ(Filled("[!1/3]"), "0.33333333333333");
+    EXPECT_EQ(Filled("[!10]"), "10");
+    EXPECT_EQ(Filled("[!1.5]"), "1.5");
+    EXPECT_EQ(Filled("[!-2.25]"), "-2.25");
+    EXPECT_EQ(Filled("[!1000/3]"), "333.333333333333");
+    EXPECT_EQ(Filled("[!123456789012345]"), "123456789012345");
+    EXPECT_EQ(Filled("[!12345678901234.5]"), "12345678901234.5");
+}
+
+TEST(StringExpression, Infinity_IsWrittenAsSuch) {
+    EXPECT_EQ(Filled("[!exp(1000)]"), "inf");
+    EXPECT_EQ(Filled("[!-exp(1000)(.2)]"), "-inf");
+    EXPECT_EQ(Filled("[!0*-1]"), "-0");
+}
+
+// Where there is no point the zeros are lost all the same.
+TEST(StringExpression, WholeNumbersOfFifteenDigits_LoseTheirZeros) {
+    EXPECT_EQ(Filled("[!100000000000000]"), "1");
+    EXPECT_EQ(Filled("[!123000000000000]"), "123");
+    EXPECT_EQ(Filled("[!1e20]"), "1");
+    EXPECT_EQ(Filled("[!10000000000000]"), "10000000000000");
+    EXPECT_EQ(Filled("[!1e300]").substr(0, 4), "1000");
+}
+
+TEST(StringExpression, FaultyPlace_IsReported) {
+    ExpectFailure(Fill("[!x]", 64), Error("Calc", bad_expression, "x"));
+    ExpectFailure(Fill("a [!1] [! 1/0 ] b", 64), Error("Calc", bad_expression, "1/0"));
+    ExpectFailure(Fill("[!1+(.2)]", 64), Error("Calc", bad_expression, "1+"));
+    const Answer empty = Fill("[!]", 64);
+    EXPECT_FALSE(empty.ok);
+    EXPECT_EQ(empty.reports.size(), 1U);
+}
+
+TEST(StringExpression, LastError_IsThatOfTheLastPlace) {
+    zr::test::ReportCapture capture;
+    CZrCalculator calculator;
+    char out[64];
+    EXPECT_FALSE(calculator.CalculateStringExpression("[!1] [! 2+3*x] [!1/0]", out, sizeof out));
+    EXPECT_EQ(calculator.GetLastError().GetErrorType(), CALCULATOR_SYNTAX);
+    EXPECT_EQ(calculator.GetLastError().GetErrorColumn(), 4);
+    EXPECT_TRUE(calculator.CalculateStringExpression("[!1] and nothing", out, sizeof out));
+    EXPECT_STREQ(out, "1 and nothing");
+    EXPECT_EQ(calculator.GetLastError().GetErrorType(), CALCULATOR_OK);
+    EXPECT_FALSE(calculator.CalculateStringExpression(nullptr, out, sizeof out));
+    EXPECT_EQ(calculator.GetLastError().GetErrorType(), CALCULATOR_OK);
+}
+
+TEST(StringExpression, Size_MustHoldTheTerminator) {
+    EXPECT_EQ(Fill("Wert: [!2*3] m", 10).text, "Wert: 6 m");
+    ExpectFailure(Fill("Wert: [!2*3] m", 9), Error("Calc", too_small));
+    EXPECT_EQ(Fill("[!1/4]", 5).text, "0.25");
+    ExpectFailure(Fill("[!1/4]", 4), Error("Calc", too_small));
+    EXPECT_TRUE(Fill("", 1).ok);
+    ExpectFailure(Fill("a", 1), Error("Calc", too_small));
+    ExpectFailure(Fill("ab[!x]", 2), Error("Calc", too_small));
+    ExpectFailure(Fill("ab[!x]", 3), Error("Calc", bad_expression, "x"));
+}
+
+TEST(StringExpression, NoSize_NothingIsWritten) {
+    zr::test::ReportCapture capture;
+    for (const zr_long size : {0, -1, -2147483647 - 1}) {
+        for (const char *text : {"", "a", "[!1]"}) {
+            char out[] = "kept";
+            char ok = 7;
+            calc_string_expression(text, out, size, &ok);
+            EXPECT_EQ(ok, 0);
+            EXPECT_STREQ(out, "kept");
+            EXPECT_EQ(capture.Take(), Reports{Error("Calc", too_small)}) << text;
+        }
+    }
+}
+
+TEST(StringExpression, Text_HasLessThan1024Characters) {
+    const std::string longest(1023, 'x');
+    EXPECT_EQ(Filled(longest), longest);
+    ExpectFailure(Fill(std::string(1024, 'x').c_str(), 2048), Error("Calc", bad_parameter));
+    ExpectFailure(Fill(std::string(100000, 'x').c_str(), 2048), Error("Calc", bad_parameter));
+    EXPECT_EQ(Filled("[!" + std::string(1019, ' ') + "4]"), "4");
+    EXPECT_EQ(Fill(longest.c_str(), 1024).text, longest);
+    ExpectFailure(Fill(longest.c_str(), 1023), Error("Calc", too_small));
+}
+
+TEST(StringExpression, Nulls_AreBadParameters) {
+    ExpectFailure(Fill(nullptr, 8), Error("Calc", bad_parameter));
+    zr::test::ReportCapture capture;
+    char ok = 7;
+    calc_string_expression("a", nullptr, 8, &ok);
+    EXPECT_EQ(ok, 0);
+    EXPECT_EQ(capture.Take(), Reports{Error("Calc", bad_parameter)});
+    char out[8] = "kept";
+    calc_string_expression(nullptr, out, 8, nullptr);
+    EXPECT_STREQ(out, "");
+    calc_string_expression("[!3]", out, 8, nullptr);
+    EXPECT_STREQ(out, "3");
+}
+
+TEST(StringExpression, ManyValues_MayOutgrowTheText) {
+    std::string text, expected;
+    for (int i = 0; i < 60; ++i) {
+        text += "[!1/3(.30)]";
+        expected += Filled("[!1/3(.30)]");
+    }
+    EXPECT_EQ(Filled(text), expected);
+    ExpectFailure(Fill(text.c_str(), static_cast<zr_long>(expected.size())), Error("Calc", too_small));
+}
+
+TEST(StringExpression, RoundingDigits_Count) {
+    zr::expressions::rounding_digits = 1;
+    EXPECT_EQ(Filled("[!0.26(.3)]"), "0.300");
+    zr::expressions::rounding_digits = 0;
+}
+
+} // namespace
