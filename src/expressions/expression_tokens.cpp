@@ -23,34 +23,55 @@ enum Start : std::uint8_t {
     start_relation
 };
 
+constexpr int SymbolKind(int symbol) {
+    switch (symbol) {
+    case '(':
+        return SCAN_KIND_LEFT_PARENTHESIS;
+    case ')':
+        return SCAN_KIND_RIGHT_PARENTHESIS;
+    case '+':
+        return SCAN_KIND_PLUS;
+    case '-':
+        return SCAN_KIND_MINUS;
+    case '*':
+        return SCAN_KIND_STAR;
+    case '/':
+        return SCAN_KIND_SLASH;
+    case '^':
+        return SCAN_KIND_POWER;
+    case ',':
+        return SCAN_KIND_COMMA;
+    case '?':
+        return SCAN_KIND_QUESTION;
+    case ':':
+        return SCAN_KIND_COLON;
+    case '#':
+        return SCAN_KIND_HASH;
+    default:
+        return start_scanner;
+    }
+}
+
 struct StartTable {
     std::uint8_t starts[256] = {};
 
     constexpr StartTable() {
-        for (int c = 1; c <= ' '; ++c)
-            starts[c] = start_blank;
-        for (int c = '0'; c <= '9'; ++c)
-            starts[c] = start_digit;
-        for (int c = 'a'; c <= 'z'; ++c)
-            starts[c] = starts[c - 'a' + 'A'] = start_letter;
-        starts['_'] = start_letter;
-        starts['<'] = starts['='] = starts['>'] = start_relation;
-        constexpr char symbols[] = "()+-*/^,?:#";
-        constexpr zr_long kinds[] = {SCAN_KIND_LEFT_PARENTHESIS,
-                                     SCAN_KIND_RIGHT_PARENTHESIS,
-                                     SCAN_KIND_PLUS,
-                                     SCAN_KIND_MINUS,
-                                     SCAN_KIND_STAR,
-                                     SCAN_KIND_SLASH,
-                                     SCAN_KIND_POWER,
-                                     SCAN_KIND_COMMA,
-                                     SCAN_KIND_QUESTION,
-                                     SCAN_KIND_COLON,
-                                     SCAN_KIND_HASH};
-        static_assert(std::size(kinds) == std::size(symbols) - 1);
-        for (std::size_t i = 0; i < std::size(kinds); ++i)
-            starts[static_cast<unsigned char>(symbols[i])] = static_cast<std::uint8_t>(kinds[i]);
-        starts[0] = starts[0xFF] = static_cast<std::uint8_t>(SCAN_KIND_END);
+        Fill(1, ' ', start_blank);
+        Fill('0', '9', start_digit);
+        Fill('a', 'z', start_letter);
+        Fill('A', 'Z', start_letter);
+        Fill('_', '_', start_letter);
+        Fill('<', '>', start_relation); // "=" lies between them
+        for (int c = '!'; c <= '~'; ++c)
+            if (SymbolKind(c) != start_scanner)
+                Fill(c, c, SymbolKind(c));
+        Fill(0, 0, SCAN_KIND_END);
+        Fill(0xFF, 0xFF, SCAN_KIND_END);
+    }
+
+    constexpr void Fill(int first, int last, int start) {
+        for (int c = first; c <= last; ++c)
+            starts[c] = static_cast<std::uint8_t>(start);
     }
 };
 
