@@ -174,6 +174,24 @@ TEST_F(PosixGroupOperations, NamesThatLookLikePathsStayWhereTheyAre) {
     EXPECT_FALSE(fs::exists(At("d")));
 }
 
+TEST_F(PosixGroupOperations, WalksDoNotTakeNamesForPaths) {
+    fs::create_directories(At("d/a/b"));
+    fs::create_directory(At("d/a\\b"));
+    m_folder.Write("d/a/b/x", "X");
+    fs::create_directory(At("to"));
+    const std::string d = LibraryPath(At("d")), to = LibraryPath(At("to"));
+    zr_long folders = 0, files = 0;
+    EXPECT_EQ(fio_GetFolderInfo(d.c_str(), 1, nullptr, &folders, &files, nullptr), 1);
+    EXPECT_EQ(folders, 3);
+    EXPECT_EQ(files, 1);
+    EXPECT_EQ(fio_CopyDirectory(to.c_str(), d.c_str()), 0);
+    EXPECT_TRUE(fs::exists(At("to/a/b/x"))); // came first
+    EXPECT_FALSE(fs::exists(At("to/a\\b")));
+    fs::permissions(At("d/a/b/x"), fs::perms::owner_read);
+    EXPECT_EQ(fio_RemoveFileAttributes(d.c_str(), 1), 0); // of one folder nothing can be told
+    EXPECT_NE(fs::status(At("d/a/b/x")).permissions() & fs::perms::owner_write, fs::perms::none);
+}
+
 TEST_F(PosixGroupOperations, VeryDeepTreeIsDeletedWhole) {
     fs::path path = At("deep");
     fs::create_directory(path);
