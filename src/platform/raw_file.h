@@ -1,4 +1,5 @@
-// Files read block by block, as the bytes that they hold: what is looked at once needs no stream with a buffer of its own.
+// Files read block by block, as the bytes that they hold: what is looked at once needs no stream with a buffer of its
+// own.
 #ifndef ZR_PLATFORM_RAW_FILE_H
 #define ZR_PLATFORM_RAW_FILE_H
 
@@ -17,8 +18,9 @@ public:
     RawFile(const RawFile &) = delete;
     RawFile &operator=(const RawFile &) = delete;
 
-    // Opens the file `path` (library's form, at most 259 characters). False, with errno set, for what a stream can't be
-    // opened for reading on either: but a folder may pass and then fail to be read. Child processes don't inherit the file.
+    // Opens the file `path` (library's form, at most 259 characters). False, with errno set, for what a stream can't
+    // be opened for reading on either: but a folder may pass and then fail to be read. Child processes don't inherit
+    // the file.
     bool Open(const char *path) {
         Close();
         m_handle = services.open_raw(path);
@@ -27,8 +29,8 @@ public:
 
     bool IsOpen() const { return m_handle != no_file; }
 
-    // The next bytes of the file into out[0..size-1]; answers how many, 0 at its end, -1 on failure. Fewer than `size` don't
-    // mean that the end is near.
+    // The next bytes of the file into out[0..size-1]; answers how many, 0 at its end, -1 on failure. Fewer than
+    // `size` don't mean that the end is near.
     std::ptrdiff_t Read(char *out, std::size_t size) { return services.read_raw(m_handle, out, size); }
 
     void Close() {

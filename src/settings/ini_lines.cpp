@@ -48,8 +48,10 @@ std::string_view HeaderName(std::string_view line) {
 bool IniLines::Open(const char *path) {
     m_ended = m_failed = m_has_nul = false;
     m_at = m_end = m_buffer;
-    if (m_file.Open(path) && !Fill() && m_failed)
+    if (m_file.Open(path) && !Fill() && m_failed) {
         m_file.Close();
+        m_failed = false;
+    }
     return IsOpen();
 }
 

@@ -4,9 +4,9 @@
 //   line  = blank | comment | header | other
 //   comment = ";" text          header = "[" name [ "]" text ]          other = name "=" value, or a malformed line
 //
-// A line is what a read of the text stream with a buffer of 2047 bytes delivers: at most 2046 bytes with the line feed, the rest
-// of a longer one is a line of its own. Of it counts what is in front of the first NUL, less the bytes of 32 and below at both
-// ends. As in any text stream, CR LF is a line feed and a byte 0x1A ends the file.
+// A line is what a read of the text stream with a buffer of 2047 bytes delivers: at most 2046 bytes with the line
+// feed, the rest of a longer one is a line of its own. Of it counts what is in front of the first NUL, less the bytes
+// of 32 and below at both ends. As in any text stream, CR LF is a line feed and a byte 0x1A ends the file.
 #ifndef ZR_SETTINGS_INI_LINES_H
 #define ZR_SETTINGS_INI_LINES_H
 

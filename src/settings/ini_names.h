@@ -30,7 +30,8 @@ inline std::string_view TrimmedEnd(std::string_view text) {
     return text;
 }
 
-// Where the first "=" of a line is, or npos. Names are short: a loop over their first characters is over before a call would be.
+// Where the first "=" of a line is, or npos. Names are short: a loop over their first characters is over before a
+// call would be.
 inline std::size_t FindEqualSign(std::string_view line) {
     constexpr std::size_t short_name = 16;
     const std::size_t near = std::min(line.size(), short_name);

@@ -69,8 +69,8 @@ int CopyValue(std::string_view value, char *buffer, zr_long &size) {
     return INI_DONE;
 }
 
-// Lists the names, with a terminator behind each. A list that is cut in the midst of a name gets that name's terminator too, for which
-// the buffer has a byte: who walks through it finds an end.
+// Lists the names, with a terminator behind each. A list that is cut in the midst of a name gets that name's
+// terminator too, for which the buffer has a byte: who walks through it finds an end.
 int ListNames(IniLines &lines, const Place &place, char *buffer, zr_long &size) {
     const std::size_t limit = size > 0 ? static_cast<std::size_t>(size) - 1 : 0;
     const auto last = static_cast<std::size_t>(size);

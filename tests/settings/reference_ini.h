@@ -118,15 +118,172 @@ public:
         return answer;
     }
 
+    // Each writes `out` from `in`, both closed at the end, and answers the told result, 0 for what the copy answers.
+    int Write(std::FILE *in, std::FILE *out, const Section &section, const std::string &entry,
+              const std::string &value) {
+        std::string line;
+        if (!GoInto(in, out, section, line)) {
+            Separator(out);
+            std::fprintf(out, "[%s]\n%s=%s", section->c_str(), entry.c_str(), value.c_str());
+            return Close(in, out, 0);
+        }
+        int type;
+        while ((type = NextLine(in, out, line)) == 2) {
+            const std::size_t sign = line.find('=');
+            if (sign == std::string::npos)
+                continue;
+            LineFeed(out);
+            const std::string name = Trim(line.substr(0, sign));
+            std::fprintf(out, "%s=%s", name.c_str(), name == entry ? value.c_str() : line.c_str() + sign + 1);
+            if (name == entry)
+                return Rest(in, out, 0);
+        }
+        LineFeed(out);
+        std::fprintf(out, "%s=%s", entry.c_str(), value.c_str());
+        if (type == 1)
+            std::fprintf(out, "\n\n[%s]", line.c_str());
+        return Rest(in, out, 0);
+    }
+
+    int DeleteEntry(std::FILE *in, std::FILE *out, const Section &section, const std::string &entry) {
+        std::string line;
+        if (!GoInto(in, out, section, line))
+            return Close(in, out, 1);
+        int type;
+        while ((type = NextLine(in, out, line)) == 2) {
+            const std::size_t sign = line.find('=');
+            if (sign == std::string::npos)
+                continue;
+            const std::string name = Trim(line.substr(0, sign));
+            if (name == entry)
+                return Rest(in, out, 0);
+            LineFeed(out);
+            std::fprintf(out, "%s=%s", name.c_str(), line.c_str() + sign + 1);
+        }
+        if (type == 1) {
+            LineFeed(out);
+            std::fprintf(out, "[%s]", line.c_str());
+        }
+        return Rest(in, out, 2);
+    }
+
+    int DeleteSection(std::FILE *in, std::FILE *out, const Section &section) {
+        std::string line;
+        int type = 1;
+        while (!IsBlank(section) && (type = NextSection(in, out, line)) == 1 && line != *section) {
+            Separator(out);
+            std::fprintf(out, "[%s]", line.c_str());
+        }
+        if (type == 0)
+            return Close(in, out, 1);
+        do
+            type = NextLine(in, IsBlank(section) ? out : nullptr, line);
+        while (type == 2);
+        return type == 1 ? HeaderAndRest(in, out, line, 0) : Close(in, out, 0);
+    }
+
+    int RenameSection(std::FILE *in, std::FILE *out, const Section &section, const std::string &new_name) {
+        std::string line;
+        if (!Find(in, out, section, line))
+            return Close(in, out, 1);
+        if (!IsBlank(section)) {
+            std::fprintf(out, "[%s]", new_name.c_str());
+            return Rest(in, out, 0);
+        }
+        const int type = NextLine(in, out, line);
+        LineFeed(out);
+        std::fprintf(out, "[%s]", new_name.c_str());
+        if (type == 1)
+            std::fprintf(out, "\n\n[%s]", line.c_str());
+        if (type == 2)
+            std::fprintf(out, "\n%s", line.c_str());
+        return Rest(in, out, 0);
+    }
+
+    int RenameEntry(std::FILE *in, std::FILE *out, const Section &section, const std::string &entry,
+                    const std::string &new_name) {
+        std::string line;
+        if (!Find(in, out, section, line))
+            return Close(in, out, 1);
+        if (!IsBlank(section))
+            std::fprintf(out, "[%s]", Trim(section->substr(0, 79)).c_str());
+        int type;
+        while ((type = NextLine(in, out, line)) == 2) {
+            const std::size_t sign = line.find('=');
+            if (sign == std::string::npos)
+                continue;
+            LineFeed(out);
+            const std::string name = Trim(line.substr(0, sign));
+            std::fprintf(out, "%s=%s", name == entry ? new_name.c_str() : name.c_str(), line.c_str() + sign + 1);
+            if (name == entry)
+                return Rest(in, out, 0);
+        }
+        return type == 1 ? HeaderAndRest(in, out, line, 2) : Rest(in, out, 2);
+    }
+
     bool no_header_yet = true;
 
-protected:
+private:
+    // Behind the section's header, which is copied with all in front of it.
+    bool GoInto(std::FILE *in, std::FILE *out, const Section &section, std::string &line) {
+        if (IsBlank(section))
+            return true;
+        while (NextSection(in, out, line) == 1) {
+            Separator(out);
+            std::fprintf(out, "[%s]", line.c_str());
+            if (line == *section)
+                return true;
+        }
+        return false;
+    }
+
+    // The same, without the section's own header.
+    bool Find(std::FILE *in, std::FILE *out, const Section &section, std::string &line) {
+        if (IsBlank(section))
+            return true;
+        while (NextSection(in, out, line) == 1) {
+            Separator(out);
+            if (line == Trim(section->substr(0, 79)))
+                return true;
+            std::fprintf(out, "[%s]", line.c_str());
+        }
+        return false;
+    }
+
+    void Separator(std::FILE *out) {
+        LineFeed(out);
+        if (!no_header_yet)
+            std::fputc('\n', out);
+        no_header_yet = false;
+    }
+
+    static int HeaderAndRest(std::FILE *in, std::FILE *out, const std::string &name, int result) {
+        if (std::ftell(out) != 0)
+            std::fputs("\n\n", out);
+        std::fprintf(out, "[%s]", name.c_str());
+        return Rest(in, out, result);
+    }
+
+    // Byte by byte, as the stream has them.
+    static int Rest(std::FILE *in, std::FILE *out, int result) {
+        LineFeed(out);
+        for (int c; in != nullptr && (c = std::fgetc(in)) != EOF;)
+            std::fputc(c, out);
+        return Close(in, out, result);
+    }
+
+    static int Close(std::FILE *in, std::FILE *out, int result) {
+        if (in != nullptr)
+            std::fclose(in);
+        std::fclose(out);
+        return result;
+    }
+
     static void LineFeed(std::FILE *out) {
         if (std::ftell(out) != 0)
             std::fputc('\n', out);
     }
 
-private:
     // Cuts a list that is too long: 3, else 0.
     static int EndList(IniAnswer &answer, int size) {
         const std::size_t limit = size > 0 ? static_cast<std::size_t>(size) - 1 : 0;
