@@ -1,7 +1,6 @@
 // The tokens of an expression in memory.
 #include "expressions/expression_tokens.h"
 
-#include <cfloat>
 #include <cstdint>
 
 namespace zr::expressions {
@@ -14,80 +13,6 @@ constexpr CalculatorKeywords keywords;
 static_assert(keywords.IsDistinct());
 constexpr CharacterTable characters(options);
 
-// What a byte begins. A symbol that is a token by itself has its kind, the others stand for more than one character.
-enum Start : std::uint8_t {
-    start_scanner = 0, // nothing that is read here
-    start_blank = 101,
-    start_digit,
-    start_letter,
-    start_relation
-};
-
-constexpr int SymbolKind(int symbol) {
-    switch (symbol) {
-    case '(':
-        return SCAN_KIND_LEFT_PARENTHESIS;
-    case ')':
-        return SCAN_KIND_RIGHT_PARENTHESIS;
-    case '+':
-        return SCAN_KIND_PLUS;
-    case '-':
-        return SCAN_KIND_MINUS;
-    case '*':
-        return SCAN_KIND_STAR;
-    case '/':
-        return SCAN_KIND_SLASH;
-    case '^':
-        return SCAN_KIND_POWER;
-    case ',':
-        return SCAN_KIND_COMMA;
-    case '?':
-        return SCAN_KIND_QUESTION;
-    case ':':
-        return SCAN_KIND_COLON;
-    case '#':
-        return SCAN_KIND_HASH;
-    default:
-        return start_scanner;
-    }
-}
-
-struct StartTable {
-    std::uint8_t starts[256] = {};
-
-    constexpr StartTable() {
-        Fill(1, ' ', start_blank);
-        Fill('0', '9', start_digit);
-        Fill('a', 'z', start_letter);
-        Fill('A', 'Z', start_letter);
-        Fill('_', '_', start_letter);
-        Fill('<', '>', start_relation); // "=" lies between them
-        for (int c = '!'; c <= '~'; ++c)
-            if (SymbolKind(c) != start_scanner)
-                Fill(c, c, SymbolKind(c));
-        Fill(0, 0, SCAN_KIND_END);
-        Fill(0xFF, 0xFF, SCAN_KIND_END);
-    }
-
-    constexpr void Fill(int first, int last, int start) {
-        for (int c = first; c <= last; ++c)
-            starts[c] = static_cast<std::uint8_t>(start);
-    }
-};
-
-constexpr StartTable table;
-
-int StartOf(char c) {
-    return table.starts[static_cast<unsigned char>(c)];
-}
-
-unsigned Digit(char c) {
-    return static_cast<unsigned char>(c) - unsigned{'0'};
-}
-
-constexpr double powers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-constexpr std::ptrdiff_t most_digits = std::size(powers) - 1; // a double holds them all
-
 } // namespace
 
 ExpressionTokens::ExpressionTokens() : scanner_(TextSource{}, options, characters, keywords) {}
@@ -96,35 +21,6 @@ void ExpressionTokens::Start(const char *text) {
     next_ = token_ = line_ = text != nullptr ? text : "";
     row_ = 0;
     kind_ = SCAN_KIND_VOID;
-}
-
-bool ExpressionTokens::Next() {
-    int start = StartOf(*next_);
-    if (start == start_blank) {
-        SkipBlanks();
-        start = StartOf(*next_);
-    }
-    token_ = next_;
-    switch (start) {
-    case start_digit:
-        return ReadNumber();
-    case start_letter:
-        return ReadName();
-    case start_relation:
-        return ReadRelation();
-    case start_scanner:
-        return ReadByScanner();
-    case SCAN_KIND_END: // stays the next one
-        return End(SCAN_KIND_END, token_);
-    default:
-        return End(start, token_ + 1);
-    }
-}
-
-bool ExpressionTokens::End(zr_long kind, const char *next) {
-    kind_ = kind;
-    next_ = next;
-    return true;
 }
 
 void ExpressionTokens::SkipBlanks() {
@@ -147,34 +43,18 @@ bool ExpressionTokens::ReadName() {
     return keyword_ != Word::None ? End(SCAN_KIND_KEYWORD, p) : ReadByScanner();
 }
 
-// One division of exact doubles is rounded once, hence right, where the machine computes in doubles.
-bool ExpressionTokens::ReadNumber() {
-    const char *p = token_;
-    std::uint64_t digits = 0;
-    for (; Digit(*p) <= 9; ++p)
-        digits = digits * 10 + Digit(*p);
-    std::ptrdiff_t count = p - token_;
-    std::ptrdiff_t decimals = 0;
-    if (*p == '.') {
-        const char *const point = p++;
-        for (; Digit(*p) <= 9; ++p)
-            digits = digits * 10 + Digit(*p);
-        decimals = p - point - 1;
-        count += decimals;
-    }
-    if (count > most_digits || *p == 'e' || *p == 'E' || (decimals != 0 && FLT_EVAL_METHOD != 0))
-        return ReadByScanner();
-    number_ = static_cast<double>(static_cast<std::int64_t>(digits));
-    if (decimals != 0)
-        number_ /= powers[decimals];
-    return End(SCAN_KIND_DOUBLE, p);
-}
-
-// Relations of two characters are composed by the scanner.
+// A relation of one character or two; the same one twice counts once.
 bool ExpressionTokens::ReadRelation() {
-    if (StartOf(token_[1]) == start_relation)
-        return ReadByScanner();
-    return End(CharacterTable::SymbolKind(*token_), token_ + 1);
+    const char first = *token_;
+    const char second = token_[1];
+    if (StartOf(second) != start_relation)
+        return End(CharacterTable::SymbolKind(first), token_ + 1);
+    zr_long kind = CharacterTable::SymbolKind(first);
+    if (first != second && first != '=' && second != '=')
+        kind = SCAN_KIND_HASH;
+    else if (first != second)
+        kind = first == '<' || second == '<' ? SCAN_KIND_LESS_EQUAL : SCAN_KIND_GREATER_EQUAL;
+    return End(kind, token_ + 2);
 }
 
 bool ExpressionTokens::ReadByScanner() {

@@ -5,10 +5,16 @@
 #ifndef ZR_EXPRESSIONS_EXPRESSION_TOKENS_H
 #define ZR_EXPRESSIONS_EXPRESSION_TOKENS_H
 
+#include <cfloat>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+
 #include <zrclb/scan.h>
 
 #include "expressions/calculator_keywords.h"
 #include "expressions/scanner_core.h"
+#include "expressions/token_start.h"
 
 namespace zr::expressions {
 
@@ -19,6 +25,11 @@ struct TextSource {
     int Next() { return static_cast<signed char>(*next++); }
     static zr_long User() { return 0; }
 };
+
+// Digits that a double holds, and the powers of ten that go with them.
+inline constexpr double powers_of_ten[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                           1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+inline constexpr std::ptrdiff_t most_digits = std::size(powers_of_ten) - 1;
 
 class ExpressionTokens {
 public:
@@ -50,6 +61,7 @@ private:
     bool ReadNumber();
     bool ReadRelation();
     bool ReadByScanner();
+    static unsigned Digit(char c) { return static_cast<unsigned char>(c) - unsigned{'0'}; }
     bool End(zr_long kind, const char *next);
 
     const char *next_ = "";  // behind the token
@@ -62,6 +74,58 @@ private:
     ScannerCore<TextSource, CalculatorKeywords> scanner_;
     ZrScanToken scanned_;
 };
+
+inline bool ExpressionTokens::End(zr_long kind, const char *next) {
+    kind_ = kind;
+    next_ = next;
+    return true;
+}
+
+inline bool ExpressionTokens::Next() {
+    int start = StartOf(*next_);
+    if (start == start_blank) {
+        SkipBlanks();
+        start = StartOf(*next_);
+    }
+    token_ = next_;
+    switch (start) {
+    case start_digit:
+        return ReadNumber();
+    case start_letter:
+        return ReadName();
+    case start_relation:
+        return ReadRelation();
+    case start_scanner:
+        return ReadByScanner();
+    case SCAN_KIND_END: // stays the next one
+        return End(SCAN_KIND_END, token_);
+    default:
+        return End(start, token_ + 1);
+    }
+}
+
+// One division of exact doubles is rounded once, hence right, where the machine computes in doubles.
+inline bool ExpressionTokens::ReadNumber() {
+    const char *p = token_;
+    std::uint64_t digits = 0;
+    for (; Digit(*p) <= 9; ++p)
+        digits = digits * 10 + Digit(*p);
+    std::ptrdiff_t count = p - token_;
+    std::ptrdiff_t decimals = 0;
+    if (*p == '.') {
+        const char *const point = p++;
+        for (; Digit(*p) <= 9; ++p)
+            digits = digits * 10 + Digit(*p);
+        decimals = p - point - 1;
+        count += decimals;
+    }
+    if (count > most_digits || *p == 'e' || *p == 'E' || (decimals != 0 && FLT_EVAL_METHOD != 0))
+        return ReadByScanner();
+    number_ = static_cast<double>(static_cast<std::int64_t>(digits));
+    if (decimals != 0)
+        number_ /= powers_of_ten[decimals];
+    return End(SCAN_KIND_DOUBLE, p);
+}
 
 } // namespace zr::expressions
 

@@ -14,17 +14,18 @@ WaitingStack::~WaitingStack() {
 
 bool WaitingStack::Grow() {
     constexpr std::size_t limit = 0xFFFFFFFF / sizeof(WaitingPart); // of an allocation
-    if (capacity_ > limit / 2)
+    const auto room = static_cast<std::size_t>(last_ - parts_) + 1;
+    if (room > limit / 2)
         return false;
-    const auto bytes = static_cast<unsigned>(capacity_ * 2 * sizeof(WaitingPart));
-    auto *grown = static_cast<WaitingPart *>(heap_malloc(bytes));
+    auto *grown = static_cast<WaitingPart *>(heap_malloc(static_cast<unsigned>(room * 2 * sizeof(WaitingPart))));
     if (grown == nullptr)
         return false;
-    std::memcpy(grown, parts_, capacity_ * sizeof(WaitingPart));
+    std::memcpy(grown, parts_, room * sizeof(WaitingPart));
     if (parts_ != in_place_)
         heap_free(parts_);
     parts_ = grown;
-    capacity_ *= 2;
+    top_ = parts_ + room - 1;
+    last_ = parts_ + room * 2 - 1;
     return true;
 }
 

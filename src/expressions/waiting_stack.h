@@ -50,18 +50,18 @@ public:
     WaitingStack(const WaitingStack &) = delete;
     WaitingStack &operator=(const WaitingStack &) = delete;
 
-    WaitingPart &Top() { return parts_[top_]; }
+    WaitingPart &Top() { return *top_; }
     void Pop() { --top_; }
-    void Clear() { top_ = 0; }
+    void Clear() { top_ = parts_; }
 
     // A new part on top, whose `what` and `left` are set; null if memory runs out.
     WaitingPart *Push(Waiting what, double left) {
-        if (top_ + 1 == capacity_ && !Grow())
+        if (top_ == last_ && !Grow())
             return nullptr;
-        WaitingPart &part = parts_[++top_];
-        part.what = what;
-        part.left = left;
-        return &part;
+        ++top_;
+        top_->what = what;
+        top_->left = left;
+        return top_;
     }
 
 private:
@@ -71,8 +71,8 @@ private:
 
     WaitingPart in_place_[room_in_place];
     WaitingPart *parts_ = in_place_;
-    std::size_t top_ = 0;
-    std::size_t capacity_ = room_in_place;
+    WaitingPart *top_ = parts_;
+    WaitingPart *last_ = parts_ + room_in_place - 1; // that there is room for
 };
 
 } // namespace zr::expressions
