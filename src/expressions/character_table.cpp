@@ -3,58 +3,55 @@
 
 namespace zr::expressions {
 
-zr_long CharacterTable::SymbolKind(int c) {
-    switch (c) {
-    case '=':
-        return SCAN_KIND_EQUAL;
-    case '#':
-        return SCAN_KIND_HASH;
-    case ',':
-        return SCAN_KIND_COMMA;
-    case ';':
-        return SCAN_KIND_SEMICOLON;
-    case ':':
-        return SCAN_KIND_COLON;
-    case '^':
-        return SCAN_KIND_POWER;
-    case '<':
-        return SCAN_KIND_LESS;
-    case '>':
-        return SCAN_KIND_GREATER;
-    case '(':
-        return SCAN_KIND_LEFT_PARENTHESIS;
-    case ')':
-        return SCAN_KIND_RIGHT_PARENTHESIS;
-    case '{':
-        return SCAN_KIND_LEFT_BRACE;
-    case '}':
-        return SCAN_KIND_RIGHT_BRACE;
-    case '[':
-        return SCAN_KIND_LEFT_BRACKET;
-    case ']':
-        return SCAN_KIND_RIGHT_BRACKET;
-    case '$':
-        return SCAN_KIND_DOLLAR;
-    case '@':
-        return SCAN_KIND_AT;
-    case '%':
-        return SCAN_KIND_PERCENT;
-    case '&':
-        return SCAN_KIND_AMPERSAND;
-    case '?':
-        return SCAN_KIND_QUESTION;
-    case '|':
-        return SCAN_KIND_BAR;
-    case '~':
-        return SCAN_KIND_TILDE;
-    case '\n':
-        return SCAN_KIND_END_OF_LINE;
-    case 0:
-        return SCAN_KIND_END;
-    default:
-        return SCAN_KIND_VOID;
-    }
+namespace {
+
+struct SymbolKindOf {
+    char character;
+    std::uint8_t kind;
+};
+
+constexpr SymbolKindOf kinds[] = {
+    {'=', SCAN_KIND_EQUAL},
+    {'#', SCAN_KIND_HASH},
+    {',', SCAN_KIND_COMMA},
+    {';', SCAN_KIND_SEMICOLON},
+    {':', SCAN_KIND_COLON},
+    {'+', SCAN_KIND_PLUS},
+    {'-', SCAN_KIND_MINUS},
+    {'*', SCAN_KIND_STAR},
+    {'/', SCAN_KIND_SLASH},
+    {'^', SCAN_KIND_POWER},
+    {'<', SCAN_KIND_LESS},
+    {'>', SCAN_KIND_GREATER},
+    {'(', SCAN_KIND_LEFT_PARENTHESIS},
+    {')', SCAN_KIND_RIGHT_PARENTHESIS},
+    {'{', SCAN_KIND_LEFT_BRACE},
+    {'}', SCAN_KIND_RIGHT_BRACE},
+    {'[', SCAN_KIND_LEFT_BRACKET},
+    {']', SCAN_KIND_RIGHT_BRACKET},
+    {'$', SCAN_KIND_DOLLAR},
+    {'@', SCAN_KIND_AT},
+    {'%', SCAN_KIND_PERCENT},
+    {'&', SCAN_KIND_AMPERSAND},
+    {'?', SCAN_KIND_QUESTION},
+    {'!', SCAN_KIND_EXCLAMATION},
+    {'|', SCAN_KIND_BAR},
+    {'~', SCAN_KIND_TILDE},
+    {'"', SCAN_KIND_QUOTE},
+    {'\n', SCAN_KIND_END_OF_LINE},
+    {0, SCAN_KIND_END},
+};
+
+constexpr std::array<std::uint8_t, 256> KindsByCharacter() {
+    std::array<std::uint8_t, 256> table = {};
+    for (const SymbolKindOf &symbol : kinds)
+        table[static_cast<unsigned char>(symbol.character)] = symbol.kind;
+    return table;
 }
+
+} // namespace
+
+constinit const std::array<std::uint8_t, 256> CharacterTable::symbol_kinds = KindsByCharacter();
 
 zr_long CharacterTable::CharacterKind(int c) const {
     if (Is(c, letter))

@@ -3,7 +3,7 @@
 // A source has `int Next()`, the next character, and `zr_long User()`, the user's field of a name or symbol; keywords have
 // `zr_long Find(const char *name, std::size_t length)`, their position or -1. The core is a template over both so that a source in
 // memory costs no call for each character. Inside loops over characters that are no line feeds the place is counted by their
-// number; everywhere else by Advance.
+// number; everywhere else by Advance. Such loops keep a copy of the source: a call of the caller's function can't change that.
 #ifndef ZR_EXPRESSIONS_SCANNER_CORE_H
 #define ZR_EXPRESSIONS_SCANNER_CORE_H
 
@@ -37,6 +37,9 @@ public:
         column_ = before_first;
     }
 
+    // The next token is a "." that was read already; it has no place of its own.
+    bool OwesDot() const { return dot_owed_; }
+
     Source &GetSource() { return source_; }
 
 private:
@@ -47,13 +50,13 @@ private:
     struct Collector {
         char *text;
         std::size_t length = 0;
-        bool full = false; // something did not fit
 
-        void Add(int c) {
-            if (length < text_size)
-                text[length++] = static_cast<char>(c);
-            else
-                full = true;
+        // False if there is no room.
+        bool Add(int c) {
+            if (length >= text_size)
+                return false;
+            text[length++] = static_cast<char>(c);
+            return true;
         }
         // Ends the text if there is room for it.
         bool Terminate() {
@@ -70,16 +73,13 @@ private:
     // The next character of the source, normalised. The place is not counted.
     int Fetch() { return characters_.Normalise(source_.Next()); }
 
+    // Past the end there is nothing.
     void Advance() {
-        previous_ = current_;
         if (current_ == 0)
             return;
+        const bool line_ends = current_ == '\n';
         current_ = Fetch();
-        CountLine();
-    }
-    // Counts the character behind `previous_`.
-    void CountLine() {
-        if (previous_ == '\n') {
+        if (line_ends) {
             ++row_;
             column_ = 0;
         } else {
@@ -87,28 +87,30 @@ private:
         }
     }
 
+    std::size_t Collect(char *text, std::size_t length, unsigned classes);
     void SkipBlanks();
     void SkipLine();
     void SkipBlockComment();
     bool SkipComment();
 
     bool Dispatch(zr_long &kind, ZrScanToken &token);
+    bool ReadUncommon(Start start, zr_long &kind, ZrScanToken &token);
     void ReadDot(zr_long &kind, ZrScanToken &token);
-    void ReadSign(zr_long sign_kind, zr_long &kind, ZrScanToken &token);
+    void ReadSign(zr_long &kind, ZrScanToken &token);
     void ReadStar(zr_long &kind, ZrScanToken &token);
     bool ReadSlash(zr_long &kind, ZrScanToken &token);
-    bool ReadExclamation(zr_long &kind, ZrScanToken &token);
     bool ReadBackslash(ZrScanToken &token);
     void ReadSymbol(zr_long &kind, ZrScanToken &token);
-    void Compose(zr_long &kind, ZrScanToken &token);
+    void ReadRelation(zr_long &kind, ZrScanToken &token);
     void ReadName(zr_long &kind, ZrScanToken &token);
-    void ReadDigits(Collector &number);
+    bool ReadDigits(Collector &number);
+    bool ReadExponent(Collector &number);
     void ReadNumber(zr_long &kind, ZrScanToken &token, bool negative, bool dot_seen);
     void ConvertNumber(zr_long &kind, ZrScanToken &token, const Collector &number, bool floating);
     void ReadCharacterLiteral(ZrScanToken &token);
     std::size_t ReadEscape(ZrScanToken &token);
     void ReadString(ZrScanToken &token);
-    bool ReadEscaped(Collector &text);
+    void ReadEscaped(Collector &text);
     void ReadStringPart(Collector &text);
     void ReadQuoted(ZrScanToken &token);
     void EndString(Collector &text, ZrScanToken &token);
@@ -117,10 +119,11 @@ private:
         token.text[0] = c;
         token.text[1] = 0;
     }
-    void TakeSymbol(zr_long symbol_kind, char c, zr_long &kind, ZrScanToken &token) {
+    // The current character as a token.
+    void TakeCharacter(zr_long &kind, ZrScanToken &token) {
+        kind = CharacterTable::SymbolKind(current_);
+        SetText(token, current_ < ' ' ? ' ' : static_cast<char>(current_));
         Advance();
-        kind = symbol_kind;
-        SetText(token, c);
     }
 
     Source source_;
@@ -129,7 +132,6 @@ private:
     const zr_long options_;
     int lookahead_ = ' '; // the character with which the next token starts
     int current_ = ' ';
-    int previous_ = ' ';
     bool dot_owed_ = false; // a "." was read behind a sign and is the next token
     std::uint32_t row_ = 0;
     std::uint32_t column_ = before_first;
@@ -138,8 +140,7 @@ private:
 
 template <class Source, class Keywords>
 void ScannerCore<Source, Keywords>::SkipBlanks() {
-    const bool keep_lines = Has(SCAN_KEEP_EOL);
-    while (current_ == ' ' || (current_ == '\n' && !keep_lines))
+    while (characters_.StartOf(current_) == Start::Blank)
         Advance();
 }
 
@@ -152,9 +153,11 @@ void ScannerCore<Source, Keywords>::SkipLine() {
 // Stands on the star of the opening, which serves as that of the closing too. An open comment ends with the input.
 template <class Source, class Keywords>
 void ScannerCore<Source, Keywords>::SkipBlockComment() {
-    do
+    int previous = 0;
+    do {
+        previous = current_;
         Advance();
-    while (!(previous_ == '*' && current_ == '/') && current_ != 0);
+    } while (!(previous == '*' && current_ == '/') && current_ != 0);
     Advance();
 }
 
@@ -184,94 +187,92 @@ int ScannerCore<Source, Keywords>::NextToken(zr_long &kind, ZrScanToken &token) 
 // Reads what begins at the current character. False for a comment or a joined line: the token is still to come.
 template <class Source, class Keywords>
 bool ScannerCore<Source, Keywords>::Dispatch(zr_long &kind, ZrScanToken &token) {
-    if (Is(current_, CharacterTable::name_start)) {
+    const Start start = characters_.StartOf(current_);
+    if (start == Start::Name)
         ReadName(kind, token);
-        return true;
-    }
-    if (IsDigit()) {
+    else if (start == Start::Symbol)
+        ReadSymbol(kind, token);
+    else if (start == Start::Number)
         ReadNumber(kind, token, false, false);
-        return true;
-    }
-    switch (current_) {
-    case '.':
-        ReadDot(kind, token);
-        return true;
-    case '+':
-        ReadSign(SCAN_KIND_PLUS, kind, token);
-        return true;
-    case '-':
-        ReadSign(SCAN_KIND_MINUS, kind, token);
-        return true;
-    case '*':
-        ReadStar(kind, token);
-        return true;
-    case '/':
-        return ReadSlash(kind, token);
-    case '!':
-        return ReadExclamation(kind, token);
-    case '\\':
-        return ReadBackslash(token);
-    case '\'':
-        kind = SCAN_KIND_CHARACTER;
-        ReadCharacterLiteral(token);
-        return true;
-    case '"':
-        if (Has(SCAN_HASH_STYLE)) {
-            TakeSymbol(SCAN_KIND_QUOTE, '"', kind, token);
-        } else {
-            kind = SCAN_KIND_STRING;
-            ReadString(token);
-        }
-        return true;
-    case '`':
-        if (!Has(SCAN_HASH_STYLE))
-            break;
-        kind = SCAN_KIND_QUOTED;
-        ReadQuoted(token);
-        return true;
-    case '#':
-        if (!Has(SCAN_HASH_STYLE))
-            break;
-        SkipLine();
-        return false;
-    default:
-        break;
-    }
-    ReadSymbol(kind, token);
+    else
+        return ReadUncommon(start, kind, token);
     return true;
 }
 
 template <class Source, class Keywords>
+bool ScannerCore<Source, Keywords>::ReadUncommon(Start start, zr_long &kind, ZrScanToken &token) {
+    switch (start) {
+    case Start::Relation:
+        ReadRelation(kind, token);
+        return true;
+    case Start::Dot:
+        ReadDot(kind, token);
+        return true;
+    case Start::Sign:
+        ReadSign(kind, token);
+        return true;
+    case Start::Star:
+        ReadStar(kind, token);
+        return true;
+    case Start::Slash:
+        return ReadSlash(kind, token);
+    case Start::LineComment:
+        SkipLine();
+        return false;
+    case Start::Backslash:
+        return ReadBackslash(token);
+    case Start::Character:
+        kind = SCAN_KIND_CHARACTER;
+        ReadCharacterLiteral(token);
+        return true;
+    case Start::String:
+        kind = SCAN_KIND_STRING;
+        ReadString(token);
+        return true;
+    case Start::Quoted:
+        kind = SCAN_KIND_QUOTED;
+        ReadQuoted(token);
+        return true;
+    default:
+        TakeCharacter(kind, token);
+        return true;
+    }
+}
+
+template <class Source, class Keywords>
 void ScannerCore<Source, Keywords>::ReadDot(zr_long &kind, ZrScanToken &token) {
-    TakeSymbol(SCAN_KIND_DOT, '.', kind, token);
+    Advance();
     if (IsDigit())
-        ReadNumber(kind, token, false, true);
+        return ReadNumber(kind, token, false, true);
+    kind = SCAN_KIND_DOT;
+    SetText(token, '.');
 }
 
 // A sign, or the number that it belongs to.
 template <class Source, class Keywords>
-void ScannerCore<Source, Keywords>::ReadSign(zr_long sign_kind, zr_long &kind, ZrScanToken &token) {
-    const auto sign = static_cast<char>(current_);
+void ScannerCore<Source, Keywords>::ReadSign(zr_long &kind, ZrScanToken &token) {
+    const int sign = current_;
     Advance();
-    if (Has(SCAN_SIGNED_NUMBERS)) {
+    if (IsDigit())
+        return ReadNumber(kind, token, sign == '-', false);
+    if (current_ == '.') {
+        Advance();
         if (IsDigit())
-            return ReadNumber(kind, token, sign == '-', false);
-        if (current_ == '.') {
-            Advance();
-            if (IsDigit())
-                return ReadNumber(kind, token, sign == '-', true);
-            dot_owed_ = true;
-        }
+            return ReadNumber(kind, token, sign == '-', true);
+        dot_owed_ = true;
     }
-    kind = sign_kind;
-    SetText(token, sign);
+    kind = CharacterTable::SymbolKind(sign);
+    SetText(token, static_cast<char>(sign));
 }
 
 template <class Source, class Keywords>
 void ScannerCore<Source, Keywords>::ReadStar(zr_long &kind, ZrScanToken &token) {
-    TakeSymbol(SCAN_KIND_STAR, '*', kind, token);
-    if (current_ == '*' && Has(SCAN_STAR_POWER))
-        TakeSymbol(SCAN_KIND_POWER, '^', kind, token);
+    TakeCharacter(kind, token);
+    if (current_ != '*')
+        return;
+    Advance();
+    kind = SCAN_KIND_POWER;
+    SetText(token, '^');
 }
 
 template <class Source, class Keywords>
@@ -280,16 +281,6 @@ bool ScannerCore<Source, Keywords>::ReadSlash(zr_long &kind, ZrScanToken &token)
         return false;
     kind = SCAN_KIND_SLASH;
     SetText(token, '/');
-    return true;
-}
-
-template <class Source, class Keywords>
-bool ScannerCore<Source, Keywords>::ReadExclamation(zr_long &kind, ZrScanToken &token) {
-    if (Has(SCAN_BANG_COMMENT)) {
-        SkipLine();
-        return false;
-    }
-    TakeSymbol(SCAN_KIND_EXCLAMATION, '!', kind, token);
     return true;
 }
 
@@ -324,42 +315,50 @@ bool ScannerCore<Source, Keywords>::SkipComment() {
 
 template <class Source, class Keywords>
 void ScannerCore<Source, Keywords>::ReadSymbol(zr_long &kind, ZrScanToken &token) {
-    kind = CharacterTable::SymbolKind(current_);
-    SetText(token, current_ < ' ' ? ' ' : static_cast<char>(current_));
     token.user = source_.User();
-    Advance();
-    if (Has(SCAN_COMPOSE_RELATIONS) && Is(previous_, CharacterTable::relation) &&
-        Is(current_, CharacterTable::relation))
-        Compose(kind, token);
+    TakeCharacter(kind, token);
 }
 
-// "==", "<<" and ">>" keep the kind of their first character.
+// A symbol that composes with one of its like. "==", "<<" and ">>" keep the kind of their first character.
 template <class Source, class Keywords>
-void ScannerCore<Source, Keywords>::Compose(zr_long &kind, ZrScanToken &token) {
-    if (previous_ != current_) {
-        if (previous_ != '=' && current_ != '=')
+void ScannerCore<Source, Keywords>::ReadRelation(zr_long &kind, ZrScanToken &token) {
+    const int first = current_;
+    ReadSymbol(kind, token);
+    if (!Is(current_, CharacterTable::relation))
+        return;
+    if (first != current_) {
+        if (first != '=' && current_ != '=')
             kind = SCAN_KIND_HASH;
         else
-            kind = previous_ == '<' || current_ == '<' ? SCAN_KIND_LESS_EQUAL : SCAN_KIND_GREATER_EQUAL;
+            kind = first == '<' || current_ == '<' ? SCAN_KIND_LESS_EQUAL : SCAN_KIND_GREATER_EQUAL;
     }
     token.text[1] = static_cast<char>(current_);
     token.text[2] = 0;
     Advance();
 }
 
+// Puts the characters of `classes` that come behind text[0..length-1], as far as there is room for them; the length they make
+// together. Line feeds have no class.
+template <class Source, class Keywords>
+std::size_t ScannerCore<Source, Keywords>::Collect(char *text, std::size_t length, unsigned classes) {
+    const std::size_t start = length;
+    Source source = source_;
+    int c = current_;
+    for (int read = c; Is(read, classes); c = characters_.Normalise(read)) {
+        if (length < text_size)
+            text[length] = static_cast<char>(c);
+        ++length;
+        read = source.Next();
+    }
+    source_ = source;
+    current_ = c;
+    column_ += static_cast<std::uint32_t>(length - start);
+    return length;
+}
+
 template <class Source, class Keywords>
 void ScannerCore<Source, Keywords>::ReadName(zr_long &kind, ZrScanToken &token) {
-    std::size_t length = 0;
-    int c = current_;
-    do {
-        if (length < text_size)
-            token.text[length] = static_cast<char>(c);
-        ++length;
-        previous_ = c;
-        c = Fetch();
-    } while (Is(c, CharacterTable::name));
-    current_ = c;
-    column_ += static_cast<std::uint32_t>(length);
+    const std::size_t length = Collect(token.text, 0, CharacterTable::name);
     token.user = source_.User();
     kind = SCAN_KIND_IDENTIFIER;
     if (length >= text_size) {
@@ -373,17 +372,25 @@ void ScannerCore<Source, Keywords>::ReadName(zr_long &kind, ZrScanToken &token) 
     token.longValue = keyword >= 0 ? keyword : static_cast<zr_long>(length);
 }
 
+// False if there was no room for all.
 template <class Source, class Keywords>
-void ScannerCore<Source, Keywords>::ReadDigits(Collector &number) {
-    std::uint32_t count = 0;
-    int c = current_;
-    for (; Is(c, CharacterTable::digit); ++count) {
-        number.Add(c);
-        previous_ = c;
-        c = Fetch();
+bool ScannerCore<Source, Keywords>::ReadDigits(Collector &number) {
+    const std::size_t length = Collect(number.text, number.length, CharacterTable::digit);
+    number.length = length < text_size ? length : text_size;
+    return length <= text_size;
+}
+
+template <class Source, class Keywords>
+bool ScannerCore<Source, Keywords>::ReadExponent(Collector &number) {
+    bool fits = number.Add('e');
+    Advance();
+    if (current_ == '+' || current_ == '-') {
+        fits &= number.Add(current_);
+        Advance();
     }
-    current_ = c;
-    column_ += count;
+    if (!IsDigit())
+        error_ = SCAN_ERROR_EXPONENT;
+    return ReadDigits(number) && fits;
 }
 
 // Stands on a digit, or behind the point that `dot_seen` tells of.
@@ -394,27 +401,19 @@ void ScannerCore<Source, Keywords>::ReadNumber(zr_long &kind, ZrScanToken &token
         number.Add('-');
     if (dot_seen)
         number.Add('.');
-    ReadDigits(number);
+    bool fits = ReadDigits(number);
     bool floating = dot_seen;
     if (!dot_seen && current_ == '.') {
         floating = true;
-        number.Add('.');
+        fits &= number.Add('.');
         Advance();
-        ReadDigits(number);
+        fits &= ReadDigits(number);
     }
     if (current_ == 'e' || current_ == 'E') {
         floating = true;
-        number.Add('e');
-        Advance();
-        if (current_ == '+' || current_ == '-') {
-            number.Add(current_);
-            Advance();
-        }
-        if (!IsDigit())
-            error_ = SCAN_ERROR_EXPONENT;
-        ReadDigits(number);
+        fits &= ReadExponent(number);
     }
-    if (number.full)
+    if (!fits)
         error_ = SCAN_ERROR_DOUBLE_TOO_LARGE;
     number.Terminate();
     if (error_ == SCAN_ERROR_NONE)
@@ -508,39 +507,40 @@ void ScannerCore<Source, Keywords>::ReadStringPart(Collector &text) {
     Advance();
     while (current_ != '\n' && current_ != 0 && (current_ != '"' || escaped)) {
         if (current_ == '\\' && Has(SCAN_STRING_ESCAPES)) {
-            if (!ReadEscaped(text))
-                continue;
-        } else {
-            text.Add(current_);
+            ReadEscaped(text);
+            continue;
         }
+        if (!text.Add(current_))
+            error_ = SCAN_ERROR_STRING_TOO_LONG;
         escaped = !escaped && current_ == '\\';
         Advance();
     }
-    if (text.full)
-        error_ = SCAN_ERROR_STRING_TOO_LONG;
     if (current_ == '"')
         Advance();
     else
         error_ = SCAN_ERROR_STRING_OPEN;
 }
 
-// Stands on a backslash that escapes. False if the string goes on at the current character, true if behind it. An escaped line feed
-// counts as one for the place as well.
+// Stands on a backslash that escapes; afterwards where the string goes on. A quote closes the string all the same. Only there and
+// at a second backslash is want of room no error yet: it shows at the string's end. An escaped line feed counts as one for the place
+// as well.
 template <class Source, class Keywords>
-bool ScannerCore<Source, Keywords>::ReadEscaped(Collector &text) {
+void ScannerCore<Source, Keywords>::ReadEscaped(Collector &text) {
     Advance();
+    bool fits = true;
     if (current_ == 'n') {
         current_ = '\n';
-        text.Add(current_);
-        return true;
+        fits = text.Add(current_);
+    } else {
+        text.Add('\\');
+        fits = text.Add(current_);
+        if (current_ == '"')
+            return;
+        fits |= current_ == '\\';
     }
-    text.Add('\\');
-    text.Add(current_);
-    if (current_ == '\\')
-        Advance();
-    else if (current_ != '"') // a quote closes the string all the same
-        return true;
-    return false;
+    if (!fits)
+        error_ = SCAN_ERROR_STRING_TOO_LONG;
+    Advance();
 }
 
 // Stands on the opening backquote.
