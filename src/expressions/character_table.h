@@ -77,6 +77,7 @@ private:
         starts_[c] = Start::Name;
     }
     constexpr void AddPair(int lower, int upper, zr_long options);
+    constexpr void SetStart(char c, Start start) { starts_[static_cast<unsigned char>(c)] = start; }
     constexpr void FoldTo(int c, int folded) { normal_[c] = static_cast<std::uint8_t>(folded); }
     constexpr void SetSymbolStarts(zr_long options);
 
@@ -99,20 +100,21 @@ constexpr void CharacterTable::SetSymbolStarts(zr_long options) {
     const auto choose = [&](zr_long option, Start with, Start without) {
         return (options & option) != 0 ? with : without;
     };
-    starts_[' '] = Start::Blank;
-    starts_['\n'] = choose(SCAN_KEEP_EOL, Start::Symbol, Start::Blank);
+    SetStart(' ', Start::Blank);
+    SetStart('\n', choose(SCAN_KEEP_EOL, Start::Symbol, Start::Blank));
     for (const char c : {'<', '=', '>'})
-        starts_[static_cast<int>(c)] = choose(SCAN_COMPOSE_RELATIONS, Start::Relation, Start::Symbol);
-    starts_['.'] = Start::Dot;
-    starts_['+'] = starts_['-'] = choose(SCAN_SIGNED_NUMBERS, Start::Sign, Start::Mark);
-    starts_['*'] = choose(SCAN_STAR_POWER, Start::Star, Start::Mark);
-    starts_['/'] = choose(SCAN_BLOCK_COMMENT | SCAN_LINE_COMMENT, Start::Slash, Start::Mark);
-    starts_['!'] = choose(SCAN_BANG_COMMENT, Start::LineComment, Start::Mark);
-    starts_['#'] = choose(SCAN_HASH_STYLE, Start::LineComment, Start::Symbol);
-    starts_['`'] = choose(SCAN_HASH_STYLE, Start::Quoted, Start::Symbol);
-    starts_['"'] = choose(SCAN_HASH_STYLE, Start::Mark, Start::String);
-    starts_['\\'] = Start::Backslash;
-    starts_['\''] = Start::Character;
+        SetStart(c, choose(SCAN_COMPOSE_RELATIONS, Start::Relation, Start::Symbol));
+    SetStart('.', Start::Dot);
+    for (const char c : {'+', '-'})
+        SetStart(c, choose(SCAN_SIGNED_NUMBERS, Start::Sign, Start::Mark));
+    SetStart('*', choose(SCAN_STAR_POWER, Start::Star, Start::Mark));
+    SetStart('/', choose(SCAN_BLOCK_COMMENT | SCAN_LINE_COMMENT, Start::Slash, Start::Mark));
+    SetStart('!', choose(SCAN_BANG_COMMENT, Start::LineComment, Start::Mark));
+    SetStart('#', choose(SCAN_HASH_STYLE, Start::LineComment, Start::Symbol));
+    SetStart('`', choose(SCAN_HASH_STYLE, Start::Quoted, Start::Symbol));
+    SetStart('"', choose(SCAN_HASH_STYLE, Start::Mark, Start::String));
+    SetStart('\\', Start::Backslash);
+    SetStart('\'', Start::Character);
 }
 
 constexpr CharacterTable::CharacterTable(zr_long options) {

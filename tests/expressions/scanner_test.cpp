@@ -1,0 +1,781 @@
+// The scanner: options, kinds, texts, errors, places, keywords, characters, limits; and beside the plain reference.
+#include <climits>
+#include <clocale>
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <zrclb/scan.h>
+#include <zrclb/scan.hpp>
+
+#include "env/report_capture.h"
+#include "expressions/scanner.h"
+#include "expressions/scanner_comparison.h"
+#include "frame/refused_heap.h"
+
+namespace {
+
+using scan_test::Call;
+using scan_test::Comparison;
+using std::string;
+
+constexpr zr_long untouched = 77;
+
+// What the scanners of these tests read: ints, and behind them the end.
+std::vector<int> characters;
+std::size_t taken = 0;
+
+int Next() {
+    return taken < characters.size() ? characters[taken++] : 0;
+}
+
+zr_long Taken() {
+    return static_cast<zr_long>(taken);
+}
+
+void SetSource(std::vector<int> text) {
+    characters = std::move(text);
+    taken = 0;
+}
+
+void SetSource(const string &text, bool as_signed = false) {
+    std::vector<int> values;
+    for (const char c : text)
+        values.push_back(as_signed ? static_cast<signed char>(c) : static_cast<unsigned char>(c));
+    SetSource(values);
+}
+
+struct Token {
+    int error;
+    zr_long kind;
+    string text;
+    zr_long long_value;
+    double double_value;
+    zr_long row;
+    zr_long column;
+    zr_long user;
+};
+
+class Scanner : public testing::Test {
+protected:
+    ~Scanner() override { scan_close(handle); }
+
+    template <class Text>
+    void Open(zr_long options, const Text &text, const char **keywords = nullptr) {
+        scan_close(handle);
+        SetSource(text);
+        handle = scan_open_with_userdata(Next, Taken, options, keywords);
+        ASSERT_NE(handle, nullptr);
+    }
+
+    // The next token; kind, row and column are those of nobody if the call leaves them.
+    Token Read() {
+        zr_long kind = untouched;
+        raw->row = raw->column = untouched;
+        std::memset(raw->text, 'U', sizeof raw->text);
+        const int error = scan_token(handle, &kind, raw.get());
+        const void *end = std::memchr(raw->text, 0, sizeof raw->text);
+        const std::size_t length =
+            end != nullptr ? static_cast<std::size_t>(static_cast<const char *>(end) - raw->text) : sizeof raw->text;
+        return {error,       kind,     string(raw->text, length), raw->longValue, raw->doubleValue, raw->row,
+                raw->column, raw->user};
+    }
+
+    // All tokens up to the end, "kind:text", with the error in front of those that have one; parted by blanks.
+    string All() {
+        string all;
+        for (int i = 0; i < 1000; ++i) {
+            const Token token = Read();
+            if (token.kind == SCAN_KIND_END)
+                return all;
+            all += all.empty() ? "" : " ";
+            all += token.error != 0 ? "!" + std::to_string(token.error) + "!" : "";
+            all += std::to_string(token.kind) + ":" + token.text;
+        }
+        return all + " and no end";
+    }
+    string All(zr_long options, const string &text, const char **keywords = nullptr) {
+        Open(options, text, keywords);
+        return All();
+    }
+    Token First(zr_long options, const string &text, const char **keywords = nullptr) {
+        Open(options, text, keywords);
+        return Read();
+    }
+
+    CZrScanner *handle = nullptr;
+    std::unique_ptr<ZrScanToken> raw = std::make_unique<ZrScanToken>();
+};
+
+TEST_F(Scanner, PlainText_GivesTheOrdinaryKinds) {
+    EXPECT_EQ(All(0, "abc 12 3.5 'x' \"s\""), "6:abc 7:12 8:3.5 9:x 10:s");
+    EXPECT_EQ(Read().kind, 44); // and so on for ever
+    EXPECT_EQ(Read().kind, 44);
+    EXPECT_EQ(Read().text, " ");
+}
+
+TEST_F(Scanner, Symbols_EachHaveTheirKind) {
+    EXPECT_EQ(
+        All(0, "=#,;.:+-*/^<>(){}[]$@%&?!|~"),
+        "12:= 13:# 14:, 15:; 16:. 17:: 18:+ 19:- 20:* 21:/ 22:^ 23:< 24:> 27:( 28:) 29:{ 30:} 31:[ 32:] 33:$ 34:@ 35:% "
+        "36:& 37:? 38:! 39:| 41:~");
+    EXPECT_EQ(All(0, "` \x7f \x80 \xff"), "0:` 0:\x7f 0:\x80 0:\xff");
+    EXPECT_EQ(All(SCAN_HASH_STYLE, "\""), "42:\"");
+}
+
+TEST_F(Scanner, UserFunction_IsAskedForNamesAndSymbolsBeforeMoreIsRead) {
+    Open(SCAN_COMPOSE_RELATIONS, "ab =( <= 'c' 1 \"s\" + - . / * ! \\");
+    EXPECT_EQ(Read().user, 3); // a name ends where another character is read
+    EXPECT_EQ(Read().user, 4); // "=" is the character read ahead
+    EXPECT_EQ(Read().user, 5);
+    const Token composed = Read();
+    EXPECT_EQ(composed.text, "<=");
+    EXPECT_EQ(composed.user, 7);
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(Read().user, 0) << i;
+    const Token end = Read();
+    EXPECT_EQ(end.kind, 44);
+    EXPECT_EQ(end.user, static_cast<zr_long>(characters.size()));
+}
+
+TEST_F(Scanner, SignedNumbers_TakeTheSignOfASumToo) {
+    EXPECT_EQ(All(0, "a+1"), "6:a 18:+ 7:1");
+    EXPECT_EQ(All(SCAN_SIGNED_NUMBERS, "a+1"), "6:a 7:1");
+    EXPECT_EQ(First(SCAN_SIGNED_NUMBERS, "-12").long_value, -12);
+    EXPECT_EQ(First(SCAN_SIGNED_NUMBERS, "+12").text, "12");
+    EXPECT_EQ(First(SCAN_SIGNED_NUMBERS, "-.5").double_value, -0.5);
+    EXPECT_EQ(First(SCAN_SIGNED_NUMBERS, "-.5").text, "-.5");
+    EXPECT_TRUE(std::signbit(First(SCAN_SIGNED_NUMBERS, "-0.0").double_value));
+    EXPECT_EQ(All(SCAN_SIGNED_NUMBERS, "- 1 -x --1"), "19:- 7:1 19:- 6:x 19:- 7:-1");
+}
+
+TEST_F(Scanner, SignAndDot_OweTheDot) {
+    EXPECT_EQ(All(SCAN_SIGNED_NUMBERS, "+.x -."), "18:+ 16:. 6:x 19:- 16:.");
+    Open(SCAN_SIGNED_NUMBERS, " +.x");
+    const Token sign = Read();
+    EXPECT_EQ(sign.column, 1);
+    const std::size_t before = taken;
+    const Token dot = Read();
+    EXPECT_EQ(taken, before); // the source is not looked at
+    EXPECT_EQ(dot.error, 0);
+    EXPECT_EQ(dot.row, untouched);
+    EXPECT_EQ(dot.column, untouched);
+    EXPECT_EQ(Read().column, 3);
+    Open(SCAN_SIGNED_NUMBERS, "+.x");
+    Read();
+    scan_reset(handle);         // forgets the dot
+    EXPECT_EQ(Read().kind, 44); // and the "x" that was read ahead
+}
+
+TEST_F(Scanner, Numbers_TakeWhatBelongsToThem) {
+    EXPECT_EQ(All(0, ".5 . 1. 1.e5 1e5 1E+5 1e-5 1.2.3"), "8:.5 16:. 8:1. 8:1.e5 8:1e5 8:1e+5 8:1e-5 8:1.2 8:.3");
+    EXPECT_EQ(First(0, "1e5").double_value, 1e5);
+    EXPECT_EQ(First(0, "1.").double_value, 1.0);
+    EXPECT_EQ(First(0, ".25E2").double_value, 25.0);
+    EXPECT_EQ(First(0, "12").long_value, 12);
+    EXPECT_EQ(First(0, "12").double_value, 0.0);
+    EXPECT_EQ(All(0, "0x1f 5a"), "7:0 6:x1f 7:5 6:a");
+    EXPECT_EQ(First(SCAN_UPPER, "1e5").text, "1e5");
+}
+
+TEST_F(Scanner, ExponentWithoutDigits_IsAnErrorThatLeavesTheKind) {
+    for (const char *text : {"1e", "1.5e+ ", ".5e-x", "7ex"}) {
+        const Token token = First(0, text);
+        EXPECT_EQ(token.error, 6) << text;
+        EXPECT_EQ(token.kind, untouched) << text;
+        EXPECT_EQ(token.double_value, 0.0) << text;
+        EXPECT_EQ(token.long_value, 0) << text;
+    }
+    EXPECT_EQ(First(0, ".5e-x").text, ".5e-");
+}
+
+TEST_F(Scanner, Longs_Have32Bits) {
+    EXPECT_EQ(First(0, "2147483647").long_value, 2147483647);
+    EXPECT_EQ(First(0, "2147483647").kind, 7);
+    EXPECT_EQ(First(0, "2147483648").kind, 8);
+    EXPECT_EQ(First(0, "4294967296").kind, 8);
+    EXPECT_EQ(First(0, "4294967296").double_value, 4294967296.0);
+    EXPECT_EQ(First(0, "4294967296").long_value, 0);
+    EXPECT_EQ(First(SCAN_SIGNED_NUMBERS, "-2147483648").long_value, INT_MIN);
+    EXPECT_EQ(First(SCAN_SIGNED_NUMBERS, "-2147483648").kind, 7);
+    EXPECT_EQ(First(SCAN_SIGNED_NUMBERS, "-2147483649").double_value, -2147483649.0);
+}
+
+TEST_F(Scanner, NumbersBeyondADouble_AreErrors) {
+    const struct {
+        string text;
+        int error;
+    } cases[] = {{string(400, '9'), 9}, {"1e309", 10},         {"1e-400", 11},
+                 {"0.0e-400", 0},       {"4.9e-324", 0},       {string(400, '9') + ".0", 10},
+                 {"1e99999999999", 10}, {"1e-99999999999", 11}};
+    for (const auto &[text, error] : cases) {
+        const Token token = First(0, text);
+        EXPECT_EQ(token.error, error) << text;
+        EXPECT_EQ(token.kind, error == 0 ? 8 : untouched) << text;
+        EXPECT_EQ(token.text, text);
+        EXPECT_TRUE(error == 0 || token.double_value == 0.0) << text;
+    }
+}
+
+TEST_F(Scanner, AnEarlierOverflow_DoesNotSpoilALaterZero) {
+    Open(0, "1e-999 0.0 1e999 0.0 2147483647");
+    EXPECT_EQ(Read().error, 11);
+    EXPECT_EQ(Read().error, 0);
+    EXPECT_EQ(Read().error, 10);
+    const Token zero = Read();
+    EXPECT_EQ(zero.error, 0);
+    EXPECT_EQ(zero.kind, 8);
+    EXPECT_EQ(Read().kind, 7);
+}
+
+TEST_F(Scanner, Numbers_IgnoreTheProcessLocale) {
+    bool comma = false;
+    for (const char *name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "German_Germany.1252", "fr_FR.UTF-8"})
+        comma = comma || (std::setlocale(LC_ALL, name) != nullptr && *std::localeconv()->decimal_point == ',');
+    const string all = All(0, "1.5 1,5");
+    const double value = First(0, "1.00000000000000000000000000000000000000005").double_value;
+    const double half = First(0, "2.5").double_value;
+    std::setlocale(LC_ALL, "C");
+    EXPECT_EQ(all, "8:1.5 7:1 14:, 7:5");
+    EXPECT_EQ(value, 1.0);
+    EXPECT_EQ(half, 2.5);
+    if (!comma)
+        GTEST_SKIP() << "no locale with a decimal comma is installed";
+}
+
+TEST_F(Scanner, NumberAtTheLimit_IsConvertedWithoutATerminator) {
+    EXPECT_EQ(First(0, string(4094, '0') + "7").long_value, 7);
+    const Token full = First(0, string(4095, '0') + "7");
+    EXPECT_EQ(full.error, 0);
+    EXPECT_EQ(full.kind, 7);
+    EXPECT_EQ(full.long_value, 7);
+    EXPECT_EQ(full.text.size(), 4096U); // no terminator
+    const Token large = First(0, string(4096, '1') + " x");
+    EXPECT_EQ(large.error, 9);
+    EXPECT_EQ(large.kind, untouched);
+    for (const std::size_t length : {std::size_t{4097}, std::size_t{100000}}) {
+        const Token longer = First(0, string(length, '1') + " x");
+        EXPECT_EQ(longer.error, 10);
+        EXPECT_EQ(longer.kind, untouched);
+        EXPECT_EQ(longer.text, string(4096, '1'));
+        EXPECT_EQ(Read().column, static_cast<zr_long>(length + 1)); // it was read to its end
+    }
+    EXPECT_EQ(First(0, "0." + string(4094, '0')).error, 0);
+    EXPECT_EQ(First(0, "0." + string(4095, '0')).error, 10);
+    EXPECT_EQ(First(0, string(4096, '0') + "e1").error, 10);
+    EXPECT_EQ(First(0, string(4096, '0') + ".").error, 10);
+    EXPECT_EQ(First(0, string(4094, '0') + "e+1").error, 10);
+}
+
+TEST_F(Scanner, ComposedRelations_HaveOneTokenOfTwoCharacters) {
+    EXPECT_EQ(All(SCAN_COMPOSE_RELATIONS, "<= =< >= => <> >< == << >> < > = <<= =a"),
+              "25:<= 25:=< 26:>= 26:=> 13:<> 13:>< 12:== 23:<< 24:>> 23:< 24:> 12:= 23:<< 12:= 12:= 6:a");
+    EXPECT_EQ(All(0, "<= =< >= => <> >< =="), "23:< 12:= 12:= 23:< 24:> 12:= 12:= 24:> 23:< 24:> 24:> 23:< 12:= 12:=");
+}
+
+TEST_F(Scanner, HashStyle_HasCommentsAndQuotedStrings) {
+    EXPECT_EQ(All(0, "a # b"), "6:a 13:# 6:b");
+    EXPECT_EQ(All(SCAN_HASH_STYLE, "a # b\nc `d e' \" `x\\'y' ``'"), "6:a 6:c 11:d e 42:\" 11:x\\'y 11:`");
+    EXPECT_EQ(All(SCAN_HASH_STYLE | SCAN_KEEP_EOL, "a # b\nc"), "6:a 43:  6:c");
+    EXPECT_EQ(First(SCAN_HASH_STYLE, "`d e'").long_value, 3);
+    EXPECT_EQ(First(SCAN_HASH_STYLE, "`\\\\'").text, "\\\\");
+    const Token open = First(SCAN_HASH_STYLE, "`abc\n");
+    EXPECT_EQ(open.error, 4);
+    EXPECT_EQ(open.kind, 11);
+    EXPECT_EQ(open.text, "abc");
+    EXPECT_EQ(open.long_value, 3);
+    EXPECT_EQ(First(SCAN_HASH_STYLE, "`" + string(4095, 'q') + "'").error, 0);
+    const Token full = First(SCAN_HASH_STYLE, "`" + string(4096, 'q') + "'");
+    EXPECT_EQ(full.error, 2);
+    EXPECT_EQ(full.text, string(4096, 'q'));
+    EXPECT_EQ(full.long_value, 0);
+    EXPECT_EQ(First(SCAN_HASH_STYLE, "`" + string(100000, 'q')).error, 2);
+}
+
+TEST_F(Scanner, Comments_ArePassedOver) {
+    EXPECT_EQ(All(0, "/*a*/ //b"), "21:/ 20:* 6:a 20:* 21:/ 21:/ 21:/ 6:b");
+    EXPECT_EQ(All(SCAN_BLOCK_COMMENT, "/*a\n*/b /*/c /* /* */ d /x //"), "6:b 6:c 6:d 21:/ 6:x 21:/ 21:/");
+    EXPECT_EQ(All(SCAN_BLOCK_COMMENT, "a /* open *"), "6:a");
+    EXPECT_EQ(All(SCAN_LINE_COMMENT, "a // b\nc / d // e"), "6:a 6:c 21:/ 6:d");
+    EXPECT_EQ(All(SCAN_LINE_COMMENT | SCAN_KEEP_EOL, "a // b\nc"), "6:a 43:  6:c");
+    EXPECT_EQ(All(SCAN_BANG_COMMENT, "a ! b\nc !"), "6:a 6:c");
+    EXPECT_EQ(All(0, "a ! b"), "6:a 38:! 6:b");
+    Open(SCAN_BLOCK_COMMENT, "/* 1\n2 */ a");
+    const Token token = Read();
+    EXPECT_EQ(token.row, 1);
+    EXPECT_EQ(token.column, 5);
+}
+
+TEST_F(Scanner, StarPower_ReadsTwoStarsAsOneToken) {
+    EXPECT_EQ(All(SCAN_STAR_POWER, "a**b*c***"), "6:a 22:^ 6:b 20:* 6:c 22:^ 20:*");
+    EXPECT_EQ(All(0, "a**b"), "6:a 20:* 20:* 6:b");
+}
+
+TEST_F(Scanner, LineFeeds_AreBlanksOrTokens) {
+    EXPECT_EQ(All(0, "a\n\nb"), "6:a 6:b");
+    EXPECT_EQ(All(SCAN_KEEP_EOL, "a\n\nb"), "6:a 43:  43:  6:b");
+}
+
+TEST_F(Scanner, ControlCharacters_AreBlanks) {
+    EXPECT_EQ(All(0, "a\tb\r\n\x01\x1f\x0b"
+                     "c"),
+              "6:a 6:b 6:c");
+    EXPECT_EQ(All(0, "\"a\tb\rc\""), "10:a b c");
+}
+
+TEST_F(Scanner, Folding_ChangesWhatIsRead) {
+    EXPECT_EQ(All(SCAN_UPPER, "abc 'x' \"Str\" [`"), "6:ABC 9:X 10:STR 31:[ 0:`");
+    EXPECT_EQ(All(SCAN_LOWER, "ABC 'X' \"Str\" @Z"), "6:abc 9:x 10:str 34:@ 6:z");
+    EXPECT_EQ(All(SCAN_LOWER | SCAN_UPPER, "aB"), "6:ab"); // lower wins
+    const char *keywords[] = {"ABC", nullptr};
+    EXPECT_EQ(First(SCAN_UPPER, "abc", keywords).kind, 5);
+    EXPECT_EQ(First(SCAN_LOWER, "ABC", keywords).kind, 6);
+}
+
+TEST_F(Scanner, Umlauts_AreLettersByOption) {
+    const string lower = "\x84\x94\x81\xe1";
+    const string upper = "\x8e\x99\x9a\xe1";
+    EXPECT_EQ(All(SCAN_UMLAUTS, lower + " " + upper + "a1"), "6:" + lower + " 6:" + upper + "a1");
+    EXPECT_EQ(All(SCAN_UMLAUTS | SCAN_LOWER, upper), "6:" + lower);
+    EXPECT_EQ(All(SCAN_UMLAUTS | SCAN_UPPER, lower), "6:" + upper);
+    EXPECT_EQ(All(0, "\x84\x8e"), "0:\x84 0:\x8e");
+    EXPECT_EQ(All(SCAN_UPPER, "\x84"), "0:\x84"); // nor do they fold
+    EXPECT_EQ(All(SCAN_LOWER, "\"\x8e\x99\x9a\""), "10:\x8e\x99\x9a");
+}
+
+TEST_F(Scanner, BytesOfASignedSource_AreClassifiedByRange) {
+    for (const zr_long options : {zr_long{0}, zr_long{SCAN_UMLAUTS | SCAN_LOWER}}) {
+        scan_close(handle);
+        SetSource("\x84 \"\xe1\" \x80", true);
+        handle = scan_open(Next, options, nullptr);
+        const Token letter = Read();
+        EXPECT_EQ(letter.kind, 0);
+        EXPECT_EQ(letter.text, " "); // it lies below the blank
+        EXPECT_EQ(All(), "10:\xe1 0: ");
+    }
+    Open(0, std::vector<int>{'a', ' ', -1, 'b', 'c'});
+    EXPECT_EQ(All(), "6:a"); // byte FF ends the input
+    EXPECT_EQ(Read().kind, 44);
+    EXPECT_EQ(taken, 3U); // and the end is not asked again
+}
+
+TEST_F(Scanner, Characters_MayBeAnyInt) {
+    const std::vector<int> text = {'\'', 1000, '\'', 256, INT_MAX, INT_MIN, -2, '"', 256 + 'A', '"', 'a', 256 + 'b'};
+    Open(SCAN_UPPER | SCAN_UMLAUTS, text);
+    const Token character = Read();
+    EXPECT_EQ(character.kind, 9);
+    EXPECT_EQ(character.long_value, 1000);
+    EXPECT_EQ(Read().kind, 0);
+    EXPECT_EQ(Read().text, "\xff");
+    EXPECT_EQ(Read().text, " ");
+    EXPECT_EQ(Read().text, " ");
+    EXPECT_EQ(All(), "10:A 6:A 0:b");
+}
+
+TEST_F(Scanner, TheEnd_IsZeroOrMinusOne) {
+    Open(0, std::vector<int>{'a', 0, 'b'});
+    EXPECT_EQ(All(), "6:a");
+    Open(0, std::vector<int>{'a', -1, 'b'});
+    EXPECT_EQ(All(), "6:a");
+    EXPECT_EQ(First(0, "").kind, 44);
+    EXPECT_EQ(raw->row, 0);
+    EXPECT_EQ(raw->column, 0);
+}
+
+TEST_F(Scanner, ApostropheNames_HaveNoCharacterLiterals) {
+    EXPECT_EQ(All(SCAN_APOSTROPHE_NAMES, "a' 'b' '1 1'"), "6:a' 6:'b' 6:'1 7:1 6:'");
+    EXPECT_EQ(All(0, "a'b'"), "6:a 9:b");
+}
+
+TEST_F(Scanner, CharacterLiterals_HaveTheirValues) {
+    const struct {
+        const char *text;
+        zr_long value;
+        const char *content;
+        int error;
+    } cases[] = {{"'x'", 'x', "x", 0},
+                 {"'\\101'", 65, "\\101", 0},
+                 {"'\\7'", 7, "\\7", 0},
+                 {"'\\99'", 81, "\\99", 0}, // eights and nines count
+                 {"'\\1234'", 83, "\\123", 3},
+                 {"'\\x41'", 65, "\\x41", 0},
+                 {"'\\X4a'", 74, "\\X4a", 0},
+                 {"'\\xaBc'", 0xABC, "\\xaBc", 0},
+                 {"'\\xaBcd'", 0xABC, "\\xaBc", 3},
+                 {"'\\xg'", 0, "\\x", 3},
+                 {"'\\x'", 0, "\\x", 0},
+                 {"'\\a'", 7, "\\a", 0},
+                 {"'\\b'", 8, "\\b", 0},
+                 {"'\\f'", 12, "\\f", 0},
+                 {"'\\n'", 10, "\\n", 0},
+                 {"'\\r'", 13, "\\r", 0},
+                 {"'\\t'", 9, "\\t", 0},
+                 {"'\\v'", 11, "\\v", 0},
+                 {"'\\''", '\'', "\\'", 0},
+                 {"'\\\"'", '"', "\\\"", 0},
+                 {"'\\\\'", '\\', "\\\\", 0},
+                 {"'\\q'", 32, "\\q", 7},
+                 {"'\\N'", 32, "\\N", 7}, // the case counts
+                 {"'\\q", 32, "\\q", 3},
+                 {"'ab'", 'a', "a", 3},
+                 {"''", '\'', "'", 3},
+                 {"'''", '\'', "'", 0},
+                 {"'\n'", '\n', "\n", 0},
+                 {"'", 0, "", 3},
+                 {"'\\", 32, "\\", 3}};
+    for (const auto &[text, value, content, error] : cases) {
+        const Token token = First(0, text);
+        EXPECT_EQ(token.kind, 9) << text;
+        EXPECT_EQ(token.long_value, value) << text;
+        EXPECT_EQ(token.text, content) << text;
+        EXPECT_EQ(token.error, error) << text;
+    }
+}
+
+TEST_F(Scanner, Strings_EndAtTheirQuote) {
+    EXPECT_EQ(First(0, "\"abc\"").long_value, 3);
+    EXPECT_EQ(All(0, "\"\" \"a'b`c\""), "10: 10:a'b`c");
+    EXPECT_EQ(All(0, "\"a\\\"b\\\\\" x"), "10:a\\\"b\\\\ 6:x"); // backslashes stay, one hides a quote
+    const Token open = First(0, "\"abc\n");
+    EXPECT_EQ(open.error, 4);
+    EXPECT_EQ(open.kind, 10);
+    EXPECT_EQ(open.text, "abc");
+    EXPECT_EQ(open.long_value, 3);
+    EXPECT_EQ(First(0, "\"abc").error, 4);
+}
+
+TEST_F(Scanner, StringEscapes_AreTaken) {
+    for (const zr_long option : {0x20000, 0x40000, 0x60000}) {
+        EXPECT_EQ(All(option, "\"a\\nb\" \"\\\\\" \"\\q\""), "10:a\nb 10:\\\\ 10:\\q");
+        EXPECT_EQ(All(option, "\"a\\\"b"), "10:a\\\" 6:b"); // the quote closes all the same
+    }
+    Open(SCAN_STRING_ESCAPES, "\"a\\nb\" c"); // the line feed counts for the place
+    EXPECT_EQ(Read().long_value, 3);
+    const Token behind = Read();
+    EXPECT_EQ(behind.row, 1);
+    EXPECT_EQ(behind.column, 3);
+}
+
+TEST_F(Scanner, JoinedStrings_AreOne) {
+    const Token token = First(SCAN_STRING_JOIN, "\"ab\"\\ \n \"cd\"\\\"e\" f");
+    EXPECT_EQ(token.text, "abcde");
+    EXPECT_EQ(token.long_value, 5);
+    EXPECT_EQ(Read().text, "f");
+    EXPECT_EQ(All(0, "\"ab\"\\\"cd\""), "10:ab 77:\\ 10:cd");
+    EXPECT_EQ(First(SCAN_STRING_JOIN, "\"ab\"\\").error, 4);
+    EXPECT_EQ(First(SCAN_STRING_JOIN, "\"ab\"\\xcd\"").text, "abcd"); // whatever stands where the quote should
+    EXPECT_EQ(All(SCAN_STRING_JOIN, "\"ab\n\\\"cd\""), "!4!10:ab 77:\\ 10:cd"); // none behind an error
+}
+
+TEST_F(Scanner, AMillionJoinedStrings_AreReadInALoop) {
+    string text;
+    for (int i = 0; i < 1000000; ++i)
+        text += i % 1000 == 0 ? "\"a\"\\" : "\"\"\\";
+    const Token token = First(SCAN_STRING_JOIN, text + "\"b\" c");
+    EXPECT_EQ(token.error, 0);
+    EXPECT_EQ(token.text, string(1000, 'a') + "b");
+    EXPECT_EQ(Read().text, "c");
+}
+
+TEST_F(Scanner, StringAtTheLimit_HasNoTerminator) {
+    const Token fits = First(0, "\"" + string(4095, 's') + "\"");
+    EXPECT_EQ(fits.error, 0);
+    EXPECT_EQ(fits.long_value, 4095);
+    for (const std::size_t length : {std::size_t{4096}, std::size_t{4097}, std::size_t{100000}}) {
+        const Token full = First(0, "\"" + string(length, 's') + "\" x");
+        EXPECT_EQ(full.error, 2);
+        EXPECT_EQ(full.kind, 10);
+        EXPECT_EQ(full.text, string(4096, 's'));
+        EXPECT_EQ(full.long_value, 0);
+        EXPECT_EQ(raw->doubleValue, 0.0);
+        EXPECT_EQ(Read().text, "x");
+    }
+    EXPECT_EQ(First(0, "\"" + string(4096, 's') + "\n").error, 2); // rather than open
+    EXPECT_EQ(First(SCAN_STRING_JOIN, "\"" + string(4095, 's') + "\"\\\"s\"").error, 2);
+    EXPECT_EQ(First(SCAN_STRING_ESCAPES, "\"" + string(4095, 's') + "\\\\\"").error, 2);
+    // Want of room shows late behind an escape, so that the next part is read still.
+    EXPECT_EQ(All(0xE0000, "\"" + string(4096, 's') + "\\\\\"\\\"t\" x").substr(4103), "6:x");
+    EXPECT_EQ(All(0xE0000, "\"" + string(4097, 's') + "\"\\\"t\" x").substr(4103), "77:\\ 10:t 6:x");
+}
+
+TEST_F(Scanner, NameAtTheLimit_IsLookedUpNoMore) {
+    const string fits(4095, 'n');
+    const string full(4096, 'n');
+    const char *keywords[] = {"a", fits.c_str(), full.c_str(), nullptr};
+    EXPECT_EQ(First(0, fits, keywords).kind, 5);
+    EXPECT_EQ(First(0, fits).long_value, 4095);
+    for (const std::size_t length : {std::size_t{4096}, std::size_t{4097}, std::size_t{100000}}) {
+        const Token token = First(0, string(length, 'n') + " x", keywords);
+        EXPECT_EQ(token.error, 1);
+        EXPECT_EQ(token.kind, 6);
+        EXPECT_EQ(token.text, full);
+        EXPECT_EQ(token.long_value, 0);
+        EXPECT_EQ(token.double_value, 0.0);
+        const Token next = Read();
+        EXPECT_EQ(next.error, 0);
+        EXPECT_EQ(next.column, static_cast<zr_long>(length + 1));
+    }
+}
+
+TEST_F(Scanner, Backslash_JoinsLinesOrHasNoKind) {
+    EXPECT_EQ(All(SCAN_BACKSLASH_JOIN | SCAN_KEEP_EOL, "a \\ \t\n b \\\\ c"), "6:a 6:b 77:\\ 77:\\ 6:c");
+    EXPECT_EQ(All(SCAN_KEEP_EOL, "a \\ \n b"), "6:a 77:\\ 43:  6:b");
+    EXPECT_EQ(All(0, "\\a"), "77:\\ 6:a");
+    const Token token = First(SCAN_BACKSLASH_JOIN, "\\\n  b");
+    EXPECT_EQ(token.row, 1);
+    EXPECT_EQ(token.column, 2);
+}
+
+TEST_F(Scanner, Places_CountFromZero) {
+    Open(0, "  ab\n+ \n\n  \tc 12");
+    const zr_long places[][2] = {{0, 2}, {1, 0}, {3, 3}, {3, 5}, {3, 7}};
+    for (const auto &place : places) {
+        const Token token = Read();
+        EXPECT_EQ(token.row, place[0]) << token.text;
+        EXPECT_EQ(token.column, place[1]) << token.text;
+    }
+    Read();
+    EXPECT_EQ(raw->column, 7); // the end stays where it is
+}
+
+TEST_F(Scanner, Keywords_GiveTheirPlaceInTheCallersList) {
+    const char *keywords[] = {"while", "if", "else", "do", "_x", "If", nullptr};
+    for (zr_long i = 0; keywords[i] != nullptr; ++i) {
+        const Token token = First(0, keywords[i], keywords);
+        EXPECT_EQ(token.kind, 5);
+        EXPECT_EQ(token.long_value, i);
+        EXPECT_EQ(token.text, keywords[i]);
+    }
+    for (const char *name : {"whil", "whilex", "WHILE", "i", "eLse", "zz", "a", "d", "dn", "dp"}) {
+        const Token token = First(0, name, keywords);
+        EXPECT_EQ(token.kind, 6) << name;
+        EXPECT_EQ(token.long_value, static_cast<zr_long>(std::strlen(name)));
+    }
+    EXPECT_STREQ(keywords[0], "while"); // the list stays as it is
+}
+
+TEST_F(Scanner, KeywordsNoCase_MatchAnyCase) {
+    const char *keywords[] = {"While", "IF", "x_Y1", nullptr};
+    for (const char *name : {"while", "WHILE", "wHiLe"})
+        EXPECT_EQ(First(SCAN_KEYWORDS_NOCASE, name, keywords).long_value, 0);
+    const Token token = First(SCAN_KEYWORDS_NOCASE, "X_y1", keywords);
+    EXPECT_EQ(token.kind, 5);
+    EXPECT_EQ(token.long_value, 2);
+    EXPECT_EQ(token.text, "X_y1"); // as read
+    EXPECT_EQ(First(SCAN_KEYWORDS_NOCASE, "xXY1", keywords).kind, 6);
+}
+
+TEST_F(Scanner, FewKeywords_AreFound) {
+    const char *none[] = {nullptr};
+    const char *one[] = {"a", nullptr};
+    const char *two[] = {"b", "a", nullptr};
+    EXPECT_EQ(First(0, "a", none).kind, 6);
+    EXPECT_EQ(First(0, "a", one).kind, 5);
+    EXPECT_EQ(First(0, "b", one).kind, 6);
+    EXPECT_EQ(First(0, "a", two).long_value, 1);
+    EXPECT_EQ(First(0, "b", two).long_value, 0);
+    EXPECT_EQ(First(0, "ab", two).kind, 6);
+}
+
+TEST_F(Scanner, Reset_ForgetsPlaceAndWhatWasReadAhead) {
+    Open(0, "a\nbc d");
+    Read();
+    Read();
+    EXPECT_EQ(scan_reset(handle), handle);
+    const Token token = Read(); // the blank behind "bc" is forgotten
+    EXPECT_EQ(token.text, "d");
+    EXPECT_EQ(token.row, 0);
+    EXPECT_EQ(token.column, 0);
+    taken = 0;
+    scan_reset(handle);
+    EXPECT_EQ(Read().text, "a");
+}
+
+TEST_F(Scanner, NullArguments_DoNothing) {
+    zr_long kind = untouched;
+    char c = 'Q';
+    Open(0, "a");
+    EXPECT_EQ(scan_token(nullptr, &kind, raw.get()), -1);
+    EXPECT_EQ(scan_token(handle, nullptr, raw.get()), -1);
+    EXPECT_EQ(scan_token(handle, &kind, nullptr), -1);
+    for (auto *read : {scan_character, scan_character_ex}) {
+        read(nullptr, &kind, &c);
+        read(handle, nullptr, &c);
+        read(handle, &kind, nullptr);
+    }
+    EXPECT_EQ(kind, untouched);
+    EXPECT_EQ(c, 'Q');
+    EXPECT_EQ(taken, 0U);
+    EXPECT_EQ(scan_reset(nullptr), nullptr);
+    scan_close(nullptr);
+}
+
+TEST_F(Scanner, NoSource_IsAnEmptyInput) {
+    handle = scan_open(nullptr, 0, nullptr);
+    EXPECT_EQ(Read().kind, 44);
+    EXPECT_EQ(raw->user, 0); // nor is there a user function
+}
+
+class ScanCharacters : public Scanner {
+protected:
+    // Classes and characters, "class:character", of so many calls.
+    string Characters(int count, bool comments) {
+        string all;
+        for (int i = 0; i < count; ++i) {
+            zr_long kind = untouched;
+            char c = 'Q';
+            (comments ? scan_character_ex : scan_character)(handle, &kind, &c);
+            all += (i > 0 ? " " : "") + std::to_string(kind) + ":" + (c != 0 ? string(1, c) : "");
+        }
+        return all;
+    }
+};
+
+TEST_F(ScanCharacters, EachHasItsClass) {
+    Open(0, "aZ_0\t\n\x84'\x7f");
+    EXPECT_EQ(Characters(12, false), "4:  1:a 1:Z 3:_ 2:0 4:  43:\n 3:\x84 3:' 3:\x7f 44: 44:");
+    Open(SCAN_UMLAUTS | SCAN_APOSTROPHE_NAMES | SCAN_UPPER, "\x84\xe1'b");
+    EXPECT_EQ(Characters(6, false), "4:  1:\x8e 1:\xe1 3:' 1:B 44:");
+    Open(0, std::vector<int>{-2, -128, 256 + 'a', 300});
+    EXPECT_EQ(Characters(5, false), "4:  0:\xfe 0:\x80 3:a 3:,");
+}
+
+TEST_F(ScanCharacters, Comments_ArePassedOverByTheExtendedCallOnly) {
+    constexpr zr_long options = SCAN_BLOCK_COMMENT | SCAN_LINE_COMMENT;
+    Open(options, "a/*b*/c");
+    EXPECT_EQ(Characters(8, false), "4:  1:a 3:/ 3:* 1:b 3:* 3:/ 1:c");
+    Open(options, "a/*b*/c//d\ne");
+    EXPECT_EQ(Characters(6, true), "4:  1:a 1:c 43:\n 1:e 44:");
+    Open(options, "a/b");
+    EXPECT_EQ(Characters(4, true), "4:  1:a 1:b 44:"); // a plain slash is lost
+    Open(0, "a/*b");
+    EXPECT_EQ(Characters(4, true), "4:  1:a 3:* 1:b");
+}
+
+TEST_F(ScanCharacters, MixWithTokens) {
+    Open(0, "ab cd");
+    EXPECT_EQ(Read().text, "ab");
+    EXPECT_EQ(Characters(2, false), "4:  1:c");
+    const Token token = Read();
+    EXPECT_EQ(token.text, "d");
+    EXPECT_EQ(token.column, 4);
+}
+
+// The class form.
+class TextSource : public IZrScannerGetChar {
+public:
+    explicit TextSource(const char *text) : text_(text) {}
+    int GetChar() override { return *text_ != 0 ? *text_++ : -1; }
+
+private:
+    const char *text_;
+};
+
+TEST(ScannerObject, ReadsFromASourceObject) {
+    TextSource source("ab 12");
+    const char *keywords[] = {"ab", nullptr};
+    CZrScanner scanner(&source, 0, keywords);
+    const auto token = std::make_unique<ZrScanToken>();
+    zr_long kind = untouched;
+    EXPECT_EQ(scanner.NextToken(kind, *token), 0);
+    EXPECT_EQ(kind, 5);
+    EXPECT_EQ(token->user, 0);
+    EXPECT_EQ(scanner.NextToken(kind, *token), 0);
+    EXPECT_EQ(token->longValue, 12);
+    EXPECT_EQ(scanner.NextToken(kind, *token), 0);
+    EXPECT_EQ(kind, 44);
+}
+
+TEST_F(Scanner, NoMemoryForTheScanner_GivesNull) {
+    SetSource("a");
+    {
+        zr::test::HeapRefusal refusal(0);
+        EXPECT_EQ(scan_open(Next, 0, nullptr), nullptr);
+        EXPECT_TRUE(refusal.Met());
+    }
+}
+
+TEST_F(Scanner, NoMemoryForTheKeywords_LeavesAScannerWithoutThem) {
+    const char *keywords[] = {"if", "else", "do", nullptr};
+    zr::test::ReportCapture reports;
+    SetSource("if 12");
+    {
+        zr::test::HeapRefusal refusal(1);
+        handle = scan_open(Next, 0, keywords);
+        EXPECT_TRUE(refusal.Met());
+    }
+    ASSERT_NE(handle, nullptr);
+    EXPECT_EQ(reports.Take(), zr::test::Reports{zr::test::Error("Scan", "Nicht gen\xFCgend Speicher")});
+    EXPECT_EQ(All(), "6:if 7:12");
+    EXPECT_EQ(reports.Take(), zr::test::Reports{});
+}
+
+// Texts of pieces that mean something to the scanner, under random options and calls.
+class Pieces {
+public:
+    explicit Pieces(unsigned seed) : random_(seed) {}
+
+    Comparison::Case Make() {
+        static const std::vector<string> keywords = {"if",
+                                                     "IF",
+                                                     "else",
+                                                     "x",
+                                                     "e5",
+                                                     "ab'",
+                                                     "\x84"
+                                                     "b",
+                                                     "if"};
+        Comparison::Case made;
+        made.options = static_cast<zr_long>(random_() & 0xFFFFF & ~unsigned{SCAN_TRACE});
+        made.keywords.assign(keywords.begin(), keywords.begin() + Below(static_cast<int>(keywords.size()) + 1));
+        for (int i = Below(60); i >= 0; --i)
+            Append(made.text);
+        if (Below(3) == 0) {
+            made.calls.clear();
+            for (int i = 0; i < 5; ++i)
+                made.calls.push_back(static_cast<Call>(Below(2) * Below(5)));
+        }
+        return made;
+    }
+
+private:
+    int Below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
+
+    void Append(std::vector<int> &text) {
+        static const char *const pieces[] = {
+            "if",   "IF",       "else",        "x",       "e5",       "ab'",     "name_1",
+            "\x84", "\xe1\x9a", "12",          "0.5",     ".5",       ".",       "e",
+            "1e",   "1e-3",     "99999999999", "1e999",   "1e-999",   "+",       "-",
+            "+.",   "-.",       "'",           "'x'",     "'\\n'",    "'\\101'", "'\\xfF'",
+            "\"",   "\"s\"",    "\"a\\\"b\"",  "\"\\n\"", "\"\\\\\"", "\\",      "\"a\"\\ \"b\"",
+            "`q'",  "`q\\'",    "/*",          "*/",      "//",       "/",       "**",
+            "*",    "!",        "#",           "\n",      "\\ \n",    " ",       "\t",
+            "\r",   "<=",       "=>",          "<>",      "==",       "(",       "]",
+            "~",    "\x7f"};
+        if (Below(25) == 0) {
+            text.push_back(Below(5) == 0 ? static_cast<int>(random_()) : Below(600) - 200);
+            return;
+        }
+        const int repeats = Below(400) == 0 ? 4094 + Below(5) : 1;
+        for (const char *c = pieces[random_() % std::size(pieces)]; *c != 0; ++c)
+            text.insert(text.end(), static_cast<std::size_t>(repeats), static_cast<unsigned char>(*c));
+    }
+
+    std::mt19937 random_;
+};
+
+TEST(ScannerComparison, RandomTexts_AreReadAsByTheReference) {
+    Pieces pieces(20131);
+    for (int i = 0; i < 800; ++i) {
+        const Comparison::Case made = pieces.Make();
+        ASSERT_EQ(Comparison(made).Run(), "") << "case " << i << ", options " << std::hex << made.options;
+    }
+    EXPECT_GT(Comparison::tokens, 20000U);
+}
+
+} // namespace
