@@ -31,7 +31,7 @@ enum class Start : std::uint8_t {
 // Tables of all bytes for one word of options. Characters are ints: a source may deliver any, and what is no byte has no class.
 class CharacterTable {
 public:
-    // Folding leaves a character in its classes.
+    // Characters have them alike as they are read and in their normal form.
     enum Class : std::uint8_t {
         name = 1,
         digit = 2,
@@ -44,6 +44,7 @@ public:
 
     bool Is(int c, unsigned classes) const { return IsByte(c) && (classes_[c] & classes) != 0; }
 
+    // Alike for a character as it is read and in its normal form.
     Start StartOf(int c) const { return IsByte(c) ? starts_[c] : Start::Symbol; }
 
     // -1 is the end; what lies below a blank is one, but for line feeds; letters fold as the options say.
@@ -119,7 +120,12 @@ constexpr void CharacterTable::SetSymbolStarts(zr_long options) {
 
 constexpr CharacterTable::CharacterTable(zr_long options) {
     for (int c = 1; c < 256; ++c)
-        FoldTo(c, c < ' ' && c != '\n' ? ' ' : c);
+        FoldTo(c, c);
+    for (int c = 1; c < ' '; ++c) {
+        FoldTo(c, ' ');
+        starts_[c] = Start::Blank;
+    }
+    FoldTo('\n', '\n');
     SetSymbolStarts(options);
     for (int c = 'a'; c <= 'z'; ++c)
         AddPair(c, c - 'a' + 'A', options);

@@ -31,7 +31,7 @@ public:
     void NextCharacter(zr_long &kind, char &c, bool comments);
 
     void Reset() {
-        lookahead_ = ' ';
+        fresh_ = true;
         dot_owed_ = false;
         row_ = 0;
         column_ = before_first;
@@ -87,6 +87,12 @@ private:
         }
     }
 
+    void Refresh() {
+        if (fresh_)
+            current_ = ' ';
+        fresh_ = false;
+    }
+
     std::size_t Collect(char *text, std::size_t length, unsigned classes);
     void SkipBlanks();
     void SkipLine();
@@ -130,18 +136,35 @@ private:
     const CharacterTable &characters_;
     const Keywords &keywords_;
     const zr_long options_;
-    int lookahead_ = ' '; // the character with which the next token starts
-    int current_ = ' ';
+    int current_ = ' ';     // the character with which the next token starts
+    bool fresh_ = false;    // after a reset: it starts with a blank instead
     bool dot_owed_ = false; // a "." was read behind a sign and is the next token
     std::uint32_t row_ = 0;
     std::uint32_t column_ = before_first;
     int error_ = 0;
 };
 
+// The usual case is one blank, and which character follows decides what is done next: it is looked at as it was read.
 template <class Source, class Keywords>
 void ScannerCore<Source, Keywords>::SkipBlanks() {
-    while (characters_.StartOf(current_) == Start::Blank)
-        Advance();
+    Source source = source_;
+    int c = current_;
+    if (characters_.StartOf(c) != Start::Blank)
+        return;
+    std::uint32_t row = row_;
+    std::uint32_t column = column_;
+    int read = c;
+    do {
+        const bool line_ends = c == '\n';
+        read = source.Next();
+        c = characters_.Normalise(read);
+        row += line_ends ? 1 : 0;
+        column = line_ends ? 0 : column + 1;
+    } while (characters_.StartOf(read) == Start::Blank);
+    source_ = source;
+    current_ = c;
+    row_ = row;
+    column_ = column;
 }
 
 template <class Source, class Keywords>
@@ -174,13 +197,12 @@ int ScannerCore<Source, Keywords>::NextToken(zr_long &kind, ZrScanToken &token) 
         SetText(token, '.');
         return error_;
     }
-    current_ = lookahead_;
+    Refresh();
     do {
         SkipBlanks();
         token.row = static_cast<zr_long>(row_);
         token.column = static_cast<zr_long>(column_);
     } while (!Dispatch(kind, token));
-    lookahead_ = current_;
     return error_;
 }
 
@@ -571,14 +593,14 @@ void ScannerCore<Source, Keywords>::EndString(Collector &text, ZrScanToken &toke
 
 template <class Source, class Keywords>
 void ScannerCore<Source, Keywords>::NextCharacter(zr_long &kind, char &c, bool comments) {
-    if (comments && current_ == '/')
+    if (comments && current_ == '/') {
         SkipComment(); // a slash that opens none is lost
-    else
-        current_ = lookahead_;
+        fresh_ = false;
+    }
+    Refresh();
     c = static_cast<char>(current_);
     kind = characters_.CharacterKind(current_);
     Advance();
-    lookahead_ = current_;
 }
 
 } // namespace zr::expressions
