@@ -50,6 +50,12 @@ public:
     // -1 is the end; what lies below a blank is one, but for line feeds; letters fold as the options say.
     int Normalise(int c) const { return IsByte(c) ? normal_[c] : c == -1 ? 0 : c; }
 
+    // The same into `c`; whether it has one of `classes`.
+    bool Normalise(int read, unsigned classes, int &c) const {
+        c = Normalise(read);
+        return Is(read, classes);
+    }
+
     // Kind of a token of one character that stands for itself.
     static zr_long SymbolKind(int c) {
         return IsByte(c) ? symbol_kinds[static_cast<unsigned>(c)] : zr_long{SCAN_KIND_VOID};

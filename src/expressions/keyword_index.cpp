@@ -59,25 +59,63 @@ bool KeywordIndex::Build(const char *const *keywords, bool ignore_case) {
         const int order = CompareTexts(keywords[a], std::strlen(keywords[a]), keywords[b], ignore_case);
         return order != 0 ? order < 0 : a < b;
     });
-    NoteLengths();
+    SettleRepeated();
+    MakeGroups();
     return true;
 }
 
-void KeywordIndex::NoteLengths() {
+// Of keywords with the same text all stand for the one that the bisection of the whole list meets.
+void KeywordIndex::SettleRepeated() {
+    for (zr_long i = 1; i < count_; ++i) {
+        const char *keyword = keywords_[sorted_[i]];
+        const std::size_t length = std::strlen(keyword);
+        if (Compare(keyword, length, i - 1) != 0)
+            continue;
+        const zr_long met = Bisect(keyword, length);
+        for (--i; i < count_ && Compare(keyword, length, i) == 0; ++i)
+            sorted_[i] = met;
+    }
+}
+
+void KeywordIndex::AddToGroup(int first, zr_long sorted, std::size_t length) {
+    Group &group = groups_[first];
+    if (group.lengths == 0)
+        group.low = sorted;
+    group.high = sorted + 1;
+    group.lengths |= std::uint64_t{1} << LengthBit(length);
+}
+
+void KeywordIndex::MakeGroups() {
     for (zr_long i = 0; i < count_; ++i) {
-        const char *keyword = keywords_[i];
-        const std::uint64_t bit = std::uint64_t{1} << LengthBit(std::strlen(keyword));
+        const char *keyword = keywords_[sorted_[i]];
+        const std::size_t length = std::strlen(keyword);
         const int first = static_cast<unsigned char>(keyword[0]);
-        lengths_[first] |= bit;
+        AddToGroup(first, i, length);
         if (ignore_case_) {
-            lengths_[Lower(first)] |= bit;
-            lengths_[Upper(first)] |= bit;
+            AddToGroup(Lower(first), i, length);
+            AddToGroup(Upper(first), i, length);
         }
     }
 }
 
 int KeywordIndex::Compare(const char *name, std::size_t length, zr_long sorted) const {
     return CompareTexts(name, length, keywords_[sorted_[sorted]], ignore_case_);
+}
+
+zr_long KeywordIndex::FindIn(const Group &group, const char *name, std::size_t length) const {
+    zr_long low = group.low;
+    zr_long high = group.high;
+    while (low < high) {
+        const zr_long middle = low + (high - low) / 2;
+        const int order = Compare(name, length, middle);
+        if (order == 0)
+            return sorted_[middle];
+        if (order < 0)
+            high = middle;
+        else
+            low = middle + 1;
+    }
+    return -1;
 }
 
 // The first and the last keyword are looked at ahead, so that the search in between never has to.

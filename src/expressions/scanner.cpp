@@ -17,9 +17,13 @@ CZrScanner::CZrScanner(const CallerSource &source, zr_long options, const char *
 }
 
 int CZrScanner::NextToken(zr_long &kind, ZrScanToken &token) {
+    return traced_ ? TraceToken(kind, token) : core_.NextToken(kind, token);
+}
+
+int CZrScanner::TraceToken(zr_long &kind, ZrScanToken &token) {
     const bool has_place = !core_.OwesDot();
     const int error = core_.NextToken(kind, token);
-    if (traced_ && has_place)
+    if (has_place)
         trace_.Write(kind, token);
     return error;
 }

@@ -35,6 +35,8 @@ public:
     void Reset() { core_.Reset(); }
 
 private:
+    int TraceToken(zr_long &kind, ZrScanToken &token);
+
     const zr::expressions::CharacterTable characters_;
     zr::expressions::KeywordIndex keywords_;
     zr::expressions::ScanTrace trace_;

@@ -146,7 +146,7 @@ private:
 
 // The usual case is one blank, and which character follows decides what is done next: it is looked at as it was read.
 template <class Source, class Keywords>
-void ScannerCore<Source, Keywords>::SkipBlanks() {
+inline void ScannerCore<Source, Keywords>::SkipBlanks() {
     Source source = source_;
     int c = current_;
     if (characters_.StartOf(c) != Start::Blank)
@@ -208,7 +208,7 @@ int ScannerCore<Source, Keywords>::NextToken(zr_long &kind, ZrScanToken &token) 
 
 // Reads what begins at the current character. False for a comment or a joined line: the token is still to come.
 template <class Source, class Keywords>
-bool ScannerCore<Source, Keywords>::Dispatch(zr_long &kind, ZrScanToken &token) {
+inline bool ScannerCore<Source, Keywords>::Dispatch(zr_long &kind, ZrScanToken &token) {
     const Start start = characters_.StartOf(current_);
     if (start == Start::Name)
         ReadName(kind, token);
@@ -336,7 +336,7 @@ bool ScannerCore<Source, Keywords>::SkipComment() {
 }
 
 template <class Source, class Keywords>
-void ScannerCore<Source, Keywords>::ReadSymbol(zr_long &kind, ZrScanToken &token) {
+inline void ScannerCore<Source, Keywords>::ReadSymbol(zr_long &kind, ZrScanToken &token) {
     token.user = source_.User();
     TakeCharacter(kind, token);
 }
@@ -362,16 +362,17 @@ void ScannerCore<Source, Keywords>::ReadRelation(zr_long &kind, ZrScanToken &tok
 // Puts the characters of `classes` that come behind text[0..length-1], as far as there is room for them; the length they make
 // together. Line feeds have no class.
 template <class Source, class Keywords>
-std::size_t ScannerCore<Source, Keywords>::Collect(char *text, std::size_t length, unsigned classes) {
+inline std::size_t ScannerCore<Source, Keywords>::Collect(char *text, std::size_t length, unsigned classes) {
+    int c = current_;
+    if (!Is(c, classes))
+        return length;
     const std::size_t start = length;
     Source source = source_;
-    int c = current_;
-    for (int read = c; Is(read, classes); c = characters_.Normalise(read)) {
+    do {
         if (length < text_size)
             text[length] = static_cast<char>(c);
         ++length;
-        read = source.Next();
-    }
+    } while (characters_.Normalise(source.Next(), classes, c));
     source_ = source;
     current_ = c;
     column_ += static_cast<std::uint32_t>(length - start);
@@ -379,7 +380,7 @@ std::size_t ScannerCore<Source, Keywords>::Collect(char *text, std::size_t lengt
 }
 
 template <class Source, class Keywords>
-void ScannerCore<Source, Keywords>::ReadName(zr_long &kind, ZrScanToken &token) {
+inline void ScannerCore<Source, Keywords>::ReadName(zr_long &kind, ZrScanToken &token) {
     const std::size_t length = Collect(token.text, 0, CharacterTable::name);
     token.user = source_.User();
     kind = SCAN_KIND_IDENTIFIER;
