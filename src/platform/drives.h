@@ -32,6 +32,9 @@ bool SetCurrentDrive(int drive);
 // False with `out` empty (if size is not 0) if it doesn't fit in `size` bytes or has been removed.
 bool CurrentFolder(char *out, std::size_t size);
 
+// The same of the drive with this number, whether it is current or not.
+bool CurrentFolderOf(int drive, char *out, std::size_t size);
+
 // Makes the folder current on its drive. A path with a drive other than the current one changes that drive's folder and
 // makes the drive current too, as the desktop's runtime does; a bare drive ("D:") goes to the folder that is current
 // there. A code of system_error.h: not_a_folder for a file, file_not_found or path_not_found for what is missing.

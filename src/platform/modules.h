@@ -4,12 +4,21 @@
 
 #include <cstddef>
 
+#include "platform/services.h"
+
 namespace zr::platform {
 
 // The handle of the library's module (on Linux the address at which it is loaded), as stored at load; null before.
 // Threads: stored once at load, read by any.
 void StoreModule(void *module);
 void *StoredModule();
+
+// Path of the library's own file in the library's form into out[0..size-1]: of the module that is stored, or, while none is or
+// the library's code lies in the program itself, of the program. Answers its length, terminator not counted; 0 with an empty text (if
+// size is not 0) when it isn't known or doesn't fit.
+inline std::size_t ModulePath(char *out, std::size_t size) {
+    return services.module_path(out, size);
+}
 
 // Path of the running program in the library's form into out[0..size-1]. Answers its length, terminator not counted; 0 with
 // an empty text (if size is not 0) when it isn't known or doesn't fit.

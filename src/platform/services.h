@@ -15,6 +15,7 @@
 namespace zr::platform {
 
 enum class GroupVerb;
+enum class RegistryHive;
 enum class SpaceAnswer;
 struct ClusterSpace;
 struct FileStatus;
@@ -22,7 +23,8 @@ struct GroupOptions;
 struct Uuid;
 
 // What the back end provides. Contracts stand at the callers' faces: streams.h, files.h, message_box.h, debug.h,
-// clock.h, temporary.h, drives.h, shell.h, raw_file.h.
+// clock.h, temporary.h, drives.h, shell.h, raw_file.h, modules.h, registry.h,
+// known_folders.h.
 namespace backend {
 std::FILE *OpenText(const char *path, const char *mode);
 std::FILE *OpenBinary(const char *path, const char *mode);
@@ -44,6 +46,11 @@ int DriveType(const char *path);
 SpaceAnswer FreeSpace(const char *path, std::uint64_t &bytes);
 bool FreeClusters(const char *path, ClusterSpace &out);
 int DoGroupOperation(GroupVerb verb, const char *from, const char *to, const GroupOptions &options, bool &aborted);
+std::size_t ModulePath(char *out, std::size_t size);
+bool ReadRegistryText(RegistryHive hive, const char *key, const char *name, char *out, std::size_t size);
+bool KnownFolder(int number, char *out, std::size_t size);
+bool KnownFolderBelow(int number, const char *below, char *out, std::size_t size);
+std::size_t LongPath(const char *path, char *out, std::size_t size);
 } // namespace backend
 
 struct Services {
@@ -69,6 +76,12 @@ struct Services {
     bool (*free_clusters)(const char *path, ClusterSpace &out) = backend::FreeClusters;
     int (*do_group_operation)(GroupVerb verb, const char *from, const char *to, const GroupOptions &options,
                               bool &aborted) = backend::DoGroupOperation;
+    std::size_t (*module_path)(char *out, std::size_t size) = backend::ModulePath;
+    bool (*registry_text)(RegistryHive hive, const char *key, const char *name, char *out,
+                          std::size_t size) = backend::ReadRegistryText;
+    bool (*known_folder)(int number, char *out, std::size_t size) = backend::KnownFolder;
+    bool (*known_folder_below)(int number, const char *below, char *out, std::size_t size) = backend::KnownFolderBelow;
+    std::size_t (*long_path)(const char *path, char *out, std::size_t size) = backend::LongPath;
 };
 
 inline constinit Services services;

@@ -81,10 +81,13 @@ bool SetCurrentDrive(int drive) {
 }
 
 bool CurrentFolder(char *out, std::size_t size) {
+    return CurrentFolderOf(posix::WorkingDrive(), out, size);
+}
+
+bool CurrentFolderOf(int drive, char *out, std::size_t size) {
     if (out == nullptr || size == 0)
         return false;
     out[0] = 0;
-    const int drive = posix::WorkingDrive();
     PathBuffer folder;
     std::size_t root_length;
     if (!posix::FolderOfDrive(drive, folder, root_length) || !posix::FromHost(folder + root_length, out, size))

@@ -78,6 +78,21 @@ bool CurrentFolder(char *out, std::size_t size) {
     return fits;
 }
 
+bool CurrentFolderOf(int drive, char *out, std::size_t size) {
+    if (out == nullptr || size == 0)
+        return false;
+    out[0] = 0;
+    if (drive < 1 || drive > drive_count)
+        return false;
+    const char path[] = {static_cast<char>('A' + drive - 1), ':', '.', 0};
+    char folder[path_size];
+    const DWORD length = GetFullPathNameA(path, sizeof folder, folder, nullptr);
+    if (length == 0 || length >= sizeof folder || length >= size)
+        return false;
+    std::strcpy(out, folder);
+    return true;
+}
+
 int ChangeFolder(const char *path) {
     const int code = windows::PathCode(path);
     return code != done ? code : Enter(path);

@@ -20,6 +20,17 @@ void PassToReporter(const wchar_t *expression, const wchar_t *function, const wc
         current_reporter(expression, function);
 }
 
+std::size_t PathOf(HMODULE module, char *out, std::size_t size) {
+    if (out == nullptr || size == 0)
+        return 0;
+    const DWORD room = size > MAXDWORD ? MAXDWORD : static_cast<DWORD>(size);
+    const DWORD length = GetModuleFileNameA(module, out, room);
+    if (length != 0 && length < room) // a path that doesn't fit is cut to the room
+        return length;
+    out[0] = 0;
+    return 0;
+}
+
 } // namespace
 
 void StoreModule(void *module) {
@@ -31,14 +42,11 @@ void *StoredModule() {
 }
 
 std::size_t ProgramPath(char *out, std::size_t size) {
-    if (out == nullptr || size == 0)
-        return 0;
-    const DWORD room = size > MAXDWORD ? MAXDWORD : static_cast<DWORD>(size);
-    const DWORD length = GetModuleFileNameA(nullptr, out, room);
-    if (length != 0 && length < room) // a path that doesn't fit is cut to the room
-        return length;
-    out[0] = 0;
-    return 0;
+    return PathOf(nullptr, out, size);
+}
+
+std::size_t backend::ModulePath(char *out, std::size_t size) {
+    return PathOf(static_cast<HMODULE>(library_module), out, size);
 }
 
 void InstallInvalidParameterReporter(InvalidParameterReporter reporter) {
