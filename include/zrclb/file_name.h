@@ -64,6 +64,13 @@ ZR_API const char *zrFileGetPath(zr_value handle) ZR_NOEXCEPT;
 /* The path shortened by an ellipsis to at most width bytes, terminator counted. */
 ZR_API const char *zrFileGetCompactPath(zr_value handle, zr_ulong width) ZR_NOEXCEPT;
 
+/* The path as seen from the folder (kind 16) or file (kind 128) `from`, or the empty text (reports:
+   CZrFileName::GetRelativePath). */
+ZR_API const char *zrFileGetRelativePath(zr_value handle, const char *from, int kind) ZR_NOEXCEPT;
+
+/* The full path, with a path variable in front of the directory replaced by its folder. */
+ZR_API const char *zrFileGetAbsolutePath(zr_value handle) ZR_NOEXCEPT;
+
 /* Takes the parts that name, a name or a whole path, holds; parts that it lacks stay. */
 ZR_API int zrFileSetFileName(zr_value handle, const char *name) ZR_NOEXCEPT;
 

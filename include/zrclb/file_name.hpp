@@ -63,6 +63,16 @@ public:
     // The last element of the directory without separators.
     const char *GetLastDir() const;
 
+    // The path as seen from `from`, a folder for a kind of 16, a file for 128: ".\a", "..\a\b". `from` is made absolute,
+    // null and empty mean the current folder; the path is GetAbsolutePath(nullptr). Empty if nothing leads there (another
+    // drive), and for another kind, after the report "GetRelativePath : Falscher Parameter".
+    const char *GetRelativePath(const char *from, int kind) const;
+
+    // The full path of GetPath as zr_BuildFullPath makes it: a path variable in front of the directory is replaced by its
+    // folder, and what has no drive starts at the current folder. A project_dir that is not null is the project folder
+    // meanwhile.
+    const char *GetAbsolutePath(const char *project_dir) const;
+
     // Takes the parts that name holds, a file name or a whole path: the name always, extension, drive and directory
     // each through its setter if it is there. Parts that name lacks stay. False if one of them is invalid, or if there
     // is no name: behind a last separator, in front of a lone extension, behind a drive. An empty name clears the name.
@@ -104,6 +114,15 @@ public:
     // The present name with its extension, however long, becomes the last element of the directory as AddDir does it;
     // then, unless that failed, SetFileName(name, true).
     bool FNToDir(const char *name);
+
+    // Takes the directory, and the drive, from the entry of a settings file, as zr_suche_pfad_ex reads it; without `file`,
+    // and for a null one, from the system-wide one. False, with nothing changed, if there is no such entry; else what
+    // SetDir gives.
+    bool SetDirFromConfig(const char *file, const char *section, const char *entry);
+    bool SetDirFromConfig(const char *section, const char *entry);
+
+    // The same, and then SetFileName(name, true). False, with the name left alone, if the directory could not be set.
+    bool SetFileNameFromConfig(const char *section, const char *entry, const char *name);
 
     // Takes all parts from a new name in the temporary folder. The system creates the file, which belongs to the
     // caller. False, with nothing changed, if fio_tmpnam fails, which reports that.

@@ -40,6 +40,13 @@ extern "C" {
 ZR_API int ini_read_string(const char *file, const char *section, const char *entry, char *buffer,
                            zr_long *size) ZR_NOEXCEPT;
 
+/* The path that an entry names, as zr_BuildFullPath makes it: behind a path variable, or relative to the folder of the
+ * file. Of the value at most 260 characters are read. On input *size is the size of buffer, on output the length of the
+ * path. A path of just *size characters loses its last one. INI_NO_ROOM: the value or the path is longer. INI_NO_FILE for
+ * a null or negative *size too. Default file. Reports: those of zr_BuildFullPath. */
+ZR_API int ini_read_path(const char *file, const char *section, const char *entry, char *buffer,
+                         zr_long *size) ZR_NOEXCEPT;
+
 /* The number at the start of an entry's value, read as convert_stol and convert_stod read it: 0 without one.
  * INI_NO_FILE for a null value. Default file. */
 ZR_API int ini_read_long(const char *file, const char *section, const char *entry, zr_long *value) ZR_NOEXCEPT;

@@ -29,16 +29,17 @@ int CreateMissingFolders(const char *path) {
     if (code != path_not_found)
         return code;
     char part[path_size];
+    int last_code = code;
     for (std::size_t i = path[1] == ':' ? 3 : 1; path[i - 1] != 0 && path[i] != 0; ++i) {
         if (path[i] != '\\')
             continue;
         std::memcpy(part, path, i);
         part[i] = 0;
-        const int part_code = MakeFolder(part);
-        if (part_code != done && part_code != already_exists)
-            return part_code;
+        last_code = MakeFolder(part);
+        if (last_code != done && last_code != already_exists)
+            return last_code;
     }
-    return MakeFolder(path);
+    return path[std::strlen(path) - 1] == '\\' ? last_code : MakeFolder(path);
 }
 
 void NoticeRename(bool, const char *, const char *) {}

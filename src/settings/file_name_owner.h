@@ -1,0 +1,26 @@
+// A handle of a file name value for one scope.
+#ifndef ZR_SETTINGS_FILE_NAME_OWNER_H
+#define ZR_SETTINGS_FILE_NAME_OWNER_H
+
+#include <zrclb/file_name.h>
+
+namespace zr::settings {
+
+class FileNameOwner {
+public:
+    explicit FileNameOwner(const char *name, const char *dir = nullptr)
+        : handle_(zrFileCreateFileHandle(name, nullptr, dir, nullptr)) {}
+    ~FileNameOwner() { zrFileFreeFileHandle(handle_); }
+    FileNameOwner(const FileNameOwner &) = delete;
+    FileNameOwner &operator=(const FileNameOwner &) = delete;
+
+    // 0 if there was no memory, which has been reported.
+    zr_value Handle() const { return handle_; }
+
+private:
+    zr_value handle_;
+};
+
+} // namespace zr::settings
+
+#endif

@@ -1,0 +1,35 @@
+// Values of the registry as programs store them otherwise than as a text with its terminator.
+#include "platform/registry.h"
+
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "registry_values.h"
+
+namespace {
+
+using namespace zr::platform;
+
+TEST(RegistryValue, BytesUpToTheFirstZeroAreItsText) {
+    const std::string key = "Software\\zr_test_" + std::to_string(std::random_device{}());
+    RegistryValues values(key);
+    values.SetBytes("binary", REG_BINARY, std::string("ab\0cd", 5));
+    values.SetBytes("unterminated", REG_BINARY, "abcdefg");
+    values.SetBytes("nothing", REG_BINARY, "");
+    char out[8];
+    const auto read = [&](const char *name, std::size_t size) {
+        return ReadRegistryText(RegistryHive::classes_root, key.c_str(), name, out, size);
+    };
+    EXPECT_TRUE(read("binary", 5));
+    EXPECT_STREQ(out, "ab");
+    EXPECT_TRUE(read("unterminated", 8));
+    EXPECT_STREQ(out, "abcdefg");
+    EXPECT_FALSE(read("unterminated", 7)); // no room for the terminator
+    EXPECT_STREQ(out, "");
+    EXPECT_TRUE(read("nothing", 8));
+    EXPECT_STREQ(out, "");
+}
+
+} // namespace

@@ -1,0 +1,437 @@
+// The installation: settings file, folders, search.
+#include <zrclb/installation.h>
+
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <zrclb/file_name.hpp>
+#include <zrclb/str.h>
+
+#include "env/refused_memory.h"
+#include "frame/log_hook.h"
+#include "settings/installation_fixture.h"
+#include "settings/suite_registry.h"
+
+namespace {
+
+using Installation = InstallationFixture;
+
+TEST_F(Installation, RegistryValueCountsIfItFitsAndIsNotEmpty) {
+    char out[zr::settings::registry_value_size];
+    EXPECT_EQ(zr::settings::read_suite_registry_value("a", out), 0);
+    s_registry["a"] = "";
+    EXPECT_EQ(zr::settings::read_suite_registry_value("a", out), 0);
+    s_registry["a"] = "x";
+    EXPECT_EQ(zr::settings::read_suite_registry_value("a", out), 1);
+    EXPECT_STREQ(out, "x");
+    s_registry["a"] = std::string(255, 'x');
+    EXPECT_EQ(zr::settings::read_suite_registry_value("a", out), 1);
+    s_registry["a"] = std::string(256, 'x');
+    EXPECT_EQ(zr::settings::read_suite_registry_value("a", out), 0);
+}
+
+TEST_F(Installation, SettingsFileOfTheRegistryComesFirst) {
+    Write("reg\\zr.zrini");
+    Write("zr\\zr.zrini");
+    Write("zr\\bin\\zr.zrini");
+    s_registry["zr.ini"] = Path("x\\..\\reg");
+    EXPECT_EQ(SearchFile(nullptr, nullptr, nullptr), Hit(Path("reg\\zr.zrini")));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(Installation, FolderOfTheRegistryMayBeginWithAPathVariable) {
+    Write("zr\\etc\\zr.zrini");
+    s_registry["zr.ini"] = "$INSTALLDIR$\\etc";
+    EXPECT_EQ(SearchFile(nullptr, nullptr, nullptr), Hit(Path("zr\\etc\\zr.zrini")));
+}
+
+TEST_F(Installation, SettingsFileInTheInstallRootComesSecond) {
+    Write("zr\\zr.zrini");
+    Write("zr\\bin\\zr.zrini");
+    s_registry["zr.ini"] = Path("nowhere");
+    EXPECT_EQ(SearchFile(nullptr, nullptr, nullptr), Hit(Path("zr\\zr.zrini")));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(Installation, SettingsFileBesideTheLibraryComesThird) {
+    Write("zr\\bin\\zr.zrini");
+    EXPECT_EQ(SearchFile(nullptr, nullptr, nullptr), Hit(Path("zr\\bin\\zr.zrini")));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(Installation, SettingsFileIsKeptOnceFoundAndSearchedAgainUntilThen) {
+    EXPECT_EQ(SearchFile(nullptr, nullptr, nullptr), Hit("", -1));
+    EXPECT_EQ(m_reports.Take(),
+              (zr::test::Reports{zr::test::Error("Zr", not_found), zr::test::Error("Zr", not_found)}));
+    EXPECT_EQ(SearchPath("System", "Exe"), Hit("untouched", -1));
+    EXPECT_EQ(Reports(), (Texts{not_found, not_found, not_found}));
+    Write("zr\\zr.zrini");
+    EXPECT_EQ(SearchFile(nullptr, nullptr, nullptr), Hit(Path("zr\\zr.zrini")));
+    std::filesystem::remove(m_folder.Folder() / "zr/zr.zrini");
+    EXPECT_EQ(SearchFile(nullptr, nullptr, nullptr), Hit(Path("zr\\zr.zrini")));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(Installation, FolderThatIsNotKnownIsNotTheCurrentOne) {
+    Write("zr.zrini");
+    const CurrentFolder here(m_folder.Folder());
+    s_module.clear();
+    EXPECT_EQ(SearchFile(nullptr, nullptr, nullptr), Hit("", -1));
+    EXPECT_EQ(Reports(), (Texts{"Fehler beim Ermitteln des Installations-Ordners",
+                                "Fehler beim Ermitteln des bin-Ordners", not_found, not_found}));
+}
+
+TEST_F(Installation, SearchWithoutSectionOrEntryIsTheSettingsFile) {
+    EXPECT_EQ(SearchFile("", "e", "file"), Hit("", 0));
+    EXPECT_EQ(Reports(), Texts{not_found});
+    Write("zr\\zr.zrini");
+    for (const char *nothing : {"", static_cast<const char *>(nullptr)}) {
+        EXPECT_EQ(SearchFile(nothing, "e", "file"), Hit(Path("zr\\zr.zrini")));
+        EXPECT_EQ(SearchFile("s", nothing, "file"), Hit(Path("zr\\zr.zrini")));
+    }
+    EXPECT_EQ(zr_suche_datei("s", "e", "file", nullptr), -1);
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(Installation, SystemExeIsNeverReadFromTheFile) {
+    Write("zr\\zr.zrini", "[System]\nExe=" + Path("other") + "\n[SYSTEM]\nexe=" + Path("other") + "\n");
+    Write("other\\a.exe");
+    EXPECT_EQ(SearchFile("SYSTEM", "exe", "a.exe"), Hit("", -1));
+    Write("zr\\bin64\\a.exe");
+    EXPECT_EQ(SearchFile("SYSTEM", "exe", "a.exe"), Hit(Path("zr\\bin64\\a.exe")));
+    Write("zr\\bin\\a.exe");
+    EXPECT_EQ(SearchFile("System", "Exe", "a.exe"), Hit(Path("zr\\bin\\a.exe")));
+    EXPECT_EQ(SearchPath("sYSTEM", "eXE"), Hit(Path("zr\\bin")));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(Installation, FileIsSearchedInTheFoldersOfTheEntryInOrder) {
+    Write("zr\\zr.zrini", "[Search]\nText=;one;;" + Path("two") + ";$INSTALLDIR$\\three;\nNone=;;\nUmlaut=M\xFCll\n");
+    Write("two\\second.txt");
+    EXPECT_EQ(SearchFile("Search", "Text", "second.txt"), Hit(Path("two\\second.txt")));
+    Write("zr\\one\\first.txt");
+    Write("two\\first.txt");
+    EXPECT_EQ(SearchFile("Search", "Text", "first.txt"), Hit(Path("zr\\one\\first.txt")));
+    Write("zr\\three\\third.txt");
+    EXPECT_EQ(SearchFile("Search", "Text", "third.txt"), Hit(Path("zr\\three\\third.txt")));
+    s_registry["fourth.txt"] = Path("two");
+    EXPECT_EQ(SearchFile("Search", "Text", "fourth.txt"), Hit("untouched", -1));
+    EXPECT_EQ(SearchFile("Search", "None", "first.txt"), Hit("untouched", -1));
+    EXPECT_EQ(SearchFile("Search", "Umlaut", "first.txt"), Hit("untouched", -1));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(Installation, SearchDoesNotDisturbAWalkThroughAText) {
+    Write("zr\\zr.zrini", "[Search]\nText=one;two;three\n");
+    char text[] = "a b c";
+    ASSERT_STREQ(str_tok(text, " "), "a");
+    EXPECT_EQ(SearchFile("Search", "Text", "x"), Hit("untouched", -1));
+    EXPECT_STREQ(str_tok(nullptr, " "), "b");
+    EXPECT_STREQ(str_tok(nullptr, " "), "c");
+}
+
+TEST_F(Installation, WithoutEntryARegistryValueIsTheFolder) {
+    Write("zr\\zr.zrini", "[Search]\nLong=" + std::string(261, 'x') + "\n");
+    Write("zr\\one\\file.txt");
+    EXPECT_EQ(SearchFile("Search", "Text", "file.txt"), Hit("untouched", -1));
+    s_registry["file.txt"] = "$INSTALLDIR$\\one";
+    EXPECT_EQ(SearchFile("Search", "Text", "file.txt"), Hit(Path("zr\\one\\file.txt")));
+    EXPECT_EQ(SearchFile("None", "Text", "file.txt"), Hit(Path("zr\\one\\file.txt")));
+    EXPECT_EQ(SearchFile("Search", "Long", "file.txt"), Hit(Path("zr\\one\\file.txt")));
+    s_registry["file.txt"] = Path("nowhere");
+    EXPECT_EQ(SearchFile("Search", "Text", "file.txt"), Hit("untouched", 0));
+}
+
+TEST_F(Installation, PathsOfEntriesAreExpanded) {
+    Write("zr\\zr.zrini", "[P]\nRel=a\\..\\b\nVar=$INSTALLDIR$\\c\nAbs=" + Path("d") + "\n");
+    Write("other.ini", "[P]\nRel=a\n");
+    EXPECT_EQ(SearchPath("P", "Rel"), Hit(Path("zr\\b")));
+    EXPECT_EQ(SearchPath("P", "Var"), Hit(Path("zr\\c")));
+    EXPECT_EQ(SearchPath("P", "Abs"), Hit(Path("d")));
+    EXPECT_EQ(SearchPath("P", "None"), Hit("untouched", -1));
+    EXPECT_EQ(SearchPath("None", "Rel"), Hit("untouched", -1));
+    const auto search = [&](const char *file, const char *entry) {
+        return Out([&](char *out) { return zr_suche_pfad_ex(file, "P", entry, out); });
+    };
+    EXPECT_EQ(search(nullptr, "Rel"), Hit(Path("zr\\b")));
+    EXPECT_EQ(search(Path("other.ini").c_str(), "Rel"), Hit(Path("a")));
+    EXPECT_EQ(search(Path("other.ini").c_str(), "Var"), Hit("untouched", -1));
+    EXPECT_EQ(search(Path("none.ini").c_str(), "Rel"), Hit("untouched", -1));
+    EXPECT_EQ(zr_suche_pfad("P", "Rel", nullptr), -1);
+    EXPECT_EQ(zr_suche_pfad_ex(Path("other.ini").c_str(), "P", "Rel", nullptr), -1);
+}
+
+TEST_F(Installation, InstallRootIsThatOfTheRegistry) {
+    s_registry["InstallDir"] = Path("zr\\bin");
+    EXPECT_EQ(zr_GetInstallDir(), Path("zr\\bin"));
+    s_registry["InstallDir"] = Path("zr");
+    EXPECT_EQ(zr_GetInstallDir(), Path("zr\\bin")); // kept
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(Installation, WrongInstallRootIsReportedAndPassedOver) {
+    s_registry["InstallDir"] = Path("nowhere");
+    EXPECT_EQ(zr_GetInstallDir(), Path("zr"));
+    EXPECT_EQ(m_reports.Take(), zr::test::Reports{zr::test::Error("Zr", "InstallDir nicht korrekt gesetzt.")});
+    EXPECT_EQ(zr_GetInstallDir(), Path("zr"));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(Installation, InstallRootTakesItsLongForm) {
+    zr::platform::services.long_path = [](const char *path, char *out, std::size_t size) {
+        EXPECT_EQ(path, s_module);
+        EXPECT_EQ(size, 260U);
+        std::strcpy(out, "C:\\long");
+        return std::size_t{7};
+    };
+    s_registry["InstallDir"] = Path("zr");
+    s_module = Path("zr");
+    EXPECT_STREQ(zr_GetInstallDir(), "C:\\long");
+    for (const std::size_t length : {0, 260, 300}) {
+        static std::size_t answer;
+        answer = length;
+        zr::settings::ForgetInstallation();
+        zr::platform::services.long_path = [](const char *, char *out, std::size_t) {
+            std::strcpy(out, "C:\\long");
+            return answer;
+        };
+        EXPECT_EQ(zr_GetInstallDir(), Path("zr"));
+    }
+}
+
+TEST_F(Installation, FoldersOfProgramsStandBesideAndBelow) {
+    EXPECT_EQ(zr_GetBinDir(), Path("zr\\bin"));
+    EXPECT_EQ(zr_GetBin32Dir(), Path("zr\\bin"));
+    EXPECT_EQ(zr_GetBin64Dir(), Path("zr\\bin64"));
+    EXPECT_EQ(zr_GetBinExt32Dir(), Path("zr\\binExt"));
+    EXPECT_EQ(zr_GetBinExt64Dir(), Path("zr\\binExt64"));
+    EXPECT_EQ(zr_GetBinExtDir(), zr_GetBinExt32Dir());
+    s_module = Path("zr\\bin64\\zrclb.dll");
+    EXPECT_EQ(zr_GetBinDir(), Path("zr\\bin")); // kept
+    zr::settings::ForgetInstallation();
+    EXPECT_EQ(zr_GetBinDir(), Path("zr\\bin64"));
+    EXPECT_EQ(zr_GetBin32Dir(), Path("zr\\bin"));
+    EXPECT_EQ(zr_GetBin64Dir(), Path("zr\\bin64"));
+    EXPECT_EQ(zr_GetInstallDir(), Path("zr"));
+    zr::settings::ForgetInstallation();
+    s_module = "C:\\zrclb.dll";
+    EXPECT_STREQ(zr_GetBinDir(), "C:\\");
+}
+
+TEST_F(Installation, FolderThatCannotBeFoundIsReportedEachTime) {
+    s_module.clear();
+    const std::string root = "Fehler beim Ermitteln des Installations-Ordners";
+    const std::string bin = "Fehler beim Ermitteln des bin-Ordners";
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_STREQ(zr_GetInstallDir(), "");
+        EXPECT_EQ(m_reports.Take(), zr::test::Reports{zr::test::Error("Zr", root.c_str())});
+        EXPECT_STREQ(zr_GetBinDir(), "");
+        EXPECT_EQ(m_reports.Take(), zr::test::Reports{zr::test::Error("Zr", bin.c_str())});
+    }
+    EXPECT_STREQ(zr_GetBin32Dir(), "");
+    EXPECT_EQ(Reports(), (Texts{bin, "Fehler beim Ermitteln des bin32-Ordners"}));
+    EXPECT_STREQ(zr_GetBin64Dir(), "");
+    EXPECT_EQ(Reports(), (Texts{bin, "Fehler beim Ermitteln des bin64-Ordners"}));
+    EXPECT_STREQ(zr_GetBinExtDir(), "");
+    EXPECT_EQ(Reports(), (Texts{root, "Fehler beim Ermitteln des binExt32-Ordners"}));
+    EXPECT_STREQ(zr_GetBinExt64Dir(), "");
+    EXPECT_EQ(Reports(), (Texts{root, "Fehler beim Ermitteln des binExt64-Ordners"}));
+    s_module = Path("zr\\bin\\zrclb.dll");
+    EXPECT_EQ(zr_GetBin32Dir(), Path("zr\\bin"));
+}
+
+TEST_F(Installation, MissingMemoryIsAMissingFolder) {
+    const std::string handle = "zrFileCreateFileHandle: Fehler beim Erzeugen von File-Handle";
+    {
+        const zr::test::Refusal refusal(sizeof(CZrFileName), sizeof(CZrFileName));
+        EXPECT_STREQ(zr_GetInstallDir(), "");
+    }
+    EXPECT_EQ(Reports(), (Texts{handle, "Fehler beim Ermitteln des Installations-Ordners"}));
+    EXPECT_EQ(zr_GetBinDir(), Path("zr\\bin"));
+    {
+        const zr::test::Refusal refusal(sizeof(CZrFileName), sizeof(CZrFileName));
+        EXPECT_STREQ(zr_GetBin64Dir(), "");
+    }
+    EXPECT_EQ(Reports(), (Texts{handle, "Fehler beim Ermitteln des bin64-Ordners"}));
+    EXPECT_EQ(zr_GetInstallDir(), Path("zr"));
+    {
+        const zr::test::Refusal refusal(sizeof(CZrFileName), sizeof(CZrFileName), 2);
+        EXPECT_EQ(Relative(Path("zr\\a"), "$INSTALLDIR$"), Hit(Path("zr\\a"), 0));
+    }
+    {
+        const zr::test::Refusal refusal(sizeof(CZrFileName), sizeof(CZrFileName));
+        EXPECT_EQ(FullPath("$PROJDOCDIR$\\x", nullptr).substr(0, 2), "1<"); // a variable whose getter gives null stays
+    }
+    EXPECT_EQ(Reports(), (Texts{handle, handle}));
+}
+
+TEST_F(Installation, FilesAreComposedWithoutALook) {
+    const auto compose = [&](auto function) { return Out([&](char *out) { return function("a b.dll", out); }); };
+    EXPECT_EQ(compose(zr_GetBin32File), Hit(Path("zr\\bin\\a b.dll"), 1));
+    EXPECT_EQ(compose(zr_GetBin64File), Hit(Path("zr\\bin64\\a b.dll"), 1));
+    EXPECT_EQ(compose(zr_GetBinExt32File), Hit(Path("zr\\binExt\\a b.dll"), 1));
+    EXPECT_EQ(compose(zr_GetBinExt64File), Hit(Path("zr\\binExt64\\a b.dll"), 1));
+    EXPECT_EQ(Reports(), Texts{});
+    const std::string over_long(250, 'x');
+    EXPECT_EQ(Out([&](char *out) { return zr_GetBin32File(over_long.c_str(), out); }), Hit("untouched", 0));
+    EXPECT_EQ(Reports(), Texts{"Buffer zu klein"});
+    char out[260];
+    for (const auto function : {zr_GetBin32File, zr_GetBin64File, zr_GetBinExt32File, zr_GetBinExt64File}) {
+        EXPECT_EQ(function(nullptr, out), 0);
+        EXPECT_EQ(function("a", nullptr), 0);
+        EXPECT_EQ(m_reports.Take(),
+                  (zr::test::Reports{zr::test::Error("Zr", "Null-Pointer"), zr::test::Error("Zr", "Null-Pointer")}));
+    }
+}
+
+TEST_F(Installation, FileIsFoundInOneOfTwoFolders) {
+    const auto bin = [&](const char *file) { return Out([&](char *out) { return zr_GetBinFile(file, out); }); };
+    const auto ext = [&](const char *file) { return Out([&](char *out) { return zr_GetBinExtFile(file, out); }); };
+    EXPECT_EQ(bin("a"), Hit("", 0));
+    EXPECT_EQ(ext("a"), Hit("", 0));
+    Write("zr\\bin64\\a");
+    Write("zr\\binExt64\\a");
+    EXPECT_EQ(bin("a"), Hit(Path("zr\\bin64\\a"), 1));
+    EXPECT_EQ(ext("a"), Hit(Path("zr\\binExt64\\a"), 1));
+    Write("zr\\bin\\a");
+    Write("zr\\binExt\\a");
+    EXPECT_EQ(bin("a"), Hit(Path("zr\\bin\\a"), 1));
+    EXPECT_EQ(ext("a"), Hit(Path("zr\\binExt\\a"), 1));
+    EXPECT_EQ(Reports(), Texts{});
+    EXPECT_EQ(bin(nullptr), Hit("", 0));
+    EXPECT_EQ(Reports(), (Texts{"Null-Pointer", "Null-Pointer"}));
+    EXPECT_EQ(zr_GetBinFile("a", nullptr), 0);
+}
+
+TEST_F(Installation, DataFoldersAreMadeOnce) {
+    const struct {
+        const char *(*getter)();
+        const char *number;
+    } rows[] = {{zr_GetAppDataDir, "26"}, {zr_GetLocalAppDataDir, "28"}, {zr_GetCommonAppDataDir, "35"}};
+    for (const auto &row : rows) {
+        const std::string folder = Path("data") + row.number + "\\Zr Works\\Zr Bench\\2013\\";
+        EXPECT_EQ(row.getter(), folder);
+        EXPECT_TRUE(std::filesystem::is_directory(HostOf(folder)));
+        EXPECT_EQ(row.getter(), folder);
+    }
+    zr::settings::ForgetInstallation();
+    zr::platform::services.known_folder = [](int, char *, std::size_t) { return false; }; // they exist now
+    for (const auto &row : rows)
+        EXPECT_EQ(row.getter(), Path("data") + row.number + "\\Zr Works\\Zr Bench\\2013\\");
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(Installation, DataFolderThatCannotBeHadIsReported) {
+    s_data.clear();
+    EXPECT_STREQ(zr_GetAppDataDir(), "");
+    EXPECT_EQ(m_reports.Take(), zr::test::Reports{zr::test::Message("Zr", "SHGetFolderPath failed")});
+    Write("file");
+    s_data = Path("file\\");
+    EXPECT_STREQ(zr_GetLocalAppDataDir(), "");
+    const std::string folder = Path("file\\28\\Zr Works\\Zr Bench\\2013\\");
+    EXPECT_EQ(m_reports.Take(), zr::test::Reports{zr::test::Message("Zr", "fio_CreatePath failed", folder.c_str())});
+    s_data = Path("data");
+    EXPECT_EQ(zr_GetLocalAppDataDir(), Path("data28\\Zr Works\\Zr Bench\\2013\\"));
+}
+
+TEST_F(Installation, ProjectsFolderIsReadAtEveryCall) {
+    EXPECT_STREQ(zr_GetInstallDirProjekte(), "");
+    EXPECT_EQ(Reports(), (Texts{not_found, not_found}));
+    Write("zr\\zr.zrini", "[Zr Tekbau Tek+]\nInstallDirProjekte=D:\\one\n");
+    EXPECT_STREQ(zr_GetInstallDirProjekte(), "D:\\one");
+    Write("zr\\zr.zrini", "[Zr Tekbau Tek+]\nInstallDirProjekte=D:\\two\n");
+    EXPECT_STREQ(zr_GetInstallDirProjekte(), "D:\\two");
+    Write("zr\\zr.zrini", "[Zr Tekbau Tek+]\nInstallDirProjekte=" + std::string(261, 'x') + "\n");
+    EXPECT_STREQ(zr_GetInstallDirProjekte(), "D:\\two");
+    Write("zr\\zr.zrini", "[Zr Tekbau Tek+]\nInstallDirProjekte=" + std::string(260, 'x') + "\n");
+    EXPECT_EQ(zr_GetInstallDirProjekte(), std::string(260, 'x'));
+    Write("zr\\zr.zrini", "");
+    EXPECT_EQ(zr_GetInstallDirProjekte(), std::string(260, 'x'));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(Installation, ProjectFolderIsWhatWasSet) {
+    EXPECT_STREQ(zr_GetProjDir(), "");
+    zr_SetProjDir("C:\\proj");
+    zr_SetProjDir(nullptr);
+    EXPECT_STREQ(zr_GetProjDir(), "C:\\proj");
+    zr_SetProjDir(zr_GetProjDir() + 3);
+    EXPECT_STREQ(zr_GetProjDir(), "proj");
+    zr_SetProjDir(std::string(261, 'x').c_str());
+    EXPECT_EQ(zr_GetProjDir(), std::string(260, 'x'));
+    zr_SetProjDir("");
+    EXPECT_STREQ(zr_GetProjDir(), "");
+}
+
+// Reports that look for the log come back to the search while it works.
+class InstallationInTheLog : public InstallationFixture {
+protected:
+    static inline std::string answers;
+
+    static void LookAt(const char *(*getter)()) { answers += std::string("[") + getter() + "]"; }
+};
+
+TEST_F(InstallationInTheLog, SearchEnteredAgainIsNotFoundAndSilent) {
+    answers.clear();
+    static std::string log;
+    log = Path("log.txt");
+    zr::frame::SetLogHook({[] {
+                               answers += SearchFile(nullptr, nullptr, nullptr) + SearchPath("a", "b");
+                               return true;
+                           },
+                           [](char *out, std::size_t size) { return Give(log, out, size) != 0; }, nullptr});
+    EXPECT_EQ(SearchFile(nullptr, nullptr, nullptr), Hit("", -1));
+    EXPECT_EQ(answers, Hit("", -1) + Hit("untouched", -1));
+    const std::string text = m_folder.Read("log.txt");
+    std::size_t count = 0;
+    for (std::size_t at = text.find(not_found); at != std::string::npos; at = text.find(not_found, at + 1))
+        ++count;
+    EXPECT_EQ(count, 2U);
+}
+
+TEST_F(InstallationInTheLog, GetterEnteredAgainIsEmpty) {
+    answers.clear();
+    s_module.clear();
+    const auto look = [](bool (*is_on)()) { zr::frame::SetLogHook({is_on, nullptr, nullptr}); };
+    look([] {
+        LookAt(zr_GetInstallDir);
+        return false;
+    });
+    EXPECT_STREQ(zr_GetInstallDir(), "");
+    EXPECT_EQ(answers, "[]");
+    answers.clear();
+    look([] {
+        LookAt(zr_GetBinDir);
+        LookAt(zr_GetBin64Dir);
+        return false;
+    });
+    EXPECT_STREQ(zr_GetBin64Dir(), "");
+    EXPECT_EQ(answers, "[][]");
+    answers.clear();
+    s_data.clear();
+    look([] {
+        LookAt(zr_GetAppDataDir);
+        LookAt(zr_GetInstallDirProjekte);
+        return false;
+    });
+    EXPECT_STREQ(zr_GetAppDataDir(), "");
+    EXPECT_EQ(answers, "[][]");
+}
+
+TEST_F(InstallationInTheLog, SettingsFileIsFoundFromWithinAReport) {
+    answers.clear();
+    Write("zr\\bin\\zr.zrini");
+    s_registry["InstallDir"] = Path("nowhere");
+    zr::frame::SetLogHook({[] {
+                               answers = SearchFile(nullptr, nullptr, nullptr);
+                               return false;
+                           },
+                           nullptr, nullptr});
+    EXPECT_EQ(zr_GetInstallDir(), Path("zr"));
+    EXPECT_EQ(answers, Hit(Path("zr\\bin\\zr.zrini")));
+}
+
+} // namespace
