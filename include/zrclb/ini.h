@@ -81,6 +81,12 @@ ZR_API int ini_get_data_version(const char *file, zr_long *a, zr_long *b, zr_lon
  * missing file. A null value counts as empty; a null entry is INI_NO_FILE. Default file. */
 ZR_API int ini_write_string(const char *file, const char *section, const char *entry, const char *value) ZR_NOEXCEPT;
 
+/* Stores a path in a portable form. Where the entry has a value of at most 260 characters, that value's form is kept:
+ * relative to the folder of the file if it begins with ".", else behind the path variable that it begins with, else the
+ * path as it is. A new entry gets the form behind a path variable that leaves the fewest folders, else the relative one,
+ * neither of which may go up, else the path as it is. INI_NO_FILE without the file too, which is not made. Default file. */
+ZR_API int ini_write_path(const char *file, const char *section, const char *entry, const char *value) ZR_NOEXCEPT;
+
 /* The same with the number as text: "%ld", and "%lf", which keeps six decimals and no more. Default file. */
 ZR_API int ini_write_long(const char *file, const char *section, const char *entry, zr_long value) ZR_NOEXCEPT;
 ZR_API int ini_write_double(const char *file, const char *section, const char *entry, double value) ZR_NOEXCEPT;

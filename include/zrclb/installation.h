@@ -48,6 +48,15 @@ ZR_API int zr_suche_pfad(const char *section, const char *entry, char *out) ZR_N
 /* The same from inifile, without those special cases; a null inifile is zr_suche_pfad. */
 ZR_API int zr_suche_pfad_ex(const char *inifile, const char *section, const char *entry, char *out) ZR_NOEXCEPT;
 
+/* Stores path in the settings file as ini_write_path does: 0, or -1 if that fails or, with the reports of zr_suche_pfad, there
+ * is no settings file. Section "System" with entry "Exe", in any case, is not written: 0 after the message "Pfad System
+ * / Exe wird nicht mehr geschrieben.". */
+ZR_API int zr_schreibe_pfad(const char *section, const char *entry, const char *path) ZR_NOEXCEPT;
+
+/* The same into inifile, without those special cases; a null inifile is zr_schreibe_pfad. */
+ZR_API int zr_schreibe_pfad_ex(const char *inifile, const char *section, const char *entry,
+                               const char *path) ZR_NOEXCEPT;
+
 /* ---- Folders of the installation ------------------------------------------------------------------------------- */
 
 /* The install root in its long form: the registry value "InstallDir", else the folder above that of the library's file.

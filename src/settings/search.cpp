@@ -1,4 +1,4 @@
-// The search for the settings file, and for files and folders through its entries.
+// The search for the settings file, and for files and folders through its entries; paths stored there.
 #include <zrclb/installation.h>
 
 #include <cstring>
@@ -9,6 +9,7 @@
 #include <zrclb/str.h>
 
 #include "settings/installation_state.h"
+#include "settings/path_values.h"
 #include "settings/suite_registry.h"
 
 namespace zr::settings {
@@ -66,11 +67,8 @@ int CopySettingsFile(char *out) {
 
 // Looks for the file in the folders of the list, which is taken apart.
 int FindInFolders(char *folders, const char *path, const char *file, char *out) {
-    char drive[3];
-    Path directory;
-    Path base = "";
-    fio_divide(path, drive, directory, nullptr);
-    fio_makepath(base, drive, directory, "");
+    Path base;
+    FolderOf(path, base);
     for (char *folder = folders + std::strspn(folders, ";"); *folder != '\0'; folder += std::strspn(folder, ";")) {
         char *end = folder + std::strcspn(folder, ";");
         const bool last = *end == '\0';
@@ -84,6 +82,15 @@ int FindInFolders(char *folders, const char *path, const char *file, char *out) 
         folder = last ? end : end + 1;
     }
     return -1;
+}
+
+// The settings file for a path in it. Without one that is reported once more than the search does.
+bool SettingsFileOfPath(Path &out) {
+    if (CopySettingsFile(out) == 0)
+        return true;
+    if (!Searching())
+        ReportZr(not_found, __LINE__);
+    return false;
 }
 
 int FindByRegistryValue(const char *file, char *out) {
@@ -129,11 +136,8 @@ int zr_suche_pfad(const char *section, const char *entry, char *out) noexcept {
     Path path;
     if (out == nullptr)
         return -1;
-    if (zr_suche_datei(nullptr, nullptr, nullptr, path) != 0) {
-        if (!Searching())
-            ReportZr(not_found, __LINE__);
+    if (!SettingsFileOfPath(path))
         return -1;
-    }
     if (IsExe(section, entry)) {
         StoreText(out, zr_GetBinDir(), path_limit);
         return 0;
@@ -152,6 +156,23 @@ int zr_suche_pfad_ex(const char *inifile, const char *section, const char *entry
         return -1;
     StoreText(out, text, path_limit);
     return 0;
+}
+
+int zr_schreibe_pfad(const char *section, const char *entry, const char *path) noexcept {
+    Path file;
+    if (!SettingsFileOfPath(file))
+        return -1;
+    if (IsExe(section, entry)) {
+        zr_message("Pfad System / Exe wird nicht mehr geschrieben.", nullptr, nullptr, "Zr", __LINE__);
+        return 0;
+    }
+    return zr_schreibe_pfad_ex(file, section, entry, path);
+}
+
+int zr_schreibe_pfad_ex(const char *inifile, const char *section, const char *entry, const char *path) noexcept {
+    if (inifile == nullptr)
+        return zr_schreibe_pfad(section, entry, path);
+    return ini_write_path(inifile, section, entry, path) == 0 ? 0 : -1;
 }
 
 } // extern "C"
