@@ -1,10 +1,7 @@
 // Reading single values of settings files.
 #include <zrclb/ini.h>
 
-#include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <cstring>
 #include <string_view>
 
 #include <zrclb/report.h>
@@ -13,13 +10,13 @@
 #include "settings/ini_default_file.h"
 #include "settings/ini_lines.h"
 #include "settings/ini_names.h"
+#include "settings/ini_values.h"
 
 namespace zr::settings {
 
 namespace {
 
 constexpr char source_tag[] = "Ini";
-constexpr zr_long value_limit = 2047;
 
 constexpr char version_section[] = "_Zr_Data_Version_Info_";
 constexpr char version_entry[] = "Version";
@@ -56,41 +53,12 @@ bool NextEntry(IniLines &lines, const Place &place, std::string_view &name, std:
     return false;
 }
 
-int CopyValue(std::string_view value, char *buffer, zr_long &size) {
-    const auto room = static_cast<std::size_t>(size);
-    const std::size_t length = std::min(value.size(), room);
-    if (buffer != nullptr) {
-        std::memcpy(buffer, value.data(), length);
-        buffer[length] = 0;
-    }
-    if (value.size() > room)
-        return INI_NO_ROOM;
-    size = static_cast<zr_long>(length);
-    return INI_DONE;
-}
-
-// Lists the names, with a terminator behind each. A list that is cut in the midst of a name gets that name's
-// terminator too, for which the buffer has a byte: who walks through it finds an end.
 int ListNames(IniLines &lines, const Place &place, char *buffer, zr_long &size) {
-    const std::size_t limit = size > 0 ? static_cast<std::size_t>(size) - 1 : 0;
-    const auto last = static_cast<std::size_t>(size);
-    std::size_t stored = 0;
+    NameList list(buffer, size);
     std::string_view name, value;
-    int result = INI_DONE;
-    while (result == INI_DONE && NextEntry(lines, place, name, value)) {
-        const std::size_t length = std::min(name.size(), limit - stored);
-        std::memcpy(buffer + stored, name.data(), length);
-        stored += length;
-        if (stored < limit)
-            buffer[stored++] = 0;
-        else
-            result = INI_NO_ROOM;
+    while (NextEntry(lines, place, name, value) && list.Add(name)) {
     }
-    buffer[stored] = 0;
-    if (result == INI_NO_ROOM)
-        buffer[last] = 0;
-    size = static_cast<zr_long>(stored);
-    return result;
+    return list.End(size);
 }
 
 bool FindSection(IniLines &lines, const char *section) {
@@ -126,21 +94,6 @@ int ReadNumber(const Place &place, Value *value, Value (*convert)(const char *) 
     if (result == INI_DONE)
         *value = convert(text);
     return result;
-}
-
-template <class Value>
-int SplitNumbers(char *text, Value *values, zr_long &count, Value (*convert)(const char *) noexcept) {
-    const zr_long room = count;
-    for (count = 0; *text != 0; ++count) {
-        if (count == room)
-            return INI_NO_ROOM;
-        char *const end = text + std::strcspn(text, ",");
-        char *const next = end + (*end != 0 ? 1 : 0);
-        *end = 0;
-        values[count] = convert(text);
-        text = next;
-    }
-    return INI_DONE;
 }
 
 template <class Value>

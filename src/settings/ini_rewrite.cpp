@@ -20,14 +20,14 @@ bool HoldsSomething(const char *path) {
     return fio_exist("", path) == 1 && fio_ispath(path) == 0;
 }
 
-// Copies of a file take its permissions along: those that the settings file has are to stay. What may not be written
-// isn't copied over.
-void KeepMode(const char *path, const char *temporary) {
+} // namespace
+
+int CopyOverFile(const char *temporary, const char *path) {
+    // Copies of a file take its permissions along. What may not be written isn't copied over.
     if (platform::CanAccess(path, 2))
         platform::CopyMode(path, temporary);
+    return fio_copy("", temporary, "", path);
 }
-
-} // namespace
 
 bool SplitEntry(std::string_view line, std::string_view &name, std::string_view &value) {
     const std::size_t sign = FindEqualSign(line);
@@ -130,8 +130,7 @@ bool IniRewrite::CloseOutput() {
 int IniRewrite::Finish() {
     const bool is_whole = CloseOutput() && !m_in.HasFailed();
     m_in.Close();
-    KeepMode(m_path, m_temporary);
-    const int result = is_whole ? fio_copy("", m_temporary, "", m_path) : -1;
+    const int result = is_whole ? CopyOverFile(m_temporary, m_path) : -1;
     Abandon();
     return result;
 }

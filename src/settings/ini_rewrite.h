@@ -22,6 +22,10 @@ enum class LineKind {
 // An entry line taken apart, the name trimmed. False for a line without "=", which is reported.
 bool SplitEntry(std::string_view line, std::string_view &name, std::string_view &value);
 
+// Copies the temporary file over the settings file `path`, whose permissions stay: what fio_copy gives. The temporary
+// file stays too.
+int CopyOverFile(const char *temporary, const char *path);
+
 // One rewrite. Texts given out are valid until the next line is read. Threads: one at a time; different ones are
 // independent.
 class IniRewrite {

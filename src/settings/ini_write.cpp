@@ -2,15 +2,14 @@
 #include <zrclb/ini.h>
 
 #include <cstddef>
-#include <cstring>
 #include <string_view>
 
-#include <zrclb/report.h>
 #include <zrclb/str.h>
 
 #include "settings/ini_default_file.h"
 #include "settings/ini_names.h"
 #include "settings/ini_rewrite.h"
+#include "settings/ini_values.h"
 
 namespace zr::settings {
 
@@ -20,8 +19,6 @@ constexpr char version_section[] = "_Zr_Data_Version_Info_";
 constexpr char version_entry[] = "Version";
 constexpr zr_long version_parts = 4;
 
-constexpr std::size_t list_limit = 2047;   // characters of a list
-constexpr std::size_t number_size = 80;    // of one of its numbers, with comma and terminator
 constexpr std::size_t decimals_size = 400; // any double with six decimals
 
 // At the end of a file without the section.
@@ -61,20 +58,9 @@ int WriteList(const char *file, const char *section, const char *entry, const Va
               const char *format) {
     if (values == nullptr && count > 0)
         return INI_NO_FILE;
-    char list[list_limit + 1] = "";
-    std::size_t length = 0;
-    for (zr_long i = 0; i < count; ++i) {
-        char number[number_size];
-        const auto added = static_cast<std::size_t>(str_printf(number, sizeof number, format, values[i]));
-        if (length + added > list_limit) {
-            zr_end();
-            return INI_NO_ROOM;
-        }
-        std::memcpy(list + length, number, added);
-        length += added;
-    }
-    list[length > 0 ? length - 1 : 0] = 0; // the last comma
-    return ini_write_string(file, section, entry, list);
+    char list[list_size];
+    const int result = FormatList(values, count, format, list);
+    return result == INI_DONE ? ini_write_string(file, section, entry, list) : result;
 }
 
 } // namespace
