@@ -30,6 +30,12 @@ typedef enum CalculatorErrorType {
     CALCULATOR_NEGATIVE_ROOT = 17     /* square root of a negative number */
 } CalculatorErrorType;
 
+/* Sets the decimals to which every result is rounded: 2 gives 0.33 for 1/3, negative ones round to tens and so on, 0, as at the
+ * start, doesn't round. -1 takes the number from the entry "Nachkommastellen" of the section
+ * "Calculator" of the installation's settings file (ini_read_long without a file), and keeps what there was if there is none.
+ * Gives the digits then in force. They count for the whole process. Threads: not while another one computes. */
+ZR_API zr_long calc_init(zr_long digits) ZR_NOEXCEPT;
+
 /* Computes text into *result and sets *ok to 1, or to 0 on a failure, whose reason is lost. *result then holds what the leftmost
  * part had come to, or is what it was. If rounding digits are in force, *result is rounded to them in either case. A null text is
  * an empty one, which fails; null for result or ok is left out. Threads: any. */

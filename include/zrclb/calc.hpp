@@ -23,9 +23,9 @@ public:
     void GetMessageString(char *buffer, zr_long size) const noexcept;
 
 private:
-    CalculatorErrorType type_;
-    zr_long row_;
-    zr_long column_;
+    CalculatorErrorType m_type;
+    zr_long m_row;
+    zr_long m_column;
 };
 
 // A calculator. Copies share one implementation, and so the last error; the last of them frees it. An object and its copies belong to
@@ -47,8 +47,11 @@ public:
     // and stays as it is until one of them is asked again. Without an implementation it is of type 1.
     const CZrCalculatorError &GetLastError() const noexcept;
 
+    // As calc_init, for the whole process.
+    static void Init(zr_long digits) noexcept;
+
 private:
-    CZrCalculatorImpl *impl_;
+    CZrCalculatorImpl *m_impl;
 };
 
 #endif

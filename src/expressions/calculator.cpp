@@ -39,76 +39,80 @@ constexpr const char *messages[] = {
 } // namespace
 
 CZrCalculatorError::CZrCalculatorError(CalculatorErrorType type, zr_long row, zr_long column) noexcept
-    : type_(type), row_(row), column_(column) {}
+    : m_type(type), m_row(row), m_column(column) {}
 
 CalculatorErrorType CZrCalculatorError::GetErrorType() const noexcept {
-    return type_;
+    return m_type;
 }
 
 void CZrCalculatorError::SetErrorType(CalculatorErrorType type) noexcept {
-    type_ = type;
+    m_type = type;
 }
 
 zr_long CZrCalculatorError::GetErrorRow() const noexcept {
-    return row_;
+    return m_row;
 }
 
 void CZrCalculatorError::SetErrorRow(zr_long row) noexcept {
-    row_ = row;
+    m_row = row;
 }
 
 zr_long CZrCalculatorError::GetErrorColumn() const noexcept {
-    return column_;
+    return m_column;
 }
 
 void CZrCalculatorError::SetErrorColumn(zr_long column) noexcept {
-    column_ = column;
+    m_column = column;
 }
 
 void CZrCalculatorError::GetMessageString(char *buffer, zr_long size) const noexcept {
     if (buffer == nullptr || size < 1)
         return;
     buffer[0] = 0; // the copy leaves a buffer of one character alone
-    const auto type = static_cast<std::size_t>(type_);
+    const auto type = static_cast<std::size_t>(m_type);
     const char *message = type < std::size(messages) ? messages[type] : nullptr;
     str_ncpy(buffer, message != nullptr ? message : default_message, size - 1);
 }
 
-CZrCalculator::CZrCalculator() noexcept : impl_(nullptr) {
+CZrCalculator::CZrCalculator() noexcept : m_impl(nullptr) {
     void *place = heap_malloc(sizeof(CZrCalculatorImpl));
     if (place != nullptr)
-        impl_ = new (place) CZrCalculatorImpl;
+        m_impl = new (place) CZrCalculatorImpl;
 }
 
-CZrCalculator::CZrCalculator(const CZrCalculator &other) noexcept : impl_(other.impl_) {
-    if (impl_ != nullptr)
-        ++impl_->owners;
+CZrCalculator::CZrCalculator(const CZrCalculator &other) noexcept : m_impl(other.m_impl) {
+    if (m_impl != nullptr)
+        ++m_impl->owners;
 }
 
 CZrCalculator &CZrCalculator::operator=(const CZrCalculator &other) noexcept {
     CZrCalculator copy(other);
-    std::swap(impl_, copy.impl_);
+    std::swap(m_impl, copy.m_impl);
     return *this;
 }
 
 CZrCalculator::~CZrCalculator() {
-    if (impl_ == nullptr || --impl_->owners != 0)
+    if (m_impl == nullptr || --m_impl->owners != 0)
         return;
-    impl_->~CZrCalculatorImpl();
-    heap_free(impl_);
+    m_impl->~CZrCalculatorImpl();
+    heap_free(m_impl);
 }
 
 bool CZrCalculator::Calculate(const char *text, double *result) noexcept {
-    return impl_ != nullptr && impl_->Calculate(text, result);
+    return m_impl != nullptr && m_impl->Calculate(text, result);
 }
 
 bool CZrCalculator::CalculateStringExpression(const char *text, char *out, zr_long size) noexcept {
-    return impl_ != nullptr && impl_->CalculateStringExpression(text, out, size);
+    return m_impl != nullptr && m_impl->CalculateStringExpression(text, out, size);
+}
+
+void CZrCalculator::Init(zr_long digits) noexcept {
+    calc_init(digits);
 }
 
 const CZrCalculatorError &CZrCalculator::GetLastError() const noexcept {
     static const CZrCalculatorError no_implementation(CALCULATOR_SYNTAX);
-    return impl_ != nullptr ? impl_->GetLastError() : no_implementation;
+    return m_impl != nullptr ? m_impl->GetLastError() : no_implementation;
 }
 
 extern "C" {

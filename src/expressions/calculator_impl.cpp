@@ -6,19 +6,19 @@
 
 #include <zrclb/numbers.h>
 
-zr_long zr::expressions::rounding_digits = 0;
+#include "expressions/rounding.h"
 
 bool CZrCalculatorImpl::Calculate(const char *text, double *result) {
     double own_result = 0.0;
     double &out = result != nullptr ? *result : own_result;
-    error_ = expression_.Compute(text, out);
+    m_error = m_expression.Compute(text, out);
     const zr_long digits = zr::expressions::rounding_digits;
     if (digits != 0)
         out = pround(out, -std::max(digits, -std::numeric_limits<zr_long>::max()));
-    return error_ == CALCULATOR_OK;
+    return m_error == CALCULATOR_OK;
 }
 
 const CZrCalculatorError &CZrCalculatorImpl::GetLastError() {
-    last_error_ = CZrCalculatorError(error_, expression_.Row(), expression_.Column());
-    return last_error_;
+    m_last_error = CZrCalculatorError(m_error, m_expression.Row(), m_expression.Column());
+    return m_last_error;
 }

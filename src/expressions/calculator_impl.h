@@ -6,13 +6,6 @@
 
 #include "expressions/expression.h"
 
-namespace zr::expressions {
-
-// Decimals to which every result is rounded; 0 for no rounding. Of the process, without a guard.
-extern zr_long rounding_digits;
-
-} // namespace zr::expressions
-
 class CZrCalculatorImpl {
 public:
     // Contracts of CZrCalculator.
@@ -26,9 +19,9 @@ private:
     struct StringOutput;
     bool AddPlace(char *place, char *close, StringOutput &output);
 
-    zr::expressions::Expression expression_;
-    CalculatorErrorType error_ = CALCULATOR_OK;
-    CZrCalculatorError last_error_; // as it was last asked for
+    zr::expressions::Expression m_expression;
+    CalculatorErrorType m_error = CALCULATOR_OK;
+    CZrCalculatorError m_last_error; // as it was last asked for
 };
 
 #endif

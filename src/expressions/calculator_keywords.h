@@ -54,21 +54,21 @@ public:
     static constexpr std::size_t longest = 4;
 
     constexpr CalculatorKeywords() {
-        for (std::int8_t &place : places_)
+        for (std::int8_t &place : m_places)
             place = -1;
         for (std::size_t i = 0; i < std::size(packed_words); ++i) {
-            std::int8_t &place = places_[Slot(packed_words[i])];
-            distinct_ = distinct_ && place < 0;
+            std::int8_t &place = m_places[Slot(packed_words[i])];
+            m_distinct = m_distinct && place < 0;
             place = static_cast<std::int8_t>(i);
         }
     }
 
     // Every word has a slot of its own.
-    constexpr bool IsDistinct() const { return distinct_; }
+    constexpr bool IsDistinct() const { return m_distinct; }
 
     // The word of up to four packed characters in upper case, or None.
     Word Find(std::uint32_t packed) const {
-        const int place = places_[Slot(packed)];
+        const int place = m_places[Slot(packed)];
         return place >= 0 && packed_words[place] == packed ? static_cast<Word>(place) : Word::None;
     }
 
@@ -80,8 +80,8 @@ public:
 private:
     static constexpr std::size_t Slot(std::uint32_t packed) { return packed * 0x2265B1F5u >> 26; }
 
-    std::int8_t places_[64] = {};
-    bool distinct_ = true;
+    std::int8_t m_places[64] = {};
+    bool m_distinct = true;
 };
 
 } // namespace zr::expressions

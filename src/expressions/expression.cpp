@@ -56,11 +56,11 @@ Operator OperatorOf(zr_long kind, Word keyword) {
 } // namespace
 
 CalculatorErrorType Expression::Compute(const char *text, double &result) {
-    tokens_.Start(text);
-    stack_.Clear();
-    error_ = CALCULATOR_OK;
-    evaluate_ = true;
-    value_ = result;
+    m_tokens.Start(text);
+    m_stack.Clear();
+    m_error = CALCULATOR_OK;
+    m_evaluate = true;
+    m_value = result;
     Fetch();
     Step next = Step::Operand;
     while (next != Step::Done) {
@@ -68,21 +68,21 @@ CalculatorErrorType Expression::Compute(const char *text, double &result) {
         while (next == Step::Operator)
             next = ReadOperator();
     }
-    if (error_ == CALCULATOR_OK && tokens_.Kind() != SCAN_KIND_END)
-        error_ = CALCULATOR_SYNTAX;
-    if (error_ != CALCULATOR_OK)
+    if (m_error == CALCULATOR_OK && m_tokens.Kind() != SCAN_KIND_END)
+        m_error = CALCULATOR_SYNTAX;
+    if (m_error != CALCULATOR_OK)
         Unwind();
-    result = value_;
-    return error_;
+    result = m_value;
+    return m_error;
 }
 
 // An error that stands already doesn't keep the operand from being read: it comes from its first token, or is a division by zero
 // whose product goes on. A token at fault counts like the one before it.
 inline Expression::Step Expression::ReadOperand() {
-    switch (tokens_.Kind()) {
+    switch (m_tokens.Kind()) {
     case SCAN_KIND_LONG:
     case SCAN_KIND_DOUBLE:
-        return Take(tokens_.Number());
+        return Take(m_tokens.Number());
     case SCAN_KIND_LEFT_PARENTHESIS:
         return Enter(Waiting::Parenthesis);
     case SCAN_KIND_MINUS:
@@ -95,54 +95,54 @@ inline Expression::Step Expression::ReadOperand() {
 }
 
 inline Expression::Step Expression::Take(double value) {
-    if (evaluate_)
-        value_ = value;
+    if (m_evaluate)
+        m_value = value;
     Fetch();
     return Step::Operator;
 }
 
 inline Expression::Step Expression::ReadWord() {
-    const Word word = tokens_.Keyword();
+    const Word word = m_tokens.Keyword();
     if (word == Word::Not)
         return Enter(Waiting::Not);
     if (word == Word::Pi)
         return Take(pi);
     Fetch();
-    return tokens_.Kind() == SCAN_KIND_LEFT_PARENTHESIS ? Enter(word) : Fail(CALCULATOR_LEFT_PARENTHESIS);
+    return m_tokens.Kind() == SCAN_KIND_LEFT_PARENTHESIS ? Enter(word) : Fail(CALCULATOR_LEFT_PARENTHESIS);
 }
 
 // Lets something in front of an operand wait for it.
 inline Expression::Step Expression::Enter(Waiting what) {
-    if (stack_.Push(what, value_) == nullptr)
+    if (m_stack.Push(what, m_value) == nullptr)
         return Fail(CALCULATOR_SYNTAX);
     Fetch();
     return Step::Operand;
 }
 
 inline Expression::Step Expression::Enter(Word call) {
-    WaitingPart *part = stack_.Push(Waiting::Call, value_);
+    WaitingPart *part = m_stack.Push(Waiting::Call, m_value);
     if (part == nullptr)
         return Fail(CALCULATOR_SYNTAX);
     part->word = static_cast<std::int8_t>(call);
     part->repeated = false;
-    value_ = 0.0;
+    m_value = 0.0;
     Fetch();
     return Step::Operand;
 }
 
 // Behind an operand: applies what binds at least as tightly as what comes, and reads that.
 inline Expression::Step Expression::ReadOperator() {
-    if (error_ != CALCULATOR_OK)
+    if (m_error != CALCULATOR_OK)
         return Step::Done;
-    const Operator next = OperatorOf(tokens_.Kind(), tokens_.Keyword());
-    while (stack_.Top().what >= next.weakest) {
-        if (evaluate_)
-            Apply(stack_.Top());
-        stack_.Pop();
-        if (error_ == CALCULATOR_OK)
+    const Operator next = OperatorOf(m_tokens.Kind(), m_tokens.Keyword());
+    while (m_stack.Top().what >= next.weakest) {
+        if (m_evaluate)
+            Apply(m_stack.Top());
+        m_stack.Pop();
+        if (m_error == CALCULATOR_OK)
             continue;
         // A division by zero is seen only behind the next factor.
-        if (error_ == CALCULATOR_DIVISION && next.weakest == Waiting::Times)
+        if (m_error == CALCULATOR_DIVISION && next.weakest == Waiting::Times)
             break;
         return Step::Done;
     }
@@ -151,9 +151,9 @@ inline Expression::Step Expression::ReadOperator() {
 
 // Behind the left operand of an operator.
 inline Expression::Step Expression::ReadRight(Waiting what) {
-    if (stack_.Push(what, value_) == nullptr)
+    if (m_stack.Push(what, m_value) == nullptr)
         return Fail(CALCULATOR_SYNTAX);
-    value_ = 0.0;
+    m_value = 0.0;
     Fetch();
     return Step::Operand;
 }
@@ -162,49 +162,49 @@ inline void Expression::Apply(const WaitingPart &part) {
     const double left = part.left;
     switch (part.what) {
     case Waiting::Plus:
-        value_ = left + value_;
+        m_value = left + m_value;
         break;
     case Waiting::Minus:
-        value_ = left - value_;
+        m_value = left - m_value;
         break;
     case Waiting::Times:
-        value_ = left * value_;
+        m_value = left * m_value;
         break;
     case Waiting::Over:
-        value_ = Quotient(left, value_, error_);
+        m_value = Quotient(left, m_value, m_error);
         break;
     case Waiting::Power:
-        value_ = Power(left, value_, error_);
+        m_value = Power(left, m_value, m_error);
         break;
     case Waiting::Negation:
-        value_ = -value_;
+        m_value = -m_value;
         break;
     case Waiting::Not:
-        value_ = ToNumber(value_ == 0);
+        m_value = ToNumber(m_value == 0);
         break;
     case Waiting::Less:
-        value_ = ToNumber(left < value_);
+        m_value = ToNumber(left < m_value);
         break;
     case Waiting::LessEqual:
-        value_ = ToNumber(left <= value_);
+        m_value = ToNumber(left <= m_value);
         break;
     case Waiting::Greater:
-        value_ = ToNumber(left > value_);
+        m_value = ToNumber(left > m_value);
         break;
     case Waiting::GreaterEqual:
-        value_ = ToNumber(left >= value_);
+        m_value = ToNumber(left >= m_value);
         break;
     case Waiting::Equal:
-        value_ = ToNumber(left == value_);
+        m_value = ToNumber(left == m_value);
         break;
     case Waiting::Different:
-        value_ = ToNumber(left != value_);
+        m_value = ToNumber(left != m_value);
         break;
     case Waiting::And: // both sides are always computed
-        value_ = ToNumber(left != 0 && value_ != 0);
+        m_value = ToNumber(left != 0 && m_value != 0);
         break;
     default:
-        value_ = ToNumber(left != 0 || value_ != 0);
+        m_value = ToNumber(left != 0 || m_value != 0);
         break;
     }
 }
@@ -212,17 +212,17 @@ inline void Expression::Apply(const WaitingPart &part) {
 // Behind a logical expression: a choice begins, or what waits ends.
 inline Expression::Step Expression::EndConditional() {
     for (;;) {
-        if (tokens_.Kind() == SCAN_KIND_QUESTION) { // never behind a second branch, which has taken it
-            WaitingPart *choice = stack_.Push(Waiting::Then, value_);
+        if (m_tokens.Kind() == SCAN_KIND_QUESTION) { // never behind a second branch, which has taken it
+            WaitingPart *choice = m_stack.Push(Waiting::Then, m_value);
             if (choice == nullptr)
                 return Fail(CALCULATOR_SYNTAX);
-            choice->evaluate = evaluate_;
-            evaluate_ = evaluate_ && value_ != 0;
-            value_ = 0.0;
+            choice->evaluate = m_evaluate;
+            m_evaluate = m_evaluate && m_value != 0;
+            m_value = 0.0;
             Fetch();
             return Step::Operand;
         }
-        switch (stack_.Top().what) {
+        switch (m_stack.Top().what) {
         case Waiting::Parenthesis:
             return EndParenthesis();
         case Waiting::Call:
@@ -239,65 +239,65 @@ inline Expression::Step Expression::EndConditional() {
 }
 
 inline Expression::Step Expression::EndParenthesis() {
-    if (tokens_.Kind() != SCAN_KIND_RIGHT_PARENTHESIS)
+    if (m_tokens.Kind() != SCAN_KIND_RIGHT_PARENTHESIS)
         return Fail(CALCULATOR_RIGHT_PARENTHESIS);
-    stack_.Pop();
+    m_stack.Pop();
     Fetch();
     return Step::Operator;
 }
 
 // Behind an argument.
 inline Expression::Step Expression::EndCall() {
-    WaitingPart &call = stack_.Top();
+    WaitingPart &call = m_stack.Top();
     const auto word = static_cast<Word>(call.word);
-    if (!call.repeated || (word == Word::Max ? value_ >= call.value : value_ <= call.value))
-        call.value = value_;
-    if (tokens_.Kind() == SCAN_KIND_COMMA && (word == Word::Min || word == Word::Max)) {
+    if (!call.repeated || (word == Word::Max ? m_value >= call.value : m_value <= call.value))
+        call.value = m_value;
+    if (m_tokens.Kind() == SCAN_KIND_COMMA && (word == Word::Min || word == Word::Max)) {
         call.repeated = true;
-        value_ = 0.0;
+        m_value = 0.0;
         Fetch();
         return Step::Operand;
     }
-    if (tokens_.Kind() != SCAN_KIND_RIGHT_PARENTHESIS)
+    if (m_tokens.Kind() != SCAN_KIND_RIGHT_PARENTHESIS)
         return Fail(CALCULATOR_RIGHT_PARENTHESIS);
     Fetch();
-    value_ = call.left;
-    if (error_ == CALCULATOR_OK && evaluate_)
-        value_ = FunctionValue(word, call.value, value_, error_);
-    stack_.Pop();
+    m_value = call.left;
+    if (m_error == CALCULATOR_OK && m_evaluate)
+        m_value = FunctionValue(word, call.value, m_value, m_error);
+    m_stack.Pop();
     return Step::Operator;
 }
 
 // Behind the first branch.
 inline Expression::Step Expression::EndThen() {
-    if (tokens_.Kind() != SCAN_KIND_COLON)
+    if (m_tokens.Kind() != SCAN_KIND_COLON)
         return Fail(CALCULATOR_ELSE);
-    WaitingPart &choice = stack_.Top();
+    WaitingPart &choice = m_stack.Top();
     choice.what = Waiting::Else;
-    choice.value = value_;
+    choice.value = m_value;
     Fetch();
-    evaluate_ = choice.evaluate && choice.left == 0;
-    value_ = 0.0;
+    m_evaluate = choice.evaluate && choice.left == 0;
+    m_value = 0.0;
     return Step::Operand;
 }
 
 // Behind the second branch.
 inline void Expression::EndElse() {
-    const WaitingPart &choice = stack_.Top();
-    evaluate_ = choice.evaluate;
-    if (!evaluate_)
-        value_ = choice.left;
+    const WaitingPart &choice = m_stack.Top();
+    m_evaluate = choice.evaluate;
+    if (!m_evaluate)
+        m_value = choice.left;
     else if (choice.left != 0)
-        value_ = choice.value;
-    stack_.Pop();
+        m_value = choice.value;
+    m_stack.Pop();
 }
 
 // After a failure: the result is what the leftmost operand has come to.
 void Expression::Unwind() {
-    for (; stack_.Top().what != Waiting::Bottom; stack_.Pop()) {
-        const Waiting what = stack_.Top().what;
+    for (; m_stack.Top().what != Waiting::Bottom; m_stack.Pop()) {
+        const Waiting what = m_stack.Top().what;
         if (what >= Waiting::Call && what <= Waiting::Power)
-            value_ = stack_.Top().left;
+            m_value = m_stack.Top().left;
     }
 }
 

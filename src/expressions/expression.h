@@ -15,8 +15,8 @@ public:
     CalculatorErrorType Compute(const char *text, double &result);
 
     // Place of the token at which reading stopped.
-    zr_long Row() const { return tokens_.Row(); }
-    zr_long Column() const { return tokens_.Column(); }
+    zr_long Row() const { return m_tokens.Row(); }
+    zr_long Column() const { return m_tokens.Column(); }
 
 private:
     // What is read next.
@@ -27,11 +27,11 @@ private:
     };
 
     void Fetch() {
-        if (!tokens_.Next())
-            error_ = CALCULATOR_SYNTAX;
+        if (!m_tokens.Next())
+            m_error = CALCULATOR_SYNTAX;
     }
     Step Fail(CalculatorErrorType error) {
-        error_ = error;
+        m_error = error;
         return Step::Done;
     }
 
@@ -50,11 +50,11 @@ private:
     void EndElse();
     void Unwind();
 
-    ExpressionTokens tokens_;
-    WaitingStack stack_;
-    bool evaluate_ = true;
-    CalculatorErrorType error_ = CALCULATOR_OK;
-    double value_ = 0; // of the operand at work
+    ExpressionTokens m_tokens;
+    WaitingStack m_stack;
+    bool m_evaluate = true;
+    CalculatorErrorType m_error = CALCULATOR_OK;
+    double m_value = 0; // of the operand at work
 };
 
 } // namespace zr::expressions

@@ -15,55 +15,55 @@ constexpr CharacterTable characters(options);
 
 } // namespace
 
-ExpressionTokens::ExpressionTokens() : scanner_(TextSource{}, options, characters, keywords) {}
+ExpressionTokens::ExpressionTokens() : m_scanner(TextSource{}, options, characters, keywords) {}
 
 void ExpressionTokens::Start(const char *text) {
-    next_ = token_ = line_ = text != nullptr ? text : "";
-    row_ = 0;
-    kind_ = SCAN_KIND_VOID;
+    m_next = m_token = m_line = text != nullptr ? text : "";
+    m_row = 0;
+    m_kind = SCAN_KIND_VOID;
 }
 
 void ExpressionTokens::SkipBlanks() {
     do {
-        if (*next_++ == '\n') {
-            ++row_;
-            line_ = next_;
+        if (*m_next++ == '\n') {
+            ++m_row;
+            m_line = m_next;
         }
-    } while (StartOf(*next_) == start_blank);
+    } while (StartOf(*m_next) == start_blank);
 }
 
 // A name that is too long for a word is no word.
 bool ExpressionTokens::ReadName() {
     constexpr char to_upper = '_'; // as a mask; it leaves itself alone, and makes no digit a letter of a word
-    const char *p = token_;
+    const char *p = m_token;
     std::uint32_t packed = 0;
     for (int start = start_letter; start == start_letter || start == start_digit; start = StartOf(*p))
         packed = packed << 8 | static_cast<unsigned char>(*p++ & to_upper);
-    keyword_ = p - token_ <= std::ptrdiff_t{CalculatorKeywords::longest} ? keywords.Find(packed) : Word::None;
-    return keyword_ != Word::None ? End(SCAN_KIND_KEYWORD, p) : ReadByScanner();
+    m_keyword = p - m_token <= std::ptrdiff_t{CalculatorKeywords::longest} ? keywords.Find(packed) : Word::None;
+    return m_keyword != Word::None ? End(SCAN_KIND_KEYWORD, p) : ReadByScanner();
 }
 
 // A relation of one character or two; the same one twice counts once.
 bool ExpressionTokens::ReadRelation() {
-    const char first = *token_;
-    const char second = token_[1];
+    const char first = *m_token;
+    const char second = m_token[1];
     if (StartOf(second) != start_relation)
-        return End(CharacterTable::SymbolKind(first), token_ + 1);
+        return End(CharacterTable::SymbolKind(first), m_token + 1);
     zr_long kind = CharacterTable::SymbolKind(first);
     if (first != second && first != '=' && second != '=')
         kind = SCAN_KIND_HASH;
     else if (first != second)
         kind = first == '<' || second == '<' ? SCAN_KIND_LESS_EQUAL : SCAN_KIND_GREATER_EQUAL;
-    return End(kind, token_ + 2);
+    return End(kind, m_token + 2);
 }
 
 bool ExpressionTokens::ReadByScanner() {
-    scanner_.GetSource().next = token_;
-    scanner_.Reset();
-    const bool good = scanner_.NextToken(kind_, scanned_) == SCAN_ERROR_NONE;
-    next_ = scanner_.GetSource().next - 1; // it has read one character ahead
-    keyword_ = kind_ == SCAN_KIND_KEYWORD ? static_cast<Word>(scanned_.longValue) : Word::None;
-    number_ = kind_ == SCAN_KIND_LONG ? static_cast<double>(scanned_.longValue) : scanned_.doubleValue;
+    m_scanner.GetSource().next = m_token;
+    m_scanner.Reset();
+    const bool good = m_scanner.NextToken(m_kind, m_scanned) == SCAN_ERROR_NONE;
+    m_next = m_scanner.GetSource().next - 1; // it has read one character ahead
+    m_keyword = m_kind == SCAN_KIND_KEYWORD ? static_cast<Word>(m_scanned.longValue) : Word::None;
+    m_number = m_kind == SCAN_KIND_LONG ? static_cast<double>(m_scanned.longValue) : m_scanned.doubleValue;
     return good;
 }
 

@@ -43,17 +43,17 @@ public:
     bool Next();
 
     // Kind of the token, SCAN_KIND_...; a number of either kind may be called a double.
-    zr_long Kind() const { return kind_; }
+    zr_long Kind() const { return m_kind; }
 
     // Value of a number.
-    double Number() const { return number_; }
+    double Number() const { return m_number; }
 
     // The word, for a keyword.
-    Word Keyword() const { return keyword_; }
+    Word Keyword() const { return m_keyword; }
 
     // Place of the token, from 0.
-    zr_long Row() const { return row_; }
-    zr_long Column() const { return static_cast<zr_long>(token_ - line_); }
+    zr_long Row() const { return m_row; }
+    zr_long Column() const { return static_cast<zr_long>(m_token - m_line); }
 
 private:
     void SkipBlanks();
@@ -64,30 +64,30 @@ private:
     static unsigned Digit(char c) { return static_cast<unsigned char>(c) - unsigned{'0'}; }
     bool End(zr_long kind, const char *next);
 
-    const char *next_ = "";  // behind the token
-    const char *token_ = ""; // where the token begins
-    const char *line_ = "";  // where its line begins
-    zr_long row_ = 0;
-    zr_long kind_ = SCAN_KIND_VOID;
-    Word keyword_ = Word::None;
-    double number_ = 0;
-    ScannerCore<TextSource, CalculatorKeywords> scanner_;
-    ZrScanToken scanned_;
+    const char *m_next = "";  // behind the token
+    const char *m_token = ""; // where the token begins
+    const char *m_line = "";  // where its line begins
+    zr_long m_row = 0;
+    zr_long m_kind = SCAN_KIND_VOID;
+    Word m_keyword = Word::None;
+    double m_number = 0;
+    ScannerCore<TextSource, CalculatorKeywords> m_scanner;
+    ZrScanToken m_scanned;
 };
 
 inline bool ExpressionTokens::End(zr_long kind, const char *next) {
-    kind_ = kind;
-    next_ = next;
+    m_kind = kind;
+    m_next = next;
     return true;
 }
 
 inline bool ExpressionTokens::Next() {
-    int start = StartOf(*next_);
+    int start = StartOf(*m_next);
     if (start == start_blank) {
         SkipBlanks();
-        start = StartOf(*next_);
+        start = StartOf(*m_next);
     }
-    token_ = next_;
+    m_token = m_next;
     switch (start) {
     case start_digit:
         return ReadNumber();
@@ -98,19 +98,19 @@ inline bool ExpressionTokens::Next() {
     case start_scanner:
         return ReadByScanner();
     case SCAN_KIND_END: // stays the next one
-        return End(SCAN_KIND_END, token_);
+        return End(SCAN_KIND_END, m_token);
     default:
-        return End(start, token_ + 1);
+        return End(start, m_token + 1);
     }
 }
 
 // One division of exact doubles is rounded once, hence right, where the machine computes in doubles.
 inline bool ExpressionTokens::ReadNumber() {
-    const char *p = token_;
+    const char *p = m_token;
     std::uint64_t digits = 0;
     for (; Digit(*p) <= 9; ++p)
         digits = digits * 10 + Digit(*p);
-    std::ptrdiff_t count = p - token_;
+    std::ptrdiff_t count = p - m_token;
     std::ptrdiff_t decimals = 0;
     if (*p == '.') {
         const char *const point = p++;
@@ -121,9 +121,9 @@ inline bool ExpressionTokens::ReadNumber() {
     }
     if (count > most_digits || *p == 'e' || *p == 'E' || (decimals != 0 && FLT_EVAL_METHOD != 0))
         return ReadByScanner();
-    number_ = static_cast<double>(static_cast<std::int64_t>(digits));
+    m_number = static_cast<double>(static_cast<std::int64_t>(digits));
     if (decimals != 0)
-        number_ /= powers_of_ten[decimals];
+        m_number /= powers_of_ten[decimals];
     return End(SCAN_KIND_DOUBLE, p);
 }
 

@@ -8,24 +8,24 @@
 namespace zr::expressions {
 
 WaitingStack::~WaitingStack() {
-    if (parts_ != in_place_)
-        heap_free(parts_);
+    if (m_parts != m_in_place)
+        heap_free(m_parts);
 }
 
 bool WaitingStack::Grow() {
     constexpr std::size_t limit = 0xFFFFFFFF / sizeof(WaitingPart); // of an allocation
-    const auto room = static_cast<std::size_t>(last_ - parts_) + 1;
+    const auto room = static_cast<std::size_t>(m_last - m_parts) + 1;
     if (room > limit / 2)
         return false;
     auto *grown = static_cast<WaitingPart *>(heap_malloc(static_cast<unsigned>(room * 2 * sizeof(WaitingPart))));
     if (grown == nullptr)
         return false;
-    std::memcpy(grown, parts_, room * sizeof(WaitingPart));
-    if (parts_ != in_place_)
-        heap_free(parts_);
-    parts_ = grown;
-    top_ = parts_ + room - 1;
-    last_ = parts_ + room * 2 - 1;
+    std::memcpy(grown, m_parts, room * sizeof(WaitingPart));
+    if (m_parts != m_in_place)
+        heap_free(m_parts);
+    m_parts = grown;
+    m_top = m_parts + room - 1;
+    m_last = m_parts + room * 2 - 1;
     return true;
 }
 

@@ -45,23 +45,23 @@ struct WaitingPart {
 // A stack with room for ordinary expressions in place. Its bottom is always there.
 class WaitingStack {
 public:
-    WaitingStack() { parts_[0].what = Waiting::Bottom; }
+    WaitingStack() { m_parts[0].what = Waiting::Bottom; }
     ~WaitingStack();
     WaitingStack(const WaitingStack &) = delete;
     WaitingStack &operator=(const WaitingStack &) = delete;
 
-    WaitingPart &Top() { return *top_; }
-    void Pop() { --top_; }
-    void Clear() { top_ = parts_; }
+    WaitingPart &Top() { return *m_top; }
+    void Pop() { --m_top; }
+    void Clear() { m_top = m_parts; }
 
     // A new part on top, whose `what` and `left` are set; null if memory runs out.
     WaitingPart *Push(Waiting what, double left) {
-        if (top_ == last_ && !Grow())
+        if (m_top == m_last && !Grow())
             return nullptr;
-        ++top_;
-        top_->what = what;
-        top_->left = left;
-        return top_;
+        ++m_top;
+        m_top->what = what;
+        m_top->left = left;
+        return m_top;
     }
 
 private:
@@ -69,10 +69,10 @@ private:
 
     bool Grow();
 
-    WaitingPart in_place_[room_in_place];
-    WaitingPart *parts_ = in_place_;
-    WaitingPart *top_ = parts_;
-    WaitingPart *last_ = parts_ + room_in_place - 1; // that there is room for
+    WaitingPart m_in_place[room_in_place];
+    WaitingPart *m_parts = m_in_place;
+    WaitingPart *m_top = m_parts;
+    WaitingPart *m_last = m_parts + room_in_place - 1; // that there is room for
 };
 
 } // namespace zr::expressions

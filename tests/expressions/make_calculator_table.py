@@ -73,6 +73,8 @@ PI_DIGITS = 4 * arc_tangent_digits(Decimal(1))
 
 
 def sine_digits(x):
+    if not x.is_finite():
+        return Decimal("nan")
     x = x % (2 * PI_DIGITS)
     total, term, n = Decimal(0), x, 1
     while abs(term) > Decimal(10) ** -70:
@@ -91,6 +93,8 @@ def tangent(x):
 
 
 def arc_tangent(x):
+    if math.isnan(x):
+        return x
     if math.isinf(x):
         return math.copysign(float(PI_DIGITS / 2), x)
     return float(arc_tangent_digits(Decimal(x)))
@@ -344,14 +348,15 @@ class Calculator:
             self.check()
 
     def raised(self, base, exponent):
-        whole = abs(exponent) < 2 ** 31 and exponent == math.trunc(exponent) if math.isfinite(exponent) else False
+        whole = math.isfinite(exponent) and -2 ** 31 <= exponent < 2 ** 31 and exponent == math.trunc(exponent)
         if base < 0 and not whole:
             self.error = NEGATIVE_POWER
             return 0.0
         if exponent == 0 or base == 1:
             return 1.0
-        if base == 0:
+        if base == 0 and not math.isnan(exponent):
             value = math.inf if exponent < 0 else 0.0
+            value = -value if math.copysign(1, base) < 0 and whole and int(exponent) % 2 else value
         elif not math.isfinite(base) or not math.isfinite(exponent):
             value = base ** exponent
         elif whole and abs(exponent) <= 64:
@@ -442,7 +447,7 @@ class Calculator:
             "SIN": lambda: float(sine_digits(Decimal(radians(x)))),
             "COS": lambda: float(cosine_digits(Decimal(radians(x)))),
             "TAN": lambda: tangent(radians(x)),
-            "COT": lambda: divide(1.0, tangent(radians(x))) if x != 0 else math.inf,
+            "COT": lambda: divide(1.0, tangent(radians(x))) if x != 0 else math.copysign(math.inf, x),
             "ASN": lambda: degrees(arc_sine(x)),
             "ACS": lambda: degrees(arc_cosine(x)),
             "ATN": lambda: degrees(arc_tangent(x)),
@@ -498,10 +503,31 @@ def samples():
     pairs = [f"2{a}3{b}0.5" for a in operators for b in operators]
     pairs += [f"-2{a}-3" for a in operators] + [f"NOT 2{a}NOT 0" for a in operators]
     pairs += [f"1{a}0 ? 2{a}3 : 4{a}5" for a in operators]
+    special = """0|-0|0*-1|-0+0|-0-0|0-0|-0=0|-0<0|NOT -0|-0 ? 1 : 2|ABS(-0)|SQRT(-0)|MIN(0,-0)|MAX(-0,0)|MAX(0,-0)|0/-3|-0*-3|(-0)^3|(-0)^2|(-0)^0.5
+      |5e-324|5e-324/2|5e-324*0.75|3e-324|2e-324|2.2250738585072014e-308/2|2.225073858507201e-308|4.9e-324=5e-324|1e-200*1e-200|-1e-200*1e-200
+      |2^-1074|2^-1075|2^-1022|2^1023|2^1023*2|-2^1023*2|1.7976931348623157e308+1e291|1.7976931348623157e308+1e292|1.7976931348623158e308
+      |1.7976931348623159e308|2147483647|2147483648|-2147483648|2147483647+1|4294967295|4294967296|9223372036854775807|9223372036854775808
+      |18446744073709551615|18446744073709551616|9007199254740992|9007199254740993|9007199254740992+1|0.1+0.2-0.3|1e16+1-1e16
+      |1e400|0.0|99999999999*0+0.0|1e-400|0.00|EXP(1000)|-EXP(1000)|EXP(-1000)|EXP(EXP(1000))|EXP(-EXP(1000))|EXP(1000)>1e308|EXP(1000)=EXP(2000)
+      |EXP(1000)+1|EXP(1000)-EXP(1000)|EXP(1000)*0|EXP(1000)/EXP(1000)|1/EXP(1000)|-1/EXP(1000)|ABS(-EXP(1000))|SQRT(EXP(1000))|SQRT(-EXP(1000))
+      |LGT(EXP(1000))|LOG(EXP(1000))|LGT(-0)|LOG(-0)|ATN(EXP(1000))|ATN(-EXP(1000))|ACT(EXP(1000))|ACT(-0)|COT(0)|COT(-0)|SIN(EXP(1000))
+      |COS(-EXP(1000))|TAN(EXP(1000))|COT(EXP(1000))|ASN(EXP(1000))|ACS(-EXP(1000))|SIN(-0)|ASN(1.0000000000000002)|ACS(1.0000000000000002)
+      |EXP(1000)^0|EXP(1000)^-1|EXP(1000)^1|(-EXP(1000))^3|(-EXP(1000))^-3|(-EXP(1000))^-2|(-EXP(1000))^0.5|0^EXP(1000)|0.5^EXP(1000)|2^EXP(1000)
+      |2^-EXP(1000)|0.5^-EXP(1000)|1^EXP(1000)|(-1)^EXP(1000)|0^-EXP(1000)|ASN(2)|ASN(2)^0|1^ASN(2)|0^ASN(2)|(-1)^2147483646|(-1)^2147483647
+      |(-1)^2147483648|(-1)^-2147483648|(-1)^-2147483649|ASN(2)+1|ASN(2)=1|ASN(2)#1|ASN(2)<=1|ASN(2)>1|1>ASN(2)|1<=ASN(2)|ASN(2) OR 0|0 OR ASN(2)
+      |0 AND ASN(2)|ABS(ASN(2))|SIN(ASN(2))|COT(ASN(2))|ATN(ASN(2))|ACT(ASN(2))|EXP(ASN(2))|LGT(ASN(2))|LOG(ASN(2))|ACS(ASN(2))|SQRT(ASN(2))
+      |1/ASN(2)|MIN(ASN(2))|MIN(1,ASN(2),2)|MAX(ASN(2),1,2)|MIN(EXP(1000),1)|MAX(-EXP(1000),1)|PI=3.141592653589793|PI-3.141592653589793|SIN(180)|COS(90)
+      |TAN(90)|SIN(PI)"""
+    failing = ["$", "", "SIN", "COS 1", "TAN+1", "MIN)", "(1", "ABS(1;", "SQRT(1,2)", "MAX(1,2", "1?2", "(1?2)", "(-8)^.5", "10^400", "0^-1",
+               "1/0", "1/0*2", "SQRT(-4)", "1e999", "SIN 1e999", "\"a"]
+    around = ["%s", " %s ", "%s+3", "%s*3", "2*%s", "2^%s", "-%s", "NOT %s", "1<%s", "1 OR %s", "(%s)", "(%s)*x", "ABS(%s)", "MIN(1,%s,2)",
+              "1 ? %s : 2", "0 ? %s : 2", "0 ? 2 : %s", "1 ? 2 : %s", "%s ? 1 : 2", "\n\n %s", "(1+\n%s\n)"]
+    words = [f"{word}{rest}" for word in WORDS if word not in ("NOT", "PI") for rest in ("", " 1", "(", "(1", "(1,2)", "(1)")]
     deep = ["(" * 40 + "1" + ")" * 40, "-" * 60 + "1", "1+(" * 35 + "2" + ")" * 35, "ABS(" * 40 + "-1" + ")" * 40]
     deep += ["1?" * 40 + "2" + ":3" * 40, "0?1:" * 40 + "5", "1^" * 50 + "3", "(" * 40 + "1" + ")" * 39]
     for group, items in (("valid", listed(valid)), ("invalid", listed(invalid)), ("signs", chains),
-                         ("precedence", pairs), ("nested", deep)):
+                         ("precedence", pairs), ("special", listed(special)), ("words", words),
+                         ("errors", [a % f for f in failing for a in around]), ("nested", deep)):
         for item in items:
             yield group, item
 

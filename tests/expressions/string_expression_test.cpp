@@ -4,11 +4,12 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "env/report_capture.h"
-#include "expressions/calculator_impl.h"
 
 namespace {
 
@@ -202,10 +203,34 @@ TEST(StringExpression, ManyValues_MayOutgrowTheText) {
     ExpectFailure(Fill(text.c_str(), static_cast<zr_long>(expected.size())), Error("Calc", too_small));
 }
 
+// Each call has all that it needs for itself.
+TEST(PlainFunctions, RunInParallel) {
+    std::vector<int> wrong(4);
+    std::vector<std::thread> threads;
+    for (int &count : wrong) {
+        const int number = static_cast<int>(threads.size());
+        threads.emplace_back([&count, number] {
+            const std::string expression = std::to_string(number) + "+MIN(3,1)*2-(1?4:5)";
+            for (int round = 0; round < 500; ++round) {
+                double result = 0;
+                char ok = 0;
+                calc_expression(expression.c_str(), &result, &ok);
+                count += ok != 1 || result != number - 2 ? 1 : 0;
+                char out[64];
+                calc_string_expression(("<[!" + expression + "(.1)]>").c_str(), out, sizeof out, &ok);
+                count += ok != 1 || out != "<" + std::to_string(number - 2) + ".0>" ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong, std::vector<int>(4));
+}
+
 TEST(StringExpression, RoundingDigits_Count) {
-    zr::expressions::rounding_digits = 1;
+    calc_init(1);
     EXPECT_EQ(Filled("[!0.26(.3)]"), "0.300");
-    zr::expressions::rounding_digits = 0;
+    calc_init(0);
 }
 
 } // namespace
