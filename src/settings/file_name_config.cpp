@@ -55,14 +55,15 @@ const char *CZrFileName::GetRelativePath(const char *from, int kind) const {
         *relative_path = '\0';
         return relative_path;
     }
-    Path start;
-    if (!FullPath(from, start))
-        StoreText(start, from, path_limit);
+    Path full;
+    Path result; // `from` may be a result of this object
+    const char *start = FullPath(from, full) ? full : from;
+    const auto start_kind = static_cast<std::uint32_t>(kind);
     const auto end_kind = static_cast<std::uint32_t>(*name == '\0' ? folder_kind : file_kind);
-    zr::platform::RelativePath(relative_path, start, static_cast<std::uint32_t>(kind), GetAbsolutePath(nullptr),
-                               end_kind);
-    if (relative_path[0] == '\\' && relative_path[1] != '\\')
-        str_ins(relative_path, static_cast<int>(sizeof relative_path), 0, ".");
+    zr::platform::RelativePath(result, start, start_kind, GetAbsolutePath(nullptr), end_kind);
+    if (result[0] == '\\' && result[1] != '\\')
+        str_ins(result, static_cast<int>(sizeof result), 0, ".");
+    StoreText(relative_path, result, path_limit);
     return relative_path;
 }
 
