@@ -84,6 +84,9 @@ private:
     bool m_distinct = true;
 };
 
+inline constexpr CalculatorKeywords calculator_keywords;
+static_assert(calculator_keywords.IsDistinct());
+
 } // namespace zr::expressions
 
 #endif

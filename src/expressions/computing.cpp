@@ -26,68 +26,53 @@ bool IsWhole(double value) {
     return value >= lowest && value <= highest && value == std::trunc(value);
 }
 
-double Root(double value, CalculatorErrorType &error) {
-    if (value >= 0)
-        return std::sqrt(value);
-    error = CALCULATOR_NEGATIVE_ROOT;
-    return 0.0;
+Computed Root(double value) {
+    return value >= 0 ? Computed{std::sqrt(value)} : Computed{0.0, CALCULATOR_NEGATIVE_ROOT};
 }
 
 } // namespace
 
-double Power(double base, double exponent, CalculatorErrorType &error) {
-    if (base < 0 && !IsWhole(exponent)) {
-        error = CALCULATOR_NEGATIVE_POWER;
-        return 0.0;
-    }
+Computed Power(double base, double exponent) {
+    if (base < 0 && !IsWhole(exponent))
+        return {0.0, CALCULATOR_NEGATIVE_POWER};
     const double power = std::pow(base, exponent);
-    if (std::isfinite(power))
-        return power;
-    error = CALCULATOR_TOO_LARGE;
-    return 0.0;
+    return std::isfinite(power) ? Computed{power} : Computed{0.0, CALCULATOR_TOO_LARGE};
 }
 
-double Quotient(double left, double right, CalculatorErrorType &error) {
-    if (right != 0)
-        return left / right;
-    error = CALCULATOR_DIVISION;
-    return 0.0;
-}
-
-double FunctionValue(Word word, double x, double otherwise, CalculatorErrorType &error) {
+Computed FunctionValue(Word word, double x, double otherwise) {
     switch (word) {
     case Word::Sin:
-        return std::sin(ToRadians(x));
+        return {std::sin(ToRadians(x))};
     case Word::Cos:
-        return std::cos(ToRadians(x));
+        return {std::cos(ToRadians(x))};
     case Word::Tan:
-        return std::tan(ToRadians(x));
+        return {std::tan(ToRadians(x))};
     case Word::Cot:
-        return 1 / std::tan(ToRadians(x));
+        return {1 / std::tan(ToRadians(x))};
     case Word::Asn:
-        return ToDegrees(std::asin(x));
+        return {ToDegrees(std::asin(x))};
     case Word::Acs:
-        return ToDegrees(std::acos(x));
+        return {ToDegrees(std::acos(x))};
     case Word::Atn:
-        return ToDegrees(std::atan(x));
+        return {ToDegrees(std::atan(x))};
     case Word::Act:
-        return ToDegrees(std::atan(1 / x));
+        return {ToDegrees(std::atan(1 / x))};
     case Word::Abs:
-        return std::fabs(x);
+        return {std::fabs(x)};
     case Word::Sqrt:
-        return Root(x, error);
+        return Root(x);
     case Word::Exp:
-        return std::exp(x);
+        return {std::exp(x)};
     case Word::Lgt:
-        return std::log(x);
+        return {std::log(x)};
     case Word::Log:
-        return std::log10(x);
+        return {std::log10(x)};
     case Word::Min:
     case Word::Max:
-        return x;
+        return {x};
     default:
         zr_switch_error(static_cast<int>(word), "Calc", __LINE__);
-        return otherwise;
+        return {otherwise};
     }
 }
 

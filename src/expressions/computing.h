@@ -8,12 +8,19 @@
 
 namespace zr::expressions {
 
-// What fails gives 0 and sets `error`, which is untouched otherwise.
-double Power(double base, double exponent, CalculatorErrorType &error);
-double Quotient(double left, double right, CalculatorErrorType &error);
+struct Computed {
+    double value; // 0 if it failed
+    CalculatorErrorType error = CALCULATOR_OK;
+};
+
+Computed Power(double base, double exponent);
+
+inline Computed Quotient(double left, double right) {
+    return right != 0 ? Computed{left / right} : Computed{0.0, CALCULATOR_DIVISION};
+}
 
 // Value of a function of x; for MIN and MAX it is x. A word that is no function is reported, and gives `otherwise`.
-double FunctionValue(Word word, double x, double otherwise, CalculatorErrorType &error);
+Computed FunctionValue(Word word, double x, double otherwise);
 
 } // namespace zr::expressions
 

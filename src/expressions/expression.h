@@ -15,46 +15,14 @@ public:
     CalculatorErrorType Compute(const char *text, double &result);
 
     // Place of the token at which reading stopped.
-    zr_long Row() const { return m_tokens.Row(); }
-    zr_long Column() const { return m_tokens.Column(); }
+    zr_long Row() const { return m_row; }
+    zr_long Column() const { return m_column; }
 
 private:
-    // What is read next.
-    enum class Step {
-        Operand,
-        Operator,
-        Done
-    };
-
-    void Fetch() {
-        if (!m_tokens.Next())
-            m_error = CALCULATOR_SYNTAX;
-    }
-    Step Fail(CalculatorErrorType error) {
-        m_error = error;
-        return Step::Done;
-    }
-
-    Step ReadOperand();
-    Step ReadWord();
-    Step Take(double value);
-    Step Enter(Waiting what);
-    Step Enter(Word call);
-    Step ReadOperator();
-    Step ReadRight(Waiting what);
-    void Apply(const WaitingPart &part);
-    Step EndConditional();
-    Step EndParenthesis();
-    Step EndCall();
-    Step EndThen();
-    void EndElse();
-    void Unwind();
-
-    ExpressionTokens m_tokens;
+    ExpressionScanner m_scanner;
     WaitingStack m_stack;
-    bool m_evaluate = true;
-    CalculatorErrorType m_error = CALCULATOR_OK;
-    double m_value = 0; // of the operand at work
+    zr_long m_row = 0;
+    zr_long m_column = 0;
 };
 
 } // namespace zr::expressions

@@ -31,12 +31,34 @@ inline constexpr double powers_of_ten[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6
                                            1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 inline constexpr std::ptrdiff_t most_digits = std::size(powers_of_ten) - 1;
 
+// What the scanner finds.
+struct ScannedToken {
+    bool good; // else the kind is that of the token before, or the token's own
+    zr_long kind;
+    Word keyword;
+    double number;
+    const char *end; // behind it
+};
+
+// The scanner, for tokens of any kind.
+class ExpressionScanner {
+public:
+    ExpressionScanner();
+
+    // Reads the token that begins at `text`, behind one of the kind `before`.
+    ScannedToken Read(const char *text, zr_long before);
+
+private:
+    ScannerCore<TextSource, CalculatorKeywords> m_scanner;
+    ZrScanToken m_token;
+};
+
+// Small, and inline in all its parts, so that it can live in registers while an expression is read.
 class ExpressionTokens {
 public:
-    ExpressionTokens();
-
-    // Begins with `text`, which is borrowed; null is an empty text. There is no token yet.
-    void Start(const char *text);
+    // `text` and `scanner` are borrowed; a null text is an empty one. There is no token yet.
+    ExpressionTokens(const char *text, ExpressionScanner &scanner)
+        : m_scanner(scanner), m_next(text != nullptr ? text : ""), m_token(m_next), m_line(m_next) {}
 
     // Reads the next token. False if the scanner finds fault with it; its kind is that of the token before then, or its own. Behind
     // a character literal, which no expression has, rows and columns no longer count: a line feed may stand in it.
@@ -64,15 +86,14 @@ private:
     static unsigned Digit(char c) { return static_cast<unsigned char>(c) - unsigned{'0'}; }
     bool End(zr_long kind, const char *next);
 
-    const char *m_next = "";  // behind the token
-    const char *m_token = ""; // where the token begins
-    const char *m_line = "";  // where its line begins
+    ExpressionScanner &m_scanner;
+    const char *m_next;  // behind the token
+    const char *m_token; // where the token begins
+    const char *m_line;  // where its line begins
     zr_long m_row = 0;
     zr_long m_kind = SCAN_KIND_VOID;
     Word m_keyword = Word::None;
     double m_number = 0;
-    ScannerCore<TextSource, CalculatorKeywords> m_scanner;
-    ZrScanToken m_scanned;
 };
 
 inline bool ExpressionTokens::End(zr_long kind, const char *next) {
@@ -125,6 +146,49 @@ inline bool ExpressionTokens::ReadNumber() {
     if (decimals != 0)
         m_number /= powers_of_ten[decimals];
     return End(SCAN_KIND_DOUBLE, p);
+}
+
+inline void ExpressionTokens::SkipBlanks() {
+    do {
+        if (*m_next++ == '\n') {
+            ++m_row;
+            m_line = m_next;
+        }
+    } while (StartOf(*m_next) == start_blank);
+}
+
+// A name that is too long for a word is no word.
+inline bool ExpressionTokens::ReadName() {
+    constexpr char to_upper = '_'; // as a mask; it leaves itself alone, and makes no digit a letter of a word
+    const char *p = m_token;
+    std::uint32_t packed = 0;
+    for (int start = start_letter; start == start_letter || start == start_digit; start = StartOf(*p))
+        packed = packed << 8 | static_cast<unsigned char>(*p++ & to_upper);
+    m_keyword =
+        p - m_token <= std::ptrdiff_t{CalculatorKeywords::longest} ? calculator_keywords.Find(packed) : Word::None;
+    return m_keyword != Word::None ? End(SCAN_KIND_KEYWORD, p) : ReadByScanner();
+}
+
+// A relation of one character or two; the same one twice counts once.
+inline bool ExpressionTokens::ReadRelation() {
+    const char first = *m_token;
+    const char second = m_token[1];
+    if (StartOf(second) != start_relation)
+        return End(KindOfRelation(first), m_token + 1);
+    zr_long kind = KindOfRelation(first);
+    if (first != second && first != '=' && second != '=')
+        kind = SCAN_KIND_HASH;
+    else if (first != second)
+        kind = first == '<' || second == '<' ? SCAN_KIND_LESS_EQUAL : SCAN_KIND_GREATER_EQUAL;
+    return End(kind, m_token + 2);
+}
+
+inline bool ExpressionTokens::ReadByScanner() {
+    const ScannedToken scanned = m_scanner.Read(m_token, m_kind);
+    m_keyword = scanned.keyword;
+    m_number = scanned.number;
+    End(scanned.kind, scanned.end);
+    return scanned.good;
 }
 
 } // namespace zr::expressions

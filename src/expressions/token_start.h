@@ -46,6 +46,10 @@ constexpr int KindOfSymbol(int symbol) {
     }
 }
 
+constexpr int KindOfRelation(char relation) {
+    return relation == '<' ? SCAN_KIND_LESS : relation == '>' ? SCAN_KIND_GREATER : SCAN_KIND_EQUAL;
+}
+
 struct StartTable {
     std::uint8_t starts[256] = {};
 
