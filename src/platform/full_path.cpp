@@ -1,7 +1,8 @@
 // The full path: where a path starts, and which of its elements remain.
 //
-// Elements are visited from the end: there it is known how many ".." still take an element away, so nothing is built
+// Elements are visited from the end, once: there it is known how many ".." still take an element away, so nothing is written
 // that goes again, and neither length nor depth of a path has a limit.
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -97,125 +98,112 @@ bool FindStart(std::string_view path, const CurrentFolders &current, char (&buff
     return true;
 }
 
-// The elements that remain, from the last to the first. What stands behind the last separator is an element even if
-// nothing does: it gives the full path its separator at the end.
-class Elements {
+// A path that grows from its end to its front. It stands at the end of its room until it is finished; what has no room is
+// only counted.
+class GrowingPath {
 public:
-    explicit Elements(const Start &start) : m_text(start.rest), m_folder(start.folder), m_more(!start.rest.empty()) {}
+    // What stands behind the last separator of a path is an element even if nothing does: it gives the full path its
+    // separator at the end.
+    GrowingPath(char *room, std::size_t size, bool ends_in_separator)
+        : m_room(room), m_size(size), m_at(room + (size != 0 ? size - 1 : 0)), m_found(ends_in_separator) {}
 
-    bool Next(std::string_view &element) {
-        while (Raw(element)) {
-            const bool is_end = m_at_end;
-            m_at_end = false;
-            if (element == "." || (element.empty() && !is_end))
-                continue;
-            if (element == "..") {
-                ++m_dropped;
-            } else if (element.empty()) {
-                m_found = true;
-                return true;
-            } else if (m_dropped != 0) {
-                --m_dropped;
-            } else {
-                element.remove_suffix(m_found ? PointToDrop(element) : EndToDrop(element));
-                m_found = true;
-                return true;
-            }
+    // Length of the text, whether it fits or not.
+    std::size_t Length() const { return m_length; }
+
+    // Puts the elements in front that remain of `text`.
+    void PutElements(std::string_view text) {
+        const char *const front = text.data();
+        const char *end = front + text.size();
+        while (end != front) {
+            end = PutElement(front, end);
+            end -= end != front ? 1 : 0;
         }
-        return false;
     }
 
-private:
-    // Next element as it is written. Behind the path's first comes the current folder's last.
-    bool Raw(std::string_view &element) {
-        if (!m_more) {
-            if (m_folder.empty())
-                return false;
-            m_text = m_folder;
-            m_folder = {};
-            m_at_end = false;
+    // The root as it stands in a full path: backslashes, runs of them as one except at the very start.
+    void PutRoot(const Start &start) {
+        const std::string_view root = start.root;
+        if (start.root_needs_separator)
+            Put('\\');
+        for (std::size_t i = root.size(); i-- > 0;) {
+            const bool separator = IsSeparator(root[i]);
+            if (!separator || i < 2 || !IsSeparator(root[i - 1]))
+                Put(separator ? '\\' : root[i]);
         }
-        std::size_t begin = m_text.size();
-        while (begin != 0 && !IsSeparator(m_text[begin - 1]))
-            --begin;
-        m_more = begin != 0;
-        element = m_text.substr(begin);
-        m_text = m_text.substr(0, m_more ? begin - 1 : 0);
+    }
+
+    // Moves the text to the front of its room, if it fits.
+    bool Finish() {
+        if (m_length >= m_size)
+            return false;
+        std::memmove(m_room, m_at, m_length);
+        m_room[m_length] = '\0';
         return true;
     }
 
+private:
+    void Put(char c) {
+        if (m_at != m_room)
+            *--m_at = c;
+        ++m_length;
+    }
+
+    // Puts the element in front that ends at `end`, if it remains. It is copied before it is known. Gives its start.
+    const char *PutElement(const char *front, const char *end) {
+        const char *const last = m_found ? WithoutPoint(front, end) : WithoutPointsAndBlanks(front, end);
+        const char *begin = last;
+        char *at = m_at;
+        if (m_found && at != m_room)
+            *--at = '\\';
+        const char *const stop = last - std::min(last - front, at - m_room);
+        while (begin != stop && !IsSeparator(begin[-1]))
+            *--at = *--begin;
+        while (begin != front && !IsSeparator(begin[-1])) // has no room
+            --begin;
+        const std::string_view element(begin, static_cast<std::size_t>(end - begin));
+        if (element.empty() || element == ".")
+            return begin;
+        if (element == "..") {
+            ++m_dropped;
+        } else if (m_dropped != 0) {
+            --m_dropped;
+        } else {
+            m_length += static_cast<std::size_t>(last - begin) + (m_found ? 1 : 0);
+            m_at = at;
+            m_found = true;
+        }
+        return begin;
+    }
+
     // An element in the middle loses its point at the end, but two and more points stay.
-    static std::size_t PointToDrop(std::string_view element) {
-        return element.back() == '.' && element[element.size() - 2] != '.' ? 1 : 0;
+    static const char *WithoutPoint(const char *front, const char *end) {
+        return end - front >= 2 && end[-1] == '.' && end[-2] != '.' ? end - 1 : end;
     }
 
     // The last one loses all points and blanks at its end.
-    static std::size_t EndToDrop(std::string_view element) {
-        const std::size_t last = element.find_last_not_of(". ");
-        return last == std::string_view::npos ? element.size() : element.size() - last - 1;
+    static const char *WithoutPointsAndBlanks(const char *front, const char *end) {
+        while (end != front && (end[-1] == '.' || end[-1] == ' '))
+            --end;
+        return end;
     }
 
-    std::string_view m_text;
-    std::string_view m_folder;
-    bool m_more;
-    bool m_at_end = true;
-    bool m_found = false;
+    char *m_room;
+    std::size_t m_size;
+    char *m_at; // the text's start, if it fits
+    std::size_t m_length = 0;
     std::size_t m_dropped = 0; // elements that ".." behind them takes away
+    bool m_found;              // whether the last element is there
 };
 
-// The root as it is written in a full path: backslashes, runs of them as one except at the very start. `out` null only
-// counts.
-std::size_t WriteRoot(const Start &start, char *out) {
-    std::size_t length = 0;
-    const auto put = [&](char c) {
-        if (out != nullptr)
-            out[length] = c;
-        ++length;
-    };
-    for (std::size_t i = 0; i < start.root.size(); ++i) {
-        const bool separator = IsSeparator(start.root[i]);
-        if (!separator || i < 2 || !IsSeparator(start.root[i - 1]))
-            put(separator ? '\\' : start.root[i]);
-    }
-    if (start.root_needs_separator)
-        put('\\');
-    return length;
-}
-
-// Length of all elements with the separators between them.
-std::size_t ElementsLength(const Start &start) {
-    Elements elements(start);
-    std::size_t length = 0;
-    std::string_view element;
-    for (bool first = true; elements.Next(element); first = false)
-        length += element.size() + (first ? 0 : 1);
-    return length;
-}
-
-// Writes them, ending just in front of `end`.
-void WriteElements(const Start &start, char *end) {
-    Elements elements(start);
-    std::string_view element;
-    for (bool first = true; elements.Next(element); first = false) {
-        if (!first)
-            *--end = '\\';
-        end -= element.size();
-        std::memcpy(end, element.data(), element.size());
-    }
-}
-
 bool EqualsWithoutCase(std::string_view text, std::string_view capitals) {
-    if (text.size() != capitals.size())
-        return false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (Capital(text[i]) != static_cast<unsigned char>(capitals[i]))
-            return false;
-    }
-    return true;
+    return std::equal(text.begin(), text.end(), capitals.begin(), capitals.end(),
+                      [](char c, char capital) { return Capital(c) == static_cast<unsigned char>(capital); });
 }
 
 bool IsDevice(std::string_view name) {
-    for (const char *device : {"AUX", "CON", "NUL", "PRN", "CONIN$", "CONOUT$"}) {
+    if (name.size() < 3 || name.size() > 7) // most names
+        return false;
+    for (const std::string_view device : {"AUX", "CON", "NUL", "PRN", "CONIN$", "CONOUT$"}) {
         if (EqualsWithoutCase(name, device))
             return true;
     }
@@ -227,12 +215,14 @@ bool IsDevice(std::string_view name) {
 std::string_view DeviceOf(std::string_view path) {
     if (BeginsOnNetwork(path))
         return {};
-    std::string_view name = path.substr(BeginsWithDrive(path) ? 2 : 0);
-    const std::size_t separator = name.find_last_of("\\/");
-    if (separator != std::string_view::npos)
-        name.remove_prefix(separator + 1);
-    name = name.substr(0, name.find_first_of(".:"));
-    name = name.substr(0, name.find_last_not_of(' ') + 1);
+    const std::size_t front = BeginsWithDrive(path) ? 2 : 0;
+    std::size_t begin = path.size();
+    while (begin > front && !IsSeparator(path[begin - 1]))
+        --begin;
+    std::size_t end = Skip(path, begin, [](char c) { return c != '.' && c != ':'; });
+    while (end > begin && path[end - 1] == ' ')
+        --end;
+    const std::string_view name = path.substr(begin, end - begin);
     return IsDevice(name) ? name : std::string_view{};
 }
 
@@ -263,24 +253,28 @@ std::size_t FullPath(const char *path, const CurrentFolders &current, char *out,
         out[0] = '\0';
     if (file_part != nullptr)
         *file_part = no_file_part;
-    if (path == nullptr || path[std::strspn(path, " ")] == '\0')
+    const std::string_view text = path != nullptr ? path : "";
+    if (text.find_first_not_of(' ') == std::string_view::npos)
         return 0;
-    const std::string_view device = DeviceOf(path);
+    const std::string_view device = DeviceOf(text);
     if (!device.empty())
         return WriteDevice(device, out, size);
     char buffer[path_size];
     Start start;
-    if (!FindStart(path, current, buffer, start))
+    if (!FindStart(text, current, buffer, start))
         return 0;
-    const std::size_t length = WriteRoot(start, nullptr) + ElementsLength(start);
-    if (length >= size)
-        return length + 1;
-    WriteRoot(start, out);
-    WriteElements(start, out + length);
-    out[length] = '\0';
+    GrowingPath full(out, size, !start.rest.empty() && IsSeparator(start.rest.back()));
+    full.PutElements(start.rest);
+    full.PutElements(start.folder);
+    full.PutRoot(start);
+    if (!full.Finish()) {
+        if (size != 0)
+            out[0] = '\0';
+        return full.Length() + 1;
+    }
     if (file_part != nullptr)
         *file_part = FilePart(out);
-    return length;
+    return full.Length();
 }
 
 } // namespace zr::platform

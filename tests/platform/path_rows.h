@@ -54,11 +54,11 @@ struct Folders {
 };
 
 // The full path of a text without devices, drives of their own and servers, made step by step: for rows that say only
-// that the length has no limit.
+// that the length has no limit, and for texts of all kinds. A drive in front must have a separator behind it.
 inline std::string PlainFullPath(const std::string &current, const std::string &path) {
     std::string whole = path;
-    if (path.substr(1, 2) != ":\\")
-        whole = path[0] == '\\' ? current.substr(0, 2) + path : current + "\\" + path;
+    if (path.substr(1, 1) != ":")
+        whole = path[0] == '\\' || path[0] == '/' ? current.substr(0, 2) + path : current + "\\" + path;
     std::vector<std::string> elements;
     std::string element;
     for (const char c : whole.substr(3) + "\\") {
@@ -72,10 +72,16 @@ inline std::string PlainFullPath(const std::string &current, const std::string &
             elements.push_back(element);
         element.clear();
     }
-    std::string result = whole.substr(0, 3);
-    for (std::size_t i = 0; i < elements.size(); ++i)
-        result += (i == 0 ? "" : "\\") + elements[i];
-    return result;
+    const bool ends_in_separator = whole.size() > 3 && (whole.back() == '\\' || whole.back() == '/');
+    if (ends_in_separator)
+        elements.emplace_back();
+    std::string result = whole.substr(0, 2);
+    for (const std::string &e : elements) {
+        const bool is_last = &e == &elements.back();
+        const bool loses_point = e.size() >= 2 && e.back() == '.' && e[e.size() - 2] != '.';
+        result += "\\" + e.substr(0, is_last ? e.find_last_not_of(". ") + 1 : e.size() - (loses_point ? 1 : 0));
+    }
+    return elements.empty() ? result + "\\" : result;
 }
 
 } // namespace path_rows

@@ -3,7 +3,9 @@
 #include <cctype>
 #include <cstdint>
 #include <memory>
+#include <random>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -291,6 +293,23 @@ TEST(FullPath, Devices_AreFoundBehindFoldersAndInFrontOfExtensions) {
     EXPECT_EQ(FullText("\\\\srv\\sh\\nul"), "\\\\srv\\sh\\nul");
     EXPECT_EQ(FullOf("nul", 7).length, 8U);
     EXPECT_EQ(FullOf("nul", 8).length, 7U);
+}
+
+// In rooms of all sizes, since a path is built at the end of its room.
+TEST(FullPath, RandomPaths_AgreeWithThePlainWay) {
+    const std::vector<std::string> pieces{"\\", "\\", "/", "..", ".", "..\\", "a", "b.", " ", "\xE4", "long name"};
+    std::mt19937 random(20);
+    for (int i = 0; i < 20000; ++i) {
+        std::string path = random() % 2 == 0 ? "C:\\" : "x";
+        for (std::size_t k = random() % 12; k > 0; --k)
+            path += pieces[random() % pieces.size()];
+        const std::string expected = path_rows::PlainFullPath("C:\\woad\\b. .", path);
+        const std::size_t size = random() % 2 == 0 ? 300 : random() % 20;
+        const bool fits = expected.size() < size;
+        const Full full = FullOf(path.c_str(), size, "C:\\woad\\b. .");
+        ASSERT_EQ(full.text, fits ? expected : "") << path;
+        ASSERT_EQ(full.length, expected.size() + (fits ? 0 : 1)) << path;
+    }
 }
 
 TEST(FullPath, SizeOneTooSmall_GivesTheSizeNeeded) {
