@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 
 #include <gtest/gtest.h>
 
@@ -83,6 +84,49 @@ TEST_F(MakeFullpath, SeparatorAtTheEnd_StandsAtARootOnly) {
     EXPECT_EQ(FullPath("", "C:\\a\\", ""), "C:\\a");
     EXPECT_EQ(FullPath("", "C:a\\", ""), "C:\\a");
     EXPECT_EQ(FullPath("", "C:\\a\\\\", ""), "C:\\a");
+    EXPECT_EQ(FullPath("", "C:\\\\", ""), "C:\\");
+    EXPECT_EQ(FullPath("", "", "\\\\"), "\\");
+    EXPECT_EQ(FullPath("", "", "\\a\\"), Drive() + "\\a");
+    EXPECT_EQ(FullPath("", "", "b/"), Below(Here(), "b"));
+}
+
+TEST_F(MakeFullpath, UnderARoot_OneSeparatorIsPut) {
+    const std::string here = Here();
+    ASSERT_EQ(fio_chdir("\\"), 0);
+    EXPECT_EQ(FullPath("", "", "x"), Drive() + "\\x");
+    EXPECT_EQ(FullPath("", "", "a\\"), Drive() + "\\a");
+    EXPECT_EQ(FullPath("", "", ""), Drive() + "\\");
+    EXPECT_EQ(FullPath("", "", (Drive() + "x\\y").c_str()), Drive() + "\\x\\y");
+    ASSERT_EQ(fio_chdir(here.c_str()), 0);
+}
+
+// Where the host lets it be removed.
+TEST_F(MakeFullpath, NoCurrentFolder_LeavesRelativePathsEmpty) {
+    const std::string here = Here();
+    std::error_code failure;
+    std::filesystem::create_directory("gone");
+    ASSERT_EQ(fio_chdir("gone"), 0);
+    std::filesystem::remove(std::filesystem::current_path(), failure);
+    const bool removed = CurrentFolderOf("").empty();
+    const std::string relative = FullPath("", "sub", "x");
+    const std::string absolute = FullPath("", "C:\\a", "x");
+    ASSERT_EQ(fio_chdir(here.c_str()), 0);
+    EXPECT_EQ(absolute, "C:\\a\\x");
+    EXPECT_EQ(relative, removed ? "" : here + "\\gone\\sub\\x");
+}
+
+TEST_F(MakeFullpath, LengthAtTheLimit_Passes) {
+    ReportCapture reports;
+    const std::string name = "C:\\" + std::string(200, 'a') + "\\" + std::string(55, '\xE4');
+    EXPECT_EQ(FullPath("", "", name.c_str()), name);
+    EXPECT_EQ(FullPath("", name.c_str(), ""), name);
+    const std::string here = Here();
+    const std::string relative = std::string(100, 'r') + "\\" + std::string(259 - here.size() - 102, 's');
+    EXPECT_EQ(FullPath("", "", relative.c_str()), here + "\\" + relative);
+    EXPECT_EQ(reports.Take(), Reports{});
+    EXPECT_EQ(FullPath("", "", (relative + "s").c_str()), "");
+    EXPECT_EQ(FullPath("", "", (name + "b").c_str()), "");
+    EXPECT_EQ(reports.Take(), (Reports{Message("Fio", "Buffer zu klein"), Message("Fio", "Buffer zu klein")}));
 }
 
 TEST_F(MakeFullpath, NetworkPath_GetsNoDrive) {

@@ -211,6 +211,18 @@ TEST(Makepath, LimitAtEachGrowth_MessageAndNull) {
     }
 }
 
+// The limit holds before the separator at the end is cut.
+TEST(Makepath, SeparatorAtTheEnd_CountsForTheLimit) {
+    ReportCapture reports;
+    EXPECT_EQ(Compose(LongPath(200).c_str(), (Letters(57) + "\\").c_str(), ""), LongPath(200) + "\\" + Letters(57));
+    EXPECT_EQ(Compose("", LongPath(200).c_str(), (Letters(57) + "/").c_str()), LongPath(200) + "\\" + Letters(57));
+    EXPECT_EQ(reports.Take(), Reports{});
+    EXPECT_EQ(Compose(LongPath(200).c_str(), (Letters(58) + "\\").c_str(), ""), std::nullopt);
+    EXPECT_EQ(reports.Take(), too_long);
+    EXPECT_EQ(Compose("", LongPath(200).c_str(), (Letters(58) + "/").c_str()), std::nullopt);
+    EXPECT_EQ(reports.Take(), too_long);
+}
+
 TEST(Makepath, OverLongArguments_AreSafe) {
     for (const std::size_t length : {std::size_t{256}, std::size_t{259}, std::size_t{260}, std::size_t{10000}}) {
         // Without separators the base name is over its limit, and the argument counts as empty.
@@ -313,9 +325,12 @@ TEST(Divide, OverLongPart_EmptiesAll) {
 }
 
 TEST(Divide, LongPath_IsCutAt260Characters) {
-    const std::string path = LongPath(10000);
-    const DividedPath divided = Divide(path.c_str());
-    EXPECT_EQ(divided.drive + divided.folder + divided.name, path.substr(0, 260));
+    for (const std::size_t length : {259U, 260U, 261U, 10000U}) {
+        const std::string path = LongPath(length);
+        const DividedPath divided = Divide(path.c_str());
+        EXPECT_EQ(divided.drive + divided.folder + divided.name, path.substr(0, 260)) << length;
+        EXPECT_EQ(divided.folder.back(), '\\') << length;
+    }
     // A name as long as that loses its last character, so that 260 bytes hold it.
     EXPECT_EQ(Divide((Letters(10) + "." + Letters(300)).c_str()).name, Letters(10) + "." + Letters(248));
 }

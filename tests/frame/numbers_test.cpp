@@ -45,6 +45,16 @@ TEST(Degrees, OtherAngles_FollowTheStandardFunctions) {
     EXPECT_NEAR(sin_deg(std::nextafter(180.0, 0.0)), 0.0, 1e-14);
 }
 
+// Just below zero a turn leads to 360 itself, which is no quarter turn of the table and not reduced again.
+TEST(Degrees, AngleJustBelowZero_IsAFullTurn) {
+    for (const double angle : {-1e-20, -1e-300, -std::numeric_limits<double>::denorm_min()}) {
+        EXPECT_EQ(sin_deg(angle), std::sin(360.0 * 0.017453292519943295)) << angle;
+        EXPECT_NE(sin_deg(angle), 0.0) << angle;
+        EXPECT_EQ(cos_deg(angle), 1.0) << angle;
+        EXPECT_EQ(tan_deg(angle), std::tan(360.0 * 0.017453292519943295)) << angle;
+    }
+}
+
 // The turns are taken off one by one, each step rounded to a double.
 TEST(Degrees, Turns_AreSubtractedNotDivided) {
     for (const double start : {99999.123456789, -99999.987654321, 12345.678901234, -0.1}) {
@@ -71,7 +81,12 @@ TEST(Degrees, Tangent_HasNoExactTable) {
 TEST(Degrees, LargeAngles_GiveFixedResults) {
     EXPECT_NEAR(sin_deg(100000), std::sin(280 * pi / 180), 1e-12);
     EXPECT_NEAR(cos_deg(-100000), std::cos(280 * pi / 180), 1e-12);
-    for (const double angle : {100000.5, -100000.5, 1e300, infinity, -infinity}) {
+    EXPECT_NEAR(sin_deg(-100000), std::sin(80 * pi / 180), 1e-12);
+    EXPECT_NEAR(cos_deg(100000), std::cos(280 * pi / 180), 1e-12);
+    EXPECT_NEAR(tan_deg(100000), std::tan(280 * pi / 180), 1e-11);
+    EXPECT_NEAR(tan_deg(-100000), std::tan(80 * pi / 180), 1e-11);
+    const double beyond = std::nextafter(100000.0, infinity);
+    for (const double angle : {beyond, -beyond, 100000.5, -100000.5, 1e300, infinity, -infinity}) {
         EXPECT_EQ(sin_deg(angle), 1.0);
         EXPECT_EQ(cos_deg(angle), 0.0);
         EXPECT_EQ(tan_deg(angle), 0.0);
@@ -83,6 +98,10 @@ TEST(Degrees, NotANumber_StaysOne) {
     EXPECT_TRUE(std::isnan(cos_deg(not_a_number)));
     EXPECT_TRUE(std::isnan(tan_deg(not_a_number)));
     EXPECT_TRUE(std::isnan(asin_deg(not_a_number)));
+    EXPECT_TRUE(std::isnan(acos_deg(not_a_number)));
+    EXPECT_TRUE(std::isnan(atan_deg(not_a_number)));
+    EXPECT_TRUE(std::isnan(atan2_deg(not_a_number, 1)));
+    EXPECT_TRUE(std::isnan(atan2_deg(1, not_a_number)));
 }
 
 TEST(Degrees, InverseFunctions_GiveDegrees) {
@@ -95,6 +114,10 @@ TEST(Degrees, InverseFunctions_GiveDegrees) {
     EXPECT_DOUBLE_EQ(atan2_deg(1, -1), 135.0);
     EXPECT_DOUBLE_EQ(atan2_deg(-1, 0), -90.0);
     EXPECT_EQ(atan2_deg(0, 1), 0.0);
+    EXPECT_EQ(atan2_deg(0, 0), 0.0);
+    EXPECT_DOUBLE_EQ(atan2_deg(0, -1), 180.0);
+    EXPECT_DOUBLE_EQ(atan2_deg(-0.0, -1), -180.0);
+    EXPECT_TRUE(std::isnan(asin_deg(-infinity)));
     EXPECT_TRUE(std::isnan(asin_deg(1.5)));
     EXPECT_TRUE(std::isnan(acos_deg(-1.5)));
 }
@@ -144,6 +167,22 @@ TEST(Rounding, RoundSig_KeepsSignificantDigits) {
     EXPECT_DOUBLE_EQ(RoundSig(1e300, 2), 1e300);
     EXPECT_DOUBLE_EQ(RoundSig(1234.567, 0), 0.0);
     EXPECT_DOUBLE_EQ(RoundSig(9876, 0), 10000.0);
+    EXPECT_EQ(RoundSig(1.0, 1), 1.0);
+    EXPECT_DOUBLE_EQ(RoundSig(-1.0, 3), -1.0);
+    EXPECT_DOUBLE_EQ(RoundSig(999.6, 3), 1000.0);
+    EXPECT_DOUBLE_EQ(RoundSig(-9.99, 1), -10.0);
+}
+
+// The number of digits changes exactly at a power of ten.
+TEST(Rounding, RoundSigAtEachPowerOfTen_CountsItsDigits) {
+    double power = 1.0;
+    for (int exponent = 0; exponent <= 15; ++exponent, power *= 10.0) {
+        EXPECT_DOUBLE_EQ(RoundSig(1.26 * power, 2), 1.3 * power) << exponent;
+        EXPECT_DOUBLE_EQ(RoundSig(power, 1), power) << exponent;
+        if (exponent > 0) {
+            EXPECT_DOUBLE_EQ(RoundSig(0.9926 * power, 3), 0.993 * power) << exponent;
+        }
+    }
 }
 
 TEST(Rounding, RoundSigWithoutWholePart_GivesZeroOrNotANumber) {
@@ -172,6 +211,9 @@ TEST(Rounding, FloatToDouble_KeepsEightDigits) {
     EXPECT_DOUBLE_EQ(FloatToDouble(-1234.56F), -1234.5601);
     EXPECT_EQ(FloatToDouble(16777216.0F), 16777216.0);
     EXPECT_EQ(FloatToDouble(std::numeric_limits<float>::infinity()), 0.0);
+    EXPECT_EQ(FloatToDouble(std::numeric_limits<float>::quiet_NaN()), 0.0);
+    EXPECT_EQ(FloatToDouble(1.0F), 1.0);
+    EXPECT_DOUBLE_EQ(FloatToDouble(3.4e38F), 3.4e38);
 }
 
 TEST(Signs, AreMinusOneZeroOrOne) {
@@ -182,6 +224,8 @@ TEST(Signs, AreMinusOneZeroOrOne) {
     EXPECT_EQ(lsgn(std::numeric_limits<zr_long>::max()), 1);
     EXPECT_EQ(fsgn(1e-310), 1.0);
     EXPECT_EQ(fsgn(-infinity), -1.0);
+    EXPECT_EQ(fsgn(infinity), 1.0);
+    EXPECT_EQ(fsgn(-1e-310), -1.0);
     EXPECT_EQ(fsgn(0.0), 0.0);
     EXPECT_EQ(fsgn(-0.0), 0.0);
     EXPECT_FALSE(std::signbit(fsgn(-0.0)));
@@ -192,11 +236,14 @@ TEST(SpecialValues, AreTold) {
     EXPECT_NE(zr_isnan(not_a_number), 0);
     EXPECT_NE(zr_isnan(-not_a_number), 0);
     EXPECT_EQ(zr_isnan(infinity), 0);
+    EXPECT_EQ(zr_isnan(-infinity), 0);
     EXPECT_EQ(zr_isnan(0.0), 0);
     EXPECT_EQ(zr_isinf(infinity), 1);
     EXPECT_EQ(zr_isinf(-infinity), 1);
     EXPECT_EQ(zr_isinf(not_a_number), 0);
     EXPECT_EQ(zr_isinf(std::numeric_limits<double>::max()), 0);
+    EXPECT_EQ(zr_isinf(std::numeric_limits<double>::lowest()), 0);
+    EXPECT_EQ(zr_isinf(0.0), 0);
 }
 
 TEST(Waiting, NeverEndsEarly) {

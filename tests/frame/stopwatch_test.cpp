@@ -1,6 +1,7 @@
 // Stopwatches and their table. No timer is ever taken out of the table: the tests run in the order in which they stand.
 #include <zrclb/clock.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <limits>
@@ -8,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "env/report_capture.h"
 #include "frame/refused_heap.h"
 #include "platform/clock.h"
 #include "platform/temp_folder.h"
@@ -49,24 +51,51 @@ protected:
     static inline std::int64_t milliseconds = 0;
 };
 
+TEST_F(Stopwatch, Timer_HasItsFieldsInOrder) {
+    EXPECT_EQ(offsetof(clock_timer, name), 0U);
+    EXPECT_EQ(offsetof(clock_timer, start_seconds), 80U);
+    EXPECT_EQ(offsetof(clock_timer, start_milliseconds), 88U);
+    EXPECT_EQ(offsetof(clock_timer, total_milliseconds), 96U);
+    EXPECT_EQ(offsetof(clock_timer, starts), 104U);
+}
+
 TEST_F(Stopwatch, TableWithoutTimers_SaysSo) {
     const TempFolder folder;
     clock_timertable(folder.Path("table").c_str(), 0);
     EXPECT_EQ(Table(folder, "table"), Title() + "keine Timer vorhanden.");
     clock_timertable(folder.Path("table").c_str(), 1);
     EXPECT_EQ(Table(folder, "table"), Title() + "keine Timer vorhanden." + Title() + "keine Timer vorhanden.");
-    clock_timertable(folder.Path("table").c_str(), 2);
-    EXPECT_EQ(Table(folder, "table"), Title() + "keine Timer vorhanden.");
+    for (const int mode : {2, -1, 257}) {
+        clock_timertable(folder.Path("table").c_str(), mode);
+        EXPECT_EQ(Table(folder, "table"), Title() + "keine Timer vorhanden.") << mode;
+    }
 }
 
 TEST_F(Stopwatch, TableThatCannotBeOpened_DoesNothing) {
     const TempFolder folder;
+    const CurrentFolder current(folder.Folder());
+    zr::test::ReportCapture reports;
     clock_timertable(nullptr, 0);
-    clock_timertable("", 0);
-    clock_timertable(std::string(10000, 'a').c_str(), 0);
-    clock_timertable(folder.Folder().string().c_str(), 0);
-    clock_timertable(folder.Path("missing/table").c_str(), 1);
+    for (const std::string &path :
+         {std::string(), std::string(259, 'a'), std::string(260, 'a'), std::string(10000, 'a'), std::string("\\"),
+          std::string("//"), std::string("Q:\\table"), folder.Folder().string(), folder.Path("missing/table")})
+        for (const int mode : {0, 1})
+            clock_timertable(path.c_str(), mode);
     EXPECT_TRUE(std::filesystem::is_empty(folder.Folder()));
+    EXPECT_EQ(reports.Take(), zr::test::Reports{});
+}
+
+TEST_F(Stopwatch, TableThatIsWriteProtected_StaysAsItIs) {
+    const TempFolder folder;
+    folder.Write("table", "before");
+    using std::filesystem::perms;
+    std::filesystem::permissions(folder.Folder() / "table", perms::owner_read);
+    for (const int mode : {0, 1})
+        clock_timertable(folder.Path("table").c_str(), mode);
+    EXPECT_EQ(folder.Read("table"), "before");
+    std::filesystem::permissions(folder.Folder() / "table", perms::owner_all);
+    clock_timertable(folder.Path("table").c_str(), 0);
+    EXPECT_NE(folder.Read("table"), "before");
 }
 
 TEST_F(Stopwatch, NewTimer_IsClear) {
@@ -83,25 +112,29 @@ TEST_F(Stopwatch, NewTimer_IsClear) {
 TEST_F(Stopwatch, RefusedMemory_GivesNullAndLeavesTheTable) {
     const TempFolder folder;
     clock_timertable(folder.Path("before").c_str(), 0);
+    zr::test::ReportCapture reports;
     {
         const zr::test::HeapRefusal refusal(0);
         EXPECT_EQ(clock_timeropen("refused"), nullptr);
         EXPECT_TRUE(refusal.Met());
     }
+    EXPECT_EQ(reports.Take(), zr::test::Reports{});
     clock_timertable(folder.Path("after").c_str(), 0);
     EXPECT_EQ(folder.Read("after"), folder.Read("before"));
 }
 
 TEST_F(Stopwatch, LongName_IsCutAt79Characters) {
-    const clock_timer *timer = clock_timeropen(std::string(100, 'n').c_str());
-    ASSERT_NE(timer, nullptr);
-    EXPECT_EQ(timer->name, std::string(79, 'n'));
-    timer = clock_timeropen(std::string(79, 'm').c_str());
-    ASSERT_NE(timer, nullptr);
-    EXPECT_EQ(timer->name, std::string(79, 'm'));
-    timer = clock_timeropen(nullptr);
+    for (const std::size_t length : {100U, 0U, 1U, 79U, 80U, 259U, 260U, 10000U}) {
+        const clock_timer *timer = clock_timeropen(std::string(length, 'n').c_str());
+        ASSERT_NE(timer, nullptr);
+        EXPECT_EQ(timer->name, std::string(length < 79 ? length : 79, 'n'));
+    }
+    const clock_timer *timer = clock_timeropen(nullptr);
     ASSERT_NE(timer, nullptr);
     EXPECT_STREQ(timer->name, "");
+    timer = clock_timeropen("\x80\xE4\xFF\\/:");
+    ASSERT_NE(timer, nullptr);
+    EXPECT_STREQ(timer->name, "\x80\xE4\xFF\\/:");
 }
 
 TEST_F(Stopwatch, Intervals_AddUp) {
@@ -220,7 +253,10 @@ TEST_F(Stopwatch, HundredAndFirstTimer_IsNull) {
     int opened = 0;
     while (clock_timeropen("more") != nullptr)
         ASSERT_LT(++opened, 101);
+    zr::test::ReportCapture reports;
     EXPECT_EQ(clock_timeropen("one too many"), nullptr);
+    EXPECT_EQ(clock_timeropen(nullptr), nullptr);
+    EXPECT_EQ(reports.Take(), zr::test::Reports{});
     const TempFolder folder;
     clock_timertable(folder.Path("table").c_str(), 0);
     const std::string text = Table(folder, "table").substr((Title() + head).size());

@@ -36,6 +36,8 @@ TEST_F(Services, TableStartsWithTheBackEnd) {
     EXPECT_EQ(services.focus_window, backend::FocusWindow);
     EXPECT_EQ(services.debug_output, backend::DebugOutput);
     EXPECT_EQ(services.now, backend::Now);
+    EXPECT_EQ(services.now_milliseconds, backend::NowMilliseconds);
+    EXPECT_EQ(services.simple_sound, backend::SimpleSound);
     EXPECT_EQ(services.temp_folder, backend::TempFolder);
     EXPECT_EQ(services.temp_file_name, backend::TempFileName);
     EXPECT_EQ(services.tick_count, backend::TickCount);

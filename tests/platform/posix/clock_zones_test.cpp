@@ -1,9 +1,7 @@
 // Calendars, time texts and the way back from local clocks, in the zones of the tables.
 #include "platform/clock.h"
 
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <string>
@@ -12,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "golden_table.h"
+#include "platform/zone_rows.h"
 
 namespace {
 
@@ -43,100 +41,34 @@ private:
     std::string m_before;
 };
 
-std::string Fields(const Calendar &c) {
-    const int fields[] = {c.second, c.minute, c.hour, c.day, c.month - 1, c.year - 1900, c.week_day, c.year_day};
-    std::string text;
-    for (const int field : fields)
-        text.append(std::to_string(field)).append(" ");
-    return text.append(c.summer ? "dst=1" : "dst=0");
-}
+// The tables' system applies the present rule of the zone to all years.
+constexpr const char *present_rule = "CET-1CEST,M3.5.0,M10.5.0/3";
 
-// The table's system applies the present rule of the zone to all years.
-const char *ZoneOf(const GoldenTable::Row &row) {
-    return row.at("zone") == "UTC" ? "UTC0" : "CET-1CEST,M3.5.0,M10.5.0/3";
-}
-
-std::tm FieldsOf(const std::string &text) {
-    std::tm fields{};
-    EXPECT_EQ(std::sscanf(text.c_str(), "%d %d %d %d %d %d", &fields.tm_sec, &fields.tm_min, &fields.tm_hour,
-                          &fields.tm_mday, &fields.tm_mon, &fields.tm_year),
-              6);
-    return fields;
-}
-
-std::string Fields(const std::tm &fields) {
-    const int numbers[] = {fields.tm_sec, fields.tm_min,  fields.tm_hour, fields.tm_mday,
-                           fields.tm_mon, fields.tm_year, fields.tm_wday, fields.tm_yday};
-    std::string text;
-    for (const int number : numbers)
-        text.append(std::to_string(number)).append(" ");
-    return text;
-}
-
-TEST(ClockZones, TableHoldsInBothZones) {
-    const GoldenTable table("crt_ctime.tsv");
-    int checked = 0;
-    for (const GoldenTable::Row &row : table.Rows()) {
-        if (row.at("dll").find("ucrtbase") == std::string::npos || row.at("ctime64") == "\\N")
-            continue;
-        const Variable zone("TZ", ZoneOf(row));
-        const std::int64_t time = std::stoll(row.at("time_value"));
-        char text[26];
-        CtimeText(time, text);
-        EXPECT_EQ(text, row.at("ctime64")) << row.at("zone") << " " << time;
-        Calendar c{};
-        ASSERT_TRUE(LocalCalendar(time, c));
-        EXPECT_EQ(Fields(c), row.at("localtime64_fields")) << row.at("zone") << " " << time;
-        ++checked;
-    }
-    EXPECT_EQ(checked, 86);
+TEST(ClockZones, CalendarsOfTheTableHoldInBothZones) {
+    const Variable utc("TZ", "UTC0");
+    EXPECT_EQ(zone_rows::CheckCalendars("UTC"), 49);
+    const Variable berlin("TZ", present_rule);
+    EXPECT_EQ(zone_rows::CheckCalendars("Europe/Berlin"), 45);
 }
 
 TEST(ClockZones, TimesOfLocalClocksHoldInBothZones) {
-    const GoldenTable table("crt_mktime.tsv");
-    int checked = 0;
-    for (const GoldenTable::Row &row : table.Rows()) {
-        if (row.at("dll").find("ucrtbase") == std::string::npos || row.at("isdst") != "-1")
-            continue;
-        const Variable zone("TZ", ZoneOf(row));
-        const std::string &input = row.at("sec_min_hour_mday_mon_year");
-        std::tm fields = FieldsOf(input);
-        EXPECT_EQ(std::to_string(TimeOfLocal(fields)), row.at("mktime64")) << row.at("zone") << " " << input;
-        const std::string &after = row.at("fields_after");
-        EXPECT_EQ(Fields(fields), after.substr(0, after.find("dst"))) << row.at("zone") << " " << input;
-        ++checked;
-    }
-    EXPECT_EQ(checked, 50);
+    const Variable utc("TZ", "UTC0");
+    EXPECT_EQ(zone_rows::CheckClocks("UTC"), 24);
+    const Variable berlin("TZ", present_rule);
+    EXPECT_EQ(zone_rows::CheckClocks("Europe/Berlin"), 26);
 }
 
-// The host's own data of the zone: the same as the present rule from 1996 on; before that, summer time ended in September, and
-// before 1980 there was none.
+// The host's own data of the zone: the same as the present rule from 1996 on; before that, summer time ended in
+// September, and before 1980 there was none.
 TEST(ClockZones, HostsZoneAgreesInTheYearsOfItsPresentRule) {
     if (!std::filesystem::exists("/usr/share/zoneinfo/Europe/Berlin"))
         GTEST_SKIP() << "no data of time zones on this host";
     const Variable zone("TZ", "Europe/Berlin");
-    int checked = 0;
-    const GoldenTable times("crt_ctime.tsv");
-    for (const GoldenTable::Row &row : times.Rows()) {
-        const std::int64_t time = std::stoll(row.at("time_value"));
-        Calendar c{};
-        if (row.at("zone") == "UTC" || !LocalCalendar(time, c) || c.year < 1996)
-            continue;
-        EXPECT_EQ(Fields(c), row.at("localtime64_fields")) << time;
-        ++checked;
-    }
-    const GoldenTable locals("crt_mktime.tsv");
-    for (const GoldenTable::Row &row : locals.Rows()) {
-        std::tm fields = FieldsOf(row.at("sec_min_hour_mday_mon_year"));
-        if (row.at("zone") == "UTC" || row.at("isdst") != "-1" || fields.tm_year < 96)
-            continue;
-        EXPECT_EQ(std::to_string(TimeOfLocal(fields)), row.at("mktime64")) << row.at("sec_min_hour_mday_mon_year");
-        ++checked;
-    }
-    EXPECT_EQ(checked, 61);
+    EXPECT_EQ(zone_rows::CheckCalendars("Europe/Berlin", 1996), 29);
+    EXPECT_EQ(zone_rows::CheckClocks("Europe/Berlin", 1996), 19);
     // 15 July 1975 at noon was winter time.
-    std::tm fields = FieldsOf("0 0 12 15 6 75");
-    EXPECT_EQ(TimeOfLocal(fields), 174654000);
+    clock_struct fields{0, 0, 12, 15, 6, 75, 0, 0};
+    EXPECT_EQ(clock_makevalue(&fields), 174654000);
 }
 
 // Every quarter of an hour around both changes of the clocks, also where they change by half an hour, and around the world.
@@ -226,15 +158,13 @@ TEST(ClockZones, ThreadsConvertAtOnce) {
 
 TEST(ClockZones, UsersLocaleIsTheFirstOfThreeVariables) {
     const Variable zone("TZ", "UTC0");
-    Calendar c{};
-    ASSERT_TRUE(LocalCalendar(1362467289, c)); // 5 March 2013, 07:08:09
-    const auto texts = [&c] {
+    constexpr std::int64_t time_shown = 1362467289; // 5 March 2013, 07:08:09
+    const auto texts = [] {
         std::string joined;
-        char text[80];
-        for (const bool long_form : {false, true})
-            joined += UserDateText(c, long_form, text) ? std::string(text) + "|" : "failed|";
-        for (const bool seconds : {false, true})
-            joined += UserTimeText(c, seconds, text) ? std::string(text) + "|" : "failed|";
+        for (const int format : {2, 3})
+            joined += std::string(clock_date(time_shown, format)) + "|";
+        for (const int format : {2, 3})
+            joined += std::string(clock_time(time_shown, format)) + "|";
         return joined;
     };
     const Variable all("LC_ALL", "de_DE.UTF-8");

@@ -1,11 +1,17 @@
-// The portable forms of dates and times beside the system's own.
+// The portable forms of dates and times beside the system's own, the public texts in the user's locale, and the tables of
+// calendars in the zone of the process.
 #include "platform/date_text.h"
 
+#include <cstdlib>
+#include <ctime>
 #include <string>
 
 #include <gtest/gtest.h>
+#include <zrclb/clock.h>
 
 #include <windows.h>
+
+#include "platform/zone_rows.h"
 
 namespace {
 
@@ -62,6 +68,43 @@ TEST(WindowsDates, PortableTimesAgreeWithTheSystem) {
             ASSERT_EQ(text, SystemTime(german, flags, time));
         }
     }
+}
+
+// Formats 2 and 3 are the system's texts with its own settings, in the locale of the user.
+TEST(WindowsDates, SystemFormatsAreTheSystemsTexts) {
+    for (const std::int64_t time : {std::int64_t{86400}, std::int64_t{1362467289}, std::int64_t{4102488000}}) {
+        Calendar c{};
+        ASSERT_TRUE(LocalCalendar(time, c));
+        SYSTEMTIME system_time{};
+        system_time.wYear = static_cast<WORD>(c.year);
+        system_time.wMonth = static_cast<WORD>(c.month);
+        system_time.wDay = static_cast<WORD>(c.day);
+        system_time.wHour = static_cast<WORD>(c.hour);
+        system_time.wMinute = static_cast<WORD>(c.minute);
+        system_time.wSecond = static_cast<WORD>(c.second);
+        char text[79];
+        ASSERT_GT(GetDateFormatA(2048, 1, &system_time, nullptr, text, sizeof text), 0);
+        EXPECT_STREQ(clock_date(time, 2), text);
+        ASSERT_GT(GetDateFormatA(2048, 2, &system_time, nullptr, text, sizeof text), 0);
+        EXPECT_STREQ(clock_date(time, 3), text);
+        ASSERT_GT(GetTimeFormatA(2048, 2, &system_time, nullptr, text, sizeof text), 0);
+        EXPECT_STREQ(clock_time(time, 2), text);
+        ASSERT_GT(GetTimeFormatA(2048, 0, &system_time, nullptr, text, sizeof text), 0);
+        EXPECT_STREQ(clock_time(time, 3), text);
+    }
+}
+
+// The system finds its zone in the host's variable TZ when the process starts. The runtime would read the same variable by
+// rules of its own, so it must not see it.
+TEST(WindowsZones, TablesHoldInTheZoneOfTheProcess) {
+    const char *variable = std::getenv("TZ");
+    const std::string zone = variable != nullptr ? variable : "";
+    if (zone != "UTC" && zone != "Europe/Berlin")
+        GTEST_SKIP() << "TZ names no zone of the tables";
+    ASSERT_EQ(_putenv("TZ="), 0);
+    _tzset();
+    EXPECT_EQ(zone_rows::CheckCalendars(zone), zone == "UTC" ? 49 : 45);
+    EXPECT_EQ(zone_rows::CheckClocks(zone), zone == "UTC" ? 24 : 26);
 }
 
 } // namespace
