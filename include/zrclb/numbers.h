@@ -18,24 +18,24 @@ ZR_API double sin_deg(double degrees) ZR_NOEXCEPT;
 ZR_API double cos_deg(double degrees) ZR_NOEXCEPT;
 ZR_API double tan_deg(double degrees) ZR_NOEXCEPT;
 
-/* The standard inverse functions, in degrees: asin_deg and atan_deg from -90 to 90, acos_deg from 0 to 180, atan2_deg from
-   -180 to 180. asin_deg and acos_deg give a NaN outside -1 to 1. */
+/* The standard inverse functions, in degrees: asin_deg and atan_deg from -90 to 90, acos_deg from 0 to 180, atan2_deg
+   from -180 to 180. asin_deg and acos_deg give a NaN outside -1 to 1. */
 ZR_API double asin_deg(double x) ZR_NOEXCEPT;
 ZR_API double acos_deg(double x) ZR_NOEXCEPT;
 ZR_API double atan_deg(double x) ZR_NOEXCEPT;
 ZR_API double atan2_deg(double y, double x) ZR_NOEXCEPT;
 
 /* value rounded to a multiple of 10 to the power of exponent: -2 leaves two decimals, 3 leaves thousands. Halves go up,
-   below zero too: pround(-2.5, 0) is -2.0. It is floor(value / p + 0.5) * p in double arithmetic, with no correction for
-   decimals that a double can't hold. An exponent beyond -400 or 400 counts as that. */
+   below zero too: pround(-2.5, 0) is -2.0. It is floor(value / p + 0.5) * p in double arithmetic, with no correction
+   for decimals that a double can't hold. An exponent beyond -400 or 400 counts as that. */
 ZR_API double pround(double value, int exponent) ZR_NOEXCEPT;
 
 /* value rounded to that many significant digits, halves up. A value with nothing in front of the decimal point, a NaN
    and an infinity give 0.0, and for 0 digits a NaN. */
 ZR_API double RoundSig(double value, unsigned int digits) ZR_NOEXCEPT;
 
-/* RoundSig(value, 8): what is left of a float beside the digits that it can hold. 0.0 for a value below 1 on either side
-   of zero. */
+/* RoundSig(value, 8): what is left of a float beside the digits that it can hold. 0.0 for a value below 1 on either
+   side of zero. */
 ZR_API double FloatToDouble(float value) ZR_NOEXCEPT;
 
 /* The sign: -1 below zero, 1 above, 0 for zero. For a NaN, fsgn gives 0.0. */

@@ -15,8 +15,8 @@
 extern "C" {
 #endif
 
-/* Composes a path from name, the folder dir that it lies in, and default_dir, where dir is relative to, and writes it to
- * out[0..259], terminated. Gives out; null, with out untouched, if out is null or the path would have more than 259
+/* Composes a path from name, the folder dir that it lies in, and default_dir, where dir is relative to, and writes it
+ * to out[0..259], terminated. Gives out; null, with out untouched, if out is null or the path would have more than 259
  * characters on the way, which is also told by the message "Buffer zu klein".
  *
  *   default_dir   dir      name           result
@@ -34,11 +34,10 @@ extern "C" {
  * characters counts as empty. out may be one of the arguments. */
 ZR_API char *fio_makepath(char *out, const char *default_dir, const char *dir, const char *name) ZR_NOEXCEPT;
 
-/* As fio_makepath, and absolute: a path without a drive gets the current one; a relative one lies under the current folder of its
- * drive, and under that of the current drive if its own doesn't exist. No separator stands at the end but a root's. "." and
- * ".." stay as they are. The file need not exist.
- * Gives out; out is empty where fio_makepath fails, which it reports, and where a relative path has no current folder to lie
- * under. Null for a null out. */
+/* As fio_makepath, and absolute: a path without a drive gets the current one; a relative one lies under the current
+ * folder of its drive, and under that of the current drive if its own doesn't exist. No separator stands at the end but
+ * a root's. "." and ".." stay as they are. The file need not exist. Gives out; out is empty where fio_makepath fails,
+ * which it reports, and where a relative path has no current folder to lie under. Null for a null out. */
 ZR_API char *fio_make_fullpath(char *out, const char *default_dir, const char *dir, const char *name) ZR_NOEXCEPT;
 
 /* Takes the first 260 characters of path apart: the drive ("C:" or empty) to drive[0..2], the folder with the separator
@@ -47,24 +46,25 @@ ZR_API char *fio_make_fullpath(char *out, const char *default_dir, const char *d
  * last one is cut. path and the outputs must not overlap. Gives 0. */
 ZR_API int fio_divide(const char *path, char *drive, char *dir, char *name) ZR_NOEXCEPT;
 
-/* The index (from 0) of the last "." of path at an index of 1 or more: ".ini" has no extension, and in "C:\a.b\file" the
- * point of the folder is found. -1 if there is none, or if the index does not fit. */
+/* The index (from 0) of the last "." of path at an index of 1 or more: ".ini" has no extension, and in "C:\a.b\file"
+ * the point of the folder is found. -1 if there is none, or if the index does not fit. */
 ZR_API int fio_get_extention_pos(const char *path) ZR_NOEXCEPT;
 
 /* Whether name can name a file: 0 yes, 1 no, 2 yes, but it holds a wildcard (* or ?). No are null, the empty text, more
  * than 255 characters, and any of / : ; < > @ \ | and the quotation mark. A path is not a name. */
 ZR_API int fio_test_filename(const char *name) ZR_NOEXCEPT;
 
-/* As fio_test_filename for the name of a folder, which moreover neither begins nor ends in a blank, a tab or a point. */
+/* As fio_test_filename for the name of a folder, which neither begins nor ends in a blank, a tab or a point besides. */
 ZR_API int fio_test_foldername(const char *name) ZR_NOEXCEPT;
 
 /* Writes the form in which the host knows path to out[0..size-1], terminated, and answers 1. The file need not exist.
  *
- * On Windows that is path with backslashes for slashes. On Linux "C:" is the root folder: "C:\a\b" gives "/a/b", "C:" gives
- * "/". Another drive X: exists if the environment variable ZR_DRIVE_X names a folder, which takes the place of its root:
- * "X:\a" gives "$ZR_DRIVE_X/a". What has no separator behind the drive starts at the current folder of that drive, and stays
- * relative on the current one; without a drive the current one counts. "." and ".." are resolved in the text, and nothing
- * leads above a drive's root. The case of a drive's letter doesn't matter; the bytes of names pass unchanged.
+ * On Windows that is path with backslashes for slashes. On Linux "C:" is the root folder: "C:\a\b" gives "/a/b", "C:"
+ * gives "/". Another drive X: exists if the environment variable ZR_DRIVE_X names a folder, which takes the place of
+ * its root: "X:\a" gives "$ZR_DRIVE_X/a". What has no separator behind the drive starts at the current folder of that
+ * drive, and stays relative on the current one; without a drive the current one counts. "." and ".." are resolved in
+ * the text, and nothing leads above a drive's root. The case of a drive's letter doesn't matter; the bytes of names
+ * pass unchanged.
  *
  * Answers 0 for a null or empty path or one of more than 259 characters, a null out, a size of 0, a drive that doesn't
  * exist, and on Linux for a name on the network (two leading separators); also if the result and its terminator need

@@ -11,14 +11,12 @@
 
 #include "files/file_name_text.h"
 #include "platform/path_text.h"
+#include "platform/separator.h"
 
 using namespace zr::files;
+using zr::platform::IsSeparator;
 
 namespace {
-
-bool IsSeparator(char c) {
-    return c == '\\' || c == '/';
-}
 
 // Puts a root behind the first colon of path[0..size-1], if none is there. Without room for it `path` becomes empty,
 // after a report.

@@ -4,6 +4,8 @@
 
 #include <cstddef>
 
+#include "platform/separator.h"
+
 namespace zr::files {
 
 // The three pieces stand behind one another from `text` on and are not terminated.
@@ -16,9 +18,7 @@ struct PathPieces {
     std::size_t Length() const { return drive + folder + file; }
 };
 
-inline bool IsSeparator(char c) {
-    return c == '\\' || c == '/';
-}
+using platform::IsSeparator;
 
 // Takes apart the first 260 characters of `path`; a null path counts as empty. All pieces are empty if the folder, the
 // base name or the extension has more than 255 characters. Reads no byte behind the terminator, nor behind the 260th.

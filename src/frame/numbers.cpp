@@ -31,7 +31,8 @@ double FirstTurn(double degrees) {
     return degrees;
 }
 
-// The double nearest to a power of ten, infinity or 0 where it is out of range. The pow of some runtimes is a little off.
+// The double nearest to a power of ten, infinity or 0 where it is out of range. The pow of some runtimes is a little
+// off.
 double PowerOfTen(std::int64_t exponent) {
     const auto clamped = static_cast<int>(std::clamp<std::int64_t>(exponent, -400, 400));
     char text[8] = "1e";

@@ -30,8 +30,8 @@ int WeekDay(std::int64_t day);
 // The form that a locale's name ("de_DE.UTF-8", "en", "C") asks for.
 DateForm DateFormOf(const char *locale);
 
-// The date as text in code page 1252, terminated. False, with `out` untouched, if there is no such date or its year isn't 1601 to
-// 30827.
+// The date as text in code page 1252, terminated. False, with `out` untouched, if there is no such date or its year
+// isn't 1601 to 30827.
 bool DateText(DateForm form, const Date &date, bool long_form, char (&out)[80]);
 
 // The time of day as text. False, with `out` untouched, if there is no such time.

@@ -1,7 +1,7 @@
 // The full path: where a path starts, and which of its elements remain.
 //
-// Elements are visited from the end, once: there it is known how many ".." still take an element away, so nothing is written
-// that goes again, and neither length nor depth of a path has a limit.
+// Elements are visited from the end, once: there it is known how many ".." still take an element away, so nothing is
+// written that goes again, and neither length nor depth of a path has a limit.
 #include <algorithm>
 #include <cstring>
 #include <string_view>
@@ -9,13 +9,10 @@
 #include "platform/files.h"
 #include "platform/letter_case.h"
 #include "platform/path_text.h"
+#include "platform/separator.h"
 
 namespace zr::platform {
 namespace {
-
-bool IsSeparator(char c) {
-    return c == '\\' || c == '/';
-}
 
 // A path without its dots: root, elements of the current folder, elements of the path itself.
 struct Start {
@@ -98,8 +95,8 @@ bool FindStart(std::string_view path, const CurrentFolders &current, char (&buff
     return true;
 }
 
-// A path that grows from its end to its front. It stands at the end of its room until it is finished; what has no room is
-// only counted.
+// A path that grows from its end to its front. It stands at the end of its room until it is finished; what has no room
+// is only counted.
 class GrowingPath {
 public:
     // What stands behind the last separator of a path is an element even if nothing does: it gives the full path its

@@ -3,12 +3,10 @@
 
 #include <cstring>
 
+#include "platform/separator.h"
+
 namespace zr::platform {
 namespace {
-
-bool IsSeparator(char c) {
-    return c == '\\' || c == '/';
-}
 
 // Copies [begin, end) with a terminator; false if it has more than size - 1 characters.
 bool CopyPart(char *out, std::size_t size, const char *begin, const char *end) {

@@ -31,6 +31,10 @@ inline clock_struct StructOf(const Calendar &c) {
     return {c.second, c.minute, c.hour, c.day, c.month - 1, c.year - 1900, c.week_day, c.year_day};
 }
 
+inline clock_struct StructOf(const std::tm &t) {
+    return {t.tm_sec, t.tm_min, t.tm_hour, t.tm_mday, t.tm_mon, t.tm_year, t.tm_wday, t.tm_yday};
+}
+
 inline std::string Joined(const Calendar &c) {
     return Joined(StructOf(c)) + (c.summer ? "dst=1" : "dst=0");
 }
@@ -89,7 +93,8 @@ inline int CheckCalendars(const std::string &zone, int first_year = 1970) {
     return checked;
 }
 
-// The same for times of local clocks; rows that prescribe daylight saving time have nothing that they could be given to.
+// The same for times of local clocks. Rows that prescribe daylight saving time have nothing that they could be given
+// to.
 inline int CheckClocks(const std::string &zone, int first_year = 1970) {
     const GoldenTable table("crt_mktime.tsv");
     int checked = 0;
@@ -109,13 +114,12 @@ inline int CheckClocks(const std::string &zone, int first_year = 1970) {
         system_fields.tm_year = fields.year;
         const std::int64_t time = std::stoll(row.at("mktime64"));
         EXPECT_EQ(zr::platform::TimeOfLocal(system_fields), time) << zone << " " << input;
-        const std::tm &t = system_fields;
-        const clock_struct regular{t.tm_sec, t.tm_min, t.tm_hour, t.tm_mday, t.tm_mon, t.tm_year, t.tm_wday, t.tm_yday};
-        EXPECT_EQ(Joined(regular), after.substr(0, after.find("dst"))) << zone << " " << input;
+        EXPECT_EQ(Joined(StructOf(system_fields)), after.substr(0, after.find("dst"))) << zone << " " << input;
         const zr_long low = clock_makevalue(&fields);
         EXPECT_EQ(low, static_cast<zr_long>(static_cast<zr_ulong>(time))) << zone << " " << input;
         // What was given stays as it is; the two days come in addition.
-        const std::string days = std::to_string(t.tm_wday) + " " + std::to_string(t.tm_yday) + " ";
+        const std::string days =
+            std::to_string(system_fields.tm_wday) + " " + std::to_string(system_fields.tm_yday) + " ";
         EXPECT_EQ(Joined(fields), input + " " + days) << zone;
     }
     return checked;

@@ -24,6 +24,7 @@
 #include "platform/posix/posix_copy.h"
 #include "platform/posix/posix_errors.h"
 #include "platform/posix/posix_paths.h"
+#include "platform/separator.h"
 
 namespace zr::platform {
 
@@ -54,10 +55,6 @@ struct Sources {
     std::vector<Source> items;
     bool wildcards = false; // some were found by a pattern
 };
-
-bool IsSeparator(char c) {
-    return c == '\\' || c == '/';
-}
 
 // Offset of the last element of `path`.
 std::size_t NameOffset(const std::string &path) {

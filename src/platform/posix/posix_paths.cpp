@@ -5,14 +5,11 @@
 #include <cstring>
 
 #include "platform/files.h"
+#include "platform/separator.h"
 
 namespace zr::platform::posix {
 
 namespace {
-
-bool IsSeparator(char c) {
-    return c == '\\' || c == '/';
-}
 
 bool Fail(int code, char *out) {
     out[0] = 0;

@@ -1,12 +1,16 @@
-// Debugger channel and message box on a host without them.
+// Debugger channel, message box and sound on a host without them.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
+#include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
+#include <zrclb/numbers.h>
 
 #include "platform/debug.h"
 #include "platform/message_box.h"
@@ -39,6 +43,31 @@ protected:
     TempFolder m_folder;
     std::string m_search_path;
 };
+
+// In a process without a terminal there is no sound; the first terminal that it opens becomes its own.
+TEST_F(Desktop, SoundIsTheBellOfTheControllingTerminal) {
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+    if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0)
+        GTEST_SKIP() << "no terminals to be had on this host";
+    const std::string name = ptsname(terminal);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        setsid();
+        const int without = zr_beep();
+        const bool opened = open(name.c_str(), O_RDWR) >= 0;
+        _exit(without == 0 && opened && zr_beep() != 0 && zr_tone() != 0 ? 0 : 1);
+    }
+    std::string heard;
+    pollfd wait{terminal, POLLIN, 0};
+    for (char c = 0; heard.size() < 2 && poll(&wait, 1, 10000) == 1 && read(terminal, &c, 1) == 1;)
+        heard += c;
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(heard, "\a\a");
+    close(terminal);
+}
 
 TEST_F(Desktop, DebugTextsGoNowhereByThemselves) {
     testing::internal::CaptureStderr();

@@ -1,5 +1,5 @@
-// The portable forms of dates and times beside the system's own, the public texts in the user's locale, and the tables of
-// calendars in the zone of the process.
+// The portable forms of dates and times beside the system's own, the public texts in the user's locale, and the tables
+// of calendars in the zone of the process.
 #include "platform/date_text.h"
 
 #include <cstdlib>
@@ -94,8 +94,8 @@ TEST(WindowsDates, SystemFormatsAreTheSystemsTexts) {
     }
 }
 
-// The system finds its zone in the host's variable TZ when the process starts. The runtime would read the same variable by
-// rules of its own, so it must not see it.
+// The system finds its zone in the host's variable TZ when the process starts. The runtime would read the same variable
+// by rules of its own, so it must not see it.
 TEST(WindowsZones, TablesHoldInTheZoneOfTheProcess) {
     const char *variable = std::getenv("TZ");
     const std::string zone = variable != nullptr ? variable : "";
