@@ -149,8 +149,8 @@ TEST(ClockZones, ThreadsConvertAtOnce) {
                 Calendar c{};
                 ASSERT_TRUE(LocalCalendar(time, c));
                 ASSERT_EQ(c.hour, 3);
-                std::tm fields = FieldsOf("0 0 3 1 6 113");
-                ASSERT_EQ(TimeOfLocal(fields), 1372636800);
+                clock_struct fields{0, 0, 3, 1, 6, 113, 0, 0};
+                ASSERT_EQ(clock_makevalue(&fields), 1372636800);
             }
         });
     for (std::thread &thread : threads)
