@@ -105,9 +105,9 @@ TEST_F(PosixPaths, FilesOpenThroughEveryForm) {
     std::string back = m_folder.Path("file");
     for (char &c : back)
         c = c == '/' ? '\\' : c;
-    for (const std::string &path : {std::string("D:\\file"), std::string("d:file"), "C:" + back, back,
-                                    std::string("file"), std::string(".\\file"), std::string("C:file"),
-                                    std::string("D:\\..\\file")}) {
+    for (const std::string &path :
+         {std::string("D:\\file"), std::string("d:file"), "C:" + back, back, std::string("file"),
+          std::string(".\\file"), std::string("C:file"), std::string("D:\\..\\file")}) {
         std::FILE *stream = OpenText(path.c_str(), "r");
         ASSERT_NE(stream, nullptr) << path;
         EXPECT_EQ(std::fgetc(stream), 'c');
