@@ -126,7 +126,7 @@ ZR_API int zr_BuildFullPath(const char *path, const char *base, char *out) ZR_NO
 /* Writes the form of path as seen from the folder base to out[0..259]: behind a path variable if base begins with one
  * ("$INSTALLDIR$\bin\a.dll"; what stands behind the variable in base gets lost), else relative (".\a", "..\a"). With a
  * null or empty base every path variable that is known is tried, and the form with the fewest folders is taken, with
- * equal numbers the first in the order of rule 5.
+ * equal numbers the first in the order of rule 5; if the path itself has fewer, that is out, and the result still 1.
  * 1, or 0: for a null or empty path (out is empty) or null out; where no way leads from base to path (another drive),
  * out is then the absolute path; and if the way goes up from a path variable and allow_up is 0, or the form has more
  * than 259 characters, out is then path. */
