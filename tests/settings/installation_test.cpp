@@ -12,6 +12,7 @@
 
 #include "env/refused_memory.h"
 #include "frame/log_hook.h"
+#include "registry_values.h"
 #include "settings/installation_fixture.h"
 #include "settings/suite_registry.h"
 
@@ -366,6 +367,99 @@ TEST_F(Installation, ProjectFolderIsWhatWasSet) {
     EXPECT_STREQ(zr_GetProjDir(), "");
 }
 
+TEST_F(Installation, WithoutASettingsFileTheSearchGoesOnInTheRegistry) {
+    Write("reg\\file.txt");
+    EXPECT_EQ(SearchFile("Search", "Text", "file.txt"), Hit("untouched", -1));
+    EXPECT_EQ(Reports(), (Texts{not_found, not_found, not_found})); // the search, and that of the entry's default file
+    s_registry["file.txt"] = Path("reg");
+    EXPECT_EQ(SearchFile("Search", "Text", "file.txt"), Hit(Path("reg\\file.txt")));
+    EXPECT_EQ(Reports(), (Texts{not_found, not_found, not_found}));
+    EXPECT_EQ(SearchFile("System", "Exe", "file.txt"), Hit("", -1));
+    EXPECT_EQ(Reports(), Texts{not_found});
+}
+
+TEST_F(Installation, ListOfFoldersHasAtMost260Characters) {
+    Write("two\\file.txt");
+    const std::string two = Path("two");
+    ASSERT_LT(two.size(), 200U);
+    const auto write = [&](std::size_t length) {
+        Write("zr\\zr.zrini", "[Search]\nText=" + two + ";" + std::string(length - two.size() - 1, 'x') + "\n");
+    };
+    for (const std::size_t length : {259U, 260U}) {
+        write(length);
+        EXPECT_EQ(SearchFile("Search", "Text", "file.txt"), Hit(Path("two\\file.txt")));
+    }
+    write(261);
+    EXPECT_EQ(SearchFile("Search", "Text", "file.txt"), Hit("untouched", -1));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(Installation, HostileFileNamesAreNotFound) {
+    Write("zr\\zr.zrini", "[Search]\nText=one;" + Path("") + "\n");
+    for (const char *name : {"a\\*", "<>|\"", "\xFF\x01", "..\\..\\no such file"})
+        EXPECT_EQ(SearchFile("Search", "Text", name), Hit("untouched", -1));
+    // No name at all, and one that is too long to be one, stand for the folder.
+    for (const std::string &name : {std::string(), std::string(300, 'x'), std::string(5000, 'y')})
+        EXPECT_EQ(SearchFile("Search", "Text", name.c_str()), Hit(Path("")));
+    EXPECT_EQ(SearchFile(std::string(5000, 's').c_str(), std::string(5000, 'e').c_str(), "file"), Hit("untouched", -1));
+    EXPECT_EQ(SearchPath(std::string(5000, 's').c_str(), std::string(5000, 'e').c_str()), Hit("untouched", -1));
+}
+
+TEST_F(Installation, RegistryValuesHaveAtMost255Characters) {
+    Write("zr\\zr.zrini");
+    s_registry["InstallDir"] = Path("zr") + "\\" + std::string(255, '.');
+    EXPECT_EQ(zr_GetInstallDir(), Path("zr")); // not read, hence not reported
+    EXPECT_EQ(Reports(), Texts{});
+    zr::settings::ForgetInstallation();
+    std::string folder = Path("zr");
+    while (folder.size() + 2 <= 255)
+        folder += "\\.";
+    s_registry["InstallDir"] = folder;
+    EXPECT_EQ(zr_GetInstallDir(), folder); // as it was given
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(Installation, PathsOfTheLibraryHaveAtMost259Characters) {
+    std::string folder = "C:";
+    while (folder.size() < 245)
+        folder += "\\folder7";
+    const auto module_of = [&](std::size_t length) {
+        return folder + "\\" + std::string(length - folder.size() - 5, 'm') + ".dll";
+    };
+    s_module = module_of(259);
+    EXPECT_EQ(zr_GetBinDir(), folder);
+    zr::settings::ForgetInstallation();
+    s_module = module_of(260);
+    EXPECT_STREQ(zr_GetBinDir(), "");
+    EXPECT_EQ(Reports(), Texts{"Fehler beim Ermitteln des bin-Ordners"});
+}
+
+TEST_F(Installation, DataFolderWithoutRoomIsReported) {
+    std::string parent = Path("");
+    while (parent.size() < 240)
+        parent += "\\f";
+    s_data = parent;
+    EXPECT_STREQ(zr_GetAppDataDir(), "");
+    EXPECT_EQ(m_reports.Take(), (zr::test::Reports{{zr::test::Report::Message, "Fio", {"Buffer zu klein"}},
+                                                   zr::test::Message("Zr", "fio_CreatePath failed", "")}));
+}
+
+TEST_F(Installation, ValuesOfTheRealRegistryCount) {
+    Write("zr2\\zr.zrini", "[P]\nRel=sub\n");
+    Write("zr\\zr.zrini");
+    Write("reg\\file.txt");
+    zr::platform::services.registry_text = zr::platform::backend::ReadRegistryText;
+    RegistryValues values("Software\\Zr Works\\Zr Bench\\2013");
+    values.Set("zr.ini", Path("zr2"));
+    values.Set("InstallDir", Path("reg"));
+    values.Set("file.txt", "$INSTALLDIR$");
+    EXPECT_EQ(SearchPath("P", "Rel"), Hit(Path("zr2\\sub")));
+    EXPECT_EQ(zr_GetInstallDir(), Path("reg"));
+    EXPECT_EQ(SearchFile("S", "e", "file.txt"), Hit(Path("reg\\file.txt")));
+    EXPECT_EQ(SearchFile("S", "e", "other.txt"), Hit("untouched", -1));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
 // Reports that look for the log come back to the search while it works.
 class InstallationInTheLog : public InstallationFixture {
 protected:
@@ -419,6 +513,31 @@ TEST_F(InstallationInTheLog, GetterEnteredAgainIsEmpty) {
     });
     EXPECT_STREQ(zr_GetAppDataDir(), "");
     EXPECT_EQ(answers, "[][]");
+}
+
+// Each getter, asked by the report of its own failure.
+TEST_F(InstallationInTheLog, EveryGetterMayBeAskedByItsOwnReport) {
+    using Getter = const char *(*)();
+    static Getter asked;
+    s_data.clear();
+    const Getter failing[] = {
+        zr_GetAppDataDir,          zr_GetLocalAppDataDir, zr_GetCommonAppDataDir, zr_GetInstallDirProjekte,
+        zr_GetInstallDir,          zr_GetBinDir,          zr_GetBin32Dir,         zr_GetBin64Dir,
+        zr_GetBinExtDir,           zr_GetBinExt32Dir,     zr_GetBinExt64Dir,      zr::settings::get_common_dir,
+        zr::settings::get_user_dir};
+    for (const Getter getter : failing) {
+        zr::settings::ForgetInstallation();
+        s_module.clear();
+        answers.clear();
+        asked = getter;
+        zr::frame::SetLogHook({[] {
+                                   LookAt(asked);
+                                   return false;
+                               },
+                               nullptr, nullptr});
+        EXPECT_STREQ(getter(), "");
+        EXPECT_EQ(answers, "[]");
+    }
 }
 
 TEST_F(InstallationInTheLog, SettingsFileIsFoundFromWithinAReport) {

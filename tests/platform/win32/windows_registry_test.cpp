@@ -32,4 +32,21 @@ TEST(RegistryValue, BytesUpToTheFirstZeroAreItsText) {
     EXPECT_STREQ(out, "");
 }
 
+TEST(RegistryValue, OfTheSystemsOwnKeyIsFound) {
+    const std::string key = "Software\\zr_test_" + std::to_string(std::random_device{}());
+    HKEY made;
+    ASSERT_EQ(RegCreateKeyExA(HKEY_CLASSES_ROOT, key.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr,
+                              &made, nullptr),
+              ERROR_SUCCESS);
+    const BYTE text[] = "mine";
+    RegSetValueExA(made, "a", 0, REG_SZ, text, sizeof text);
+    RegCloseKey(made);
+    char out[8];
+    const bool read = ReadRegistryText(RegistryHive::classes_root, key.c_str(), "a", out, sizeof out);
+    RegDeleteKeyA(HKEY_CLASSES_ROOT, key.c_str());
+    EXPECT_TRUE(read);
+    EXPECT_STREQ(out, "mine");
+    EXPECT_FALSE(ReadRegistryText(RegistryHive::classes_root, key.c_str(), "a", out, sizeof out));
+}
+
 } // namespace
