@@ -22,6 +22,7 @@
 #include "expressions/reference_calculator.h"
 #include "frame/refused_heap.h"
 #include "frame/report_fixture.h"
+#include "settings/installation_fixture.h"
 #include "small_stack.h"
 
 namespace {
@@ -439,6 +440,50 @@ TEST_F(RoundedCalculator, ExtremeDigits_AreHarmless) {
         CZrCalculator calculator;
         EXPECT_TRUE(calculator.Calculate("1.5", &result));
     }
+}
+
+// The digits in the settings file of the installation.
+class InstalledCalculator : public InstallationFixture {
+protected:
+    void TearDown() override {
+        calc_init(0);
+        InstallationFixture::TearDown();
+    }
+
+    void Settings(const std::string &text) { Write("zr\\zr.zrini", text); }
+};
+
+TEST_F(InstalledCalculator, DigitsOfTheSettings_AreTaken) {
+    Settings("[Other]\nNachkommastellen=5\n[Calculator]\nNachkommastellen = 3 \n");
+    EXPECT_EQ(calc_init(7), 7);
+    EXPECT_EQ(calc_init(-1), 3);
+    EXPECT_EQ(ValueOf("2/3"), pround(2.0 / 3, -3));
+    Settings("[Calculator]\nNachkommastellen=-1\n");
+    CZrCalculator::Init(-1);
+    EXPECT_EQ(ValueOf("126"), 130);
+    Settings("[Calculator]\nNachkommastellen=0\n");
+    EXPECT_EQ(calc_init(-1), 0);
+    EXPECT_EQ(ValueOf("2/3"), 2.0 / 3);
+    Settings("[Calculator]\nNachkommastellen=many\n"); // reads as 0
+    calc_init(4);
+    EXPECT_EQ(calc_init(-1), 0);
+}
+
+TEST_F(InstalledCalculator, NoDigitsInTheSettings_KeepWhatThereWas) {
+    for (const char *text :
+         {"", "[Calculator]\nDigits=3\n", "[calculator]\nNachkommastellen=3\n", "Nachkommastellen=3\n"}) {
+        Settings(text);
+        EXPECT_EQ(calc_init(4), 4);
+        EXPECT_EQ(calc_init(-1), 4) << text;
+        EXPECT_EQ(ValueOf("2/3"), pround(2.0 / 3, -4)) << text;
+    }
+}
+
+TEST_F(InstalledCalculator, NoSettings_KeepWhatThereWas) {
+    EXPECT_EQ(calc_init(-1), 0);
+    EXPECT_EQ(calc_init(2), 2);
+    EXPECT_EQ(calc_init(-1), 2);
+    EXPECT_EQ(ValueOf("2/3"), pround(2.0 / 3, -2));
 }
 
 TEST(CalcExpression, ComputesOrFails) {

@@ -2,7 +2,9 @@
 #include <zrclb/zrclb.hpp>
 
 #include <cstring>
+#include <map>
 #include <memory>
+#include <random>
 #include <string>
 #include <thread>
 #include <vector>
@@ -10,6 +12,8 @@
 #include <gtest/gtest.h>
 
 #include "env/report_capture.h"
+#include "expressions/random_expression.h"
+#include "expressions/reference_string_expression.h"
 
 namespace {
 
@@ -201,6 +205,64 @@ TEST(StringExpression, ManyValues_MayOutgrowTheText) {
     }
     EXPECT_EQ(Filled(text), expected);
     ExpectFailure(Fill(text.c_str(), static_cast<zr_long>(expected.size())), Error("Calc", too_small));
+}
+
+// The texts of the one report of the service itself, empty if there is none; words of logic that are called report themselves.
+std::vector<std::string> OwnReport(const Reports &reports) {
+    std::vector<std::string> texts;
+    for (const zr::test::Report &report : reports) {
+        if (report.texts.empty() || !report.texts[0].starts_with("calc_string_expression"))
+            continue;
+        EXPECT_TRUE(texts.empty());
+        EXPECT_EQ(report.kind, zr::test::Report::Error);
+        EXPECT_EQ(report.tag, "Calc");
+        texts = report.texts;
+    }
+    return texts;
+}
+
+std::string RandomText(std::mt19937 &random, zr::test::RandomExpression &expressions) {
+    static constexpr const char *pieces[] = {"[!",   "[!",    "[!",  "]",     "]", "[", "a",   " ",
+                                             "(.2)", "( .3)", "(.)", "(.-1)", "1", "!", "\xE4"};
+    std::string text;
+    for (auto count = random() % 12; count > 0; --count) {
+        switch (random() % 4) {
+        case 0:
+            text += "[! " + expressions.Make(static_cast<int>(random() % 3)) + "]";
+            break;
+        case 1:
+            text += "[!7/3+1e" + std::to_string(random() % 20) + " (." + std::to_string(random() % 32) + ") ]";
+            break;
+        default:
+            text += pieces[random() % std::size(pieces)];
+            break;
+        }
+    }
+    return text;
+}
+
+TEST(StringExpression, RandomTexts_AsTheReference) {
+    std::mt19937 random(7);
+    zr::test::RandomExpression expressions(8);
+    std::map<std::string, int> outcomes;
+    for (int i = 0; i < 600; ++i) {
+        const std::string text = RandomText(random, expressions);
+        const std::size_t size = random() % 4 == 0 ? 1 + random() % 30 : 5000;
+        zr::test::ReferenceStringExpression reference;
+        const bool done = reference.Fill(text, size);
+        const Answer answer = Fill(text.c_str(), static_cast<zr_long>(size));
+        ASSERT_EQ(answer.ok, done) << text;
+        ASSERT_EQ(answer.text, reference.out) << text;
+        ++outcomes[reference.report];
+        const std::vector<std::string> texts = OwnReport(answer.reports);
+        ASSERT_EQ(texts.empty() ? "" : texts[0], reference.report) << text;
+        if (!reference.detail.empty() && reference.detail.find('\n') == std::string::npos) { // one line in the log
+            ASSERT_EQ(texts.size(), 2U) << text;
+            ASSERT_EQ(texts[1], reference.detail) << text;
+        }
+    }
+    for (const char *report : {"", bad_expression, too_small})
+        EXPECT_GT(outcomes[report], 40) << report;
 }
 
 // Each call has all that it needs for itself.
