@@ -21,7 +21,7 @@ inline bool KnownFolder(int number, char *out, std::size_t size) {
     return services.known_folder(number, out, size);
 }
 
-// The same with `below` behind it, a relative path. False too if that is no folder that exists.
+// The same with `below` behind it, a relative path that is not empty. False too if that is no folder that exists.
 inline bool KnownFolderBelow(int number, const char *below, char *out, std::size_t size) {
     return services.known_folder_below(number, below, out, size);
 }

@@ -103,11 +103,26 @@ TEST(KnownFolders, AreAbsoluteAndWithoutSeparatorAtTheEnd) {
 TEST(KnownFolders, OneBelowMustExist) {
     char path[path_size] = "before";
     const std::string over_long(300, 'x');
-    for (const char *below : {"zr no such folder\\", over_long.c_str(), static_cast<const char *>(nullptr)}) {
+    for (const char *below : {"zr no such folder\\", over_long.c_str(), "", static_cast<const char *>(nullptr)}) {
         EXPECT_FALSE(KnownFolderBelow(user_data_folder, below, path, sizeof path));
         EXPECT_STREQ(path, "");
     }
     EXPECT_FALSE(KnownFolderBelow(9999, "x", path, sizeof path));
+}
+
+TEST(KnownFolders, OneBelowKeepsTheSeparatorAtItsEnd) {
+    char parent[path_size], path[path_size], host[path_size];
+    ASSERT_TRUE(KnownFolder(local_user_data_folder, parent, sizeof parent));
+    const std::string name = "zr_test_" + std::to_string(std::random_device{}());
+    const std::string whole = parent + ("\\" + name);
+    ASSERT_TRUE(HostPath(whole.c_str(), host, sizeof host));
+    std::filesystem::create_directories(host);
+    EXPECT_TRUE(KnownFolderBelow(local_user_data_folder, name.c_str(), path, sizeof path));
+    EXPECT_EQ(path, whole);
+    EXPECT_TRUE(KnownFolderBelow(local_user_data_folder, (name + "\\").c_str(), path, sizeof path));
+    EXPECT_EQ(path, whole + "\\");
+    EXPECT_FALSE(KnownFolderBelow(local_user_data_folder, (name + "\\").c_str(), path, whole.size() + 1));
+    std::filesystem::remove(host);
 }
 
 TEST(LongPath, IsThatOfAnExistingFileAlone) {

@@ -62,7 +62,7 @@ bool backend::KnownFolderBelow(int number, const char *below, char *out, std::si
         return false;
     const std::size_t length = std::strlen(out);
     const std::size_t separator = out[length - 1] != '\\' ? 1 : 0;
-    const std::size_t more = below != nullptr ? strnlen(below, path_size) : path_size;
+    const std::size_t more = below != nullptr && below[0] != 0 ? strnlen(below, path_size) : path_size;
     if (length + separator + more < size && length + separator + more <= path_limit) {
         out[length] = '\\'; // a root has it already
         std::memcpy(out + length + separator, below, more + 1);

@@ -77,7 +77,7 @@ std::string_view Trimmed(std::string_view text) {
     constexpr std::string_view blanks = " \t\r";
     const std::size_t first = text.find_first_not_of(blanks);
     if (first == std::string_view::npos)
-        return {};
+        return text.substr(0, 0);
     return text.substr(first, text.find_last_not_of(blanks) + 1 - first);
 }
 

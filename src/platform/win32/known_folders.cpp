@@ -41,9 +41,15 @@ bool backend::KnownFolderBelow(int number, const char *below, char *out, std::si
         return false;
     out[0] = 0;
     char path[path_size];
-    return IsKnown(number) && below != nullptr && strnlen(below, path_size) < path_size &&
-           SHGetFolderPathAndSubDirA(nullptr, number, nullptr, SHGFP_TYPE_CURRENT, below, path) == S_OK &&
-           Store(path, out, size);
+    if (!IsKnown(number) || below == nullptr || below[0] == 0 || strnlen(below, path_size) == path_size ||
+        SHGetFolderPathAndSubDirA(nullptr, number, nullptr, SHGFP_TYPE_CURRENT, below, path) != S_OK)
+        return false;
+    // Not every system leaves the separator that `below` ends in.
+    const std::size_t length = std::strlen(path);
+    const bool cut = below[std::strlen(below) - 1] == '\\' && path[length - 1] != '\\';
+    if (cut && length < path_limit)
+        std::strcpy(path + length, "\\");
+    return Store(path, out, size);
 }
 
 std::size_t backend::LongPath(const char *path, char *out, std::size_t size) {
