@@ -13,6 +13,7 @@
 #include <zrclb/ini.h>
 #include <zrclb/installation.h>
 #include <zrclb/list.h>
+#include <zrclb/mini.h>
 #include <zrclb/numbers.h>
 #include <zrclb/paths.h>
 #include <zrclb/queue.h>
