@@ -266,9 +266,9 @@ public:
         for (const Run &run : runs) {
             if (run.run_type != Run::RT_Iteration)
                 continue;
-            const auto [row, fresh] = m_times.try_emplace(run.run_name.function_name, run.GetAdjustedRealTime());
+            const auto [row, fresh] = m_times.try_emplace(run.run_name.function_name, run.GetAdjustedCPUTime());
             if (!fresh)
-                row->second = std::min(row->second, run.GetAdjustedRealTime());
+                row->second = std::min(row->second, run.GetAdjustedCPUTime());
         }
         ConsoleReporter::ReportRuns(runs);
     }

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
-#include <filesystem>
 #include <list>
 #include <optional>
 #include <ostream>
@@ -14,6 +13,7 @@
 #include <zrclb/file_handle.h>
 #include <zrclb/mini.h>
 
+#include "platform/files.h"
 #include "platform/streams.h"
 #include "settings/reference_ini.h"
 
@@ -327,8 +327,13 @@ private:
             return -1;
         const std::string path = m_path + ".new";
         const int result = rewrite(in, platform::OpenText(path.c_str(), "w"));
-        std::filesystem::copy_file(path, m_path, std::filesystem::copy_options::overwrite_existing);
-        std::filesystem::remove(path);
+        std::FILE *from = platform::OpenBinary(path.c_str(), "r");
+        std::FILE *to = platform::OpenBinary(m_path.c_str(), "w");
+        for (int c; (c = std::fgetc(from)) != EOF;)
+            std::fputc(c, to);
+        std::fclose(from);
+        std::fclose(to);
+        platform::RemoveFile(path.c_str());
         return result;
     }
 
