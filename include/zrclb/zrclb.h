@@ -9,6 +9,7 @@
 #include <zrclb/file_name.h>
 #include <zrclb/files.h>
 #include <zrclb/folders.h>
+#include <zrclb/hash.h>
 #include <zrclb/heap.h>
 #include <zrclb/ini.h>
 #include <zrclb/installation.h>
