@@ -23,7 +23,7 @@ struct GroupOptions;
 struct Uuid;
 
 // What the back end provides. Contracts stand at the callers' faces: streams.h, files.h, message_box.h, debug.h,
-// clock.h, temporary.h, drives.h, shell.h, raw_file.h, modules.h, registry.h,
+// clock.h, temporary.h, drives.h, shell.h, raw_file.h, raw_output.h, modules.h, registry.h,
 // known_folders.h.
 namespace backend {
 std::FILE *OpenText(const char *path, const char *mode);
@@ -32,6 +32,12 @@ bool GetFileStatus(const char *path, FileStatus &out);
 std::intptr_t OpenRaw(const char *path);
 std::ptrdiff_t ReadRaw(std::intptr_t file, char *out, std::size_t size);
 void CloseRaw(std::intptr_t file);
+int OpenOutput(const char *path, std::intptr_t &file, std::uint64_t &size);
+void MakePrivate(std::intptr_t file);
+int ReserveOutput(std::intptr_t file, std::uint64_t size);
+int WriteOutput(std::intptr_t file, std::uint64_t at, const char *bytes, std::size_t size);
+int CutOutput(std::intptr_t file, std::uint64_t size);
+int CloseOutput(std::intptr_t file);
 int ShowMessageBox(zr_window owner, const char *text, const char *caption, unsigned type);
 zr_window FocusWindow();
 void DebugOutput(const char *text);
@@ -59,6 +65,12 @@ struct Services {
     bool (*file_status)(const char *path, FileStatus &out) = backend::GetFileStatus;
     std::intptr_t (*open_raw)(const char *path) = backend::OpenRaw;
     std::ptrdiff_t (*read_raw)(std::intptr_t file, char *out, std::size_t size) = backend::ReadRaw;
+    int (*open_output)(const char *path, std::intptr_t &file, std::uint64_t &size) = backend::OpenOutput;
+    int (*reserve_output)(std::intptr_t file, std::uint64_t size) = backend::ReserveOutput; // or not_supported
+    int (*write_output)(std::intptr_t file, std::uint64_t at, const char *bytes,
+                        std::size_t size) = backend::WriteOutput; // all of them
+    int (*cut_output)(std::intptr_t file, std::uint64_t size) = backend::CutOutput;
+    int (*close_output)(std::intptr_t file) = backend::CloseOutput;
     int (*show_message_box)(zr_window owner, const char *text, const char *caption,
                             unsigned type) = backend::ShowMessageBox;
     zr_window (*focus_window)() = backend::FocusWindow;
