@@ -46,7 +46,8 @@ std::string_view HeaderName(std::string_view line) {
 }
 
 bool IniLines::Open(const char *path) {
-    m_ended = m_failed = m_has_nul = false;
+    m_ended = m_failed = false;
+    m_wanted = first_block_size;
     m_at = m_end = m_buffer;
     if (m_file.Open(path) && !Fill() && m_failed) {
         m_file.Close();
@@ -63,14 +64,14 @@ bool IniLines::Fill() {
     std::memmove(m_buffer, m_at, left);
     m_at = m_buffer;
     char *const block = m_buffer + left;
-    const std::ptrdiff_t count = m_file.Read(block, block_size);
+    const std::ptrdiff_t count = m_file.Read(block, m_wanted);
+    m_wanted = block_size;
     m_end = block + std::max<std::ptrdiff_t>(count, 0);
     m_failed = count < 0;
     const char *end = Find(block, m_end, end_of_text);
     m_ended = count <= 0 || end != nullptr;
     if (end != nullptr)
         m_end = end;
-    m_has_nul = m_has_nul || Find(block, m_end, 0) != nullptr;
     return m_end != block;
 }
 
@@ -102,13 +103,31 @@ bool IniLines::NextPhysical(std::string_view &line) {
 
 bool IniLines::Next(std::string_view &line) {
     while (NextPhysical(line)) {
-        if (m_has_nul)
-            line = line.substr(0, line.find('\0'));
-        line = Trimmed(line);
+        line = Trimmed(line.substr(0, line.find('\0')));
         if (!line.empty())
             return true;
     }
     return false;
+}
+
+// The start of the next line, or null if this one isn't plain or not all in memory.
+const char *IniLines::BehindPlainLine(const char *line) const {
+    if (line == m_end || IsBlank(*line) || *line == ';' || *line == '[')
+        return nullptr;
+    const char *const feed = Find(line, m_end, '\n');
+    const bool is_plain =
+        feed != nullptr && feed[-1] == '\r' && !IsBlank(feed[-2]) && static_cast<std::size_t>(feed - line) <= line_size;
+    return is_plain ? feed + 1 : nullptr;
+}
+
+std::string_view IniLines::PlainLines() {
+    const char *const from = m_at;
+    const char *end = from;
+    while (const char *next = BehindPlainLine(end))
+        end = next;
+    const char *const nul = Find(from, end, 0);
+    m_at = nul != nullptr ? LineStart(from, nul) : end;
+    return m_at != from ? Text(from, m_at - 2) : std::string_view();
 }
 
 // No line in memory can be a header: leaves only the last one, which the file may go on with.
@@ -144,23 +163,11 @@ bool IniLines::NextHeader(std::string_view &name) {
 }
 
 std::string_view IniLines::Rest() {
-    while (Available() == 0 || (Available() == 1 && *m_at == '\r')) {
-        if (!Fill())
-            break;
-    }
-    if (Available() > 1 && m_at[0] == '\r' && m_at[1] == '\n')
-        ++m_at;
+    if (Available() == 0)
+        Fill();
     const char *const from = m_at;
-    const char *end = m_end;
-    // Up to the next CR that goes, or may go with what the next block begins with.
-    for (const char *cr = from; (cr = Find(cr, m_end, '\r')) != nullptr; ++cr) {
-        if (cr + 1 == m_end ? !m_ended : cr[1] == '\n') {
-            end = cr;
-            break;
-        }
-    }
-    m_at = end;
-    return Text(from, end);
+    m_at = m_end;
+    return Text(from, m_end);
 }
 
 } // namespace zr::settings

@@ -42,14 +42,20 @@ public:
     // The next line, trimmed, empty ones left out. False at the end.
     bool Next(std::string_view &line);
 
+    // The lines from here on that are entries (or malformed) and stand in the file as they are put there: trimmed, and
+    // with CR LF behind each of them but the last one here. Empty if the next line is none; more may follow.
+    std::string_view PlainLines();
+
     // Goes on to the next header, without a look at what stands in front of it.
     bool NextHeader(std::string_view &name);
 
-    // The next piece of what is left, as the text stream has it, with NUL bytes and all. Empty at the end.
+    // The next piece of what is left, as it stands in the file: CR LF and NUL bytes are what they are. Empty at the end.
     std::string_view Rest();
 
 private:
-    static constexpr std::size_t block_size = 8192;
+    // Most values stand near the front; who gets behind the first block wants more at once.
+    static constexpr std::size_t first_block_size = 8192;
+    static constexpr std::size_t block_size = 16384;
     static constexpr std::size_t line_size = 2046; // the longest line, with its line feed
     // What a line of this size may take in the file: its line feed may have a CR in front.
     static constexpr std::size_t line_bytes = line_size + 1;
@@ -57,13 +63,14 @@ private:
     std::size_t Available() const { return static_cast<std::size_t>(m_end - m_at); }
     bool Fill();
     bool NextPhysical(std::string_view &line);
+    const char *BehindPlainLine(const char *line) const;
     bool GoToNextBracket();
     void DropSearched();
 
     platform::RawFile m_file;
     bool m_ended = false; // all of the file is in memory
     bool m_failed = false;
-    bool m_has_nul = false;
+    std::size_t m_wanted = first_block_size;
     const char *m_at = m_buffer; // the start of a line
     const char *m_end = m_buffer;
     char m_buffer[line_bytes + block_size]; // a line that goes on in the next block, and this block

@@ -4,8 +4,6 @@
 #include <zrclb/files.h>
 #include <zrclb/report.h>
 
-#include "platform/file_verbs.h"
-#include "platform/streams.h"
 #include "settings/ini_names.h"
 
 namespace zr::settings {
@@ -21,13 +19,6 @@ bool HoldsSomething(const char *path) {
 }
 
 } // namespace
-
-int CopyOverFile(const char *temporary, const char *path) {
-    // Copies of a file take its permissions along. What may not be written isn't copied over.
-    if (platform::CanAccess(path, 2))
-        platform::CopyMode(path, temporary);
-    return fio_copy("", temporary, "", path);
-}
 
 bool SplitEntry(std::string_view line, std::string_view &name, std::string_view &value) {
     const std::size_t sign = FindEqualSign(line);
@@ -48,8 +39,11 @@ bool IniRewrite::Open(const char *path, Missing missing) {
         return false;
     if (fio_tmpnam(m_temporary, temporary_size) == nullptr)
         return false;
-    m_out = platform::OpenText(m_temporary, "w");
-    return m_out != nullptr;
+    if (!m_out.Open(m_temporary))
+        return false;
+    if (m_in.IsOpen())
+        m_out.MakePrivate(); // not everybody may be allowed to read the file
+    return true;
 }
 
 LineKind IniRewrite::Next(std::string_view &text, bool drop_comments) {
@@ -63,20 +57,30 @@ LineKind IniRewrite::Next(std::string_view &text, bool drop_comments) {
         if (drop_comments)
             continue;
         PutLineFeed();
-        Put(text);
+        m_out.PutBytes(text);
     }
     return LineKind::end;
 }
 
 bool IniRewrite::NextHeader(std::string_view &name) {
     for (;;) {
+        const std::string_view lines = m_in.IsOpen() ? m_in.PlainLines() : std::string_view();
+        if (!lines.empty()) {
+            PutLines(lines);
+            continue;
+        }
         const LineKind kind = Next(name);
         if (kind != LineKind::other)
             return kind == LineKind::header;
-        m_no_header_yet = false;
-        PutLineFeed();
-        Put(name);
+        PutLines(name);
     }
+}
+
+// In front of a header.
+void IniRewrite::PutLines(std::string_view lines) {
+    m_no_header_yet = false;
+    PutLineFeed();
+    m_out.PutBytes(lines);
 }
 
 bool IniRewrite::FindSection(std::string_view section, bool put_found) {
@@ -93,16 +97,6 @@ bool IniRewrite::FindSection(std::string_view section, bool put_found) {
     return false;
 }
 
-void IniRewrite::Put(std::string_view text) {
-    m_has_put = m_has_put || !text.empty();
-    std::fwrite(text.data(), 1, text.size(), m_out);
-}
-
-void IniRewrite::PutLineFeed() {
-    if (m_has_put)
-        Put("\n");
-}
-
 void IniRewrite::PutSeparator() {
     PutLineFeed();
     if (!m_no_header_yet)
@@ -115,31 +109,22 @@ void IniRewrite::PutRest() {
     if (!m_in.IsOpen())
         return;
     for (std::string_view piece = m_in.Rest(); !piece.empty(); piece = m_in.Rest())
-        Put(piece);
-}
-
-bool IniRewrite::CloseOutput() {
-    std::FILE *const out = m_out;
-    m_out = nullptr;
-    if (out == nullptr)
-        return false;
-    const bool failed = std::ferror(out) != 0;
-    return std::fclose(out) == 0 && !failed;
+        m_out.PutStored(piece);
 }
 
 int IniRewrite::Finish() {
-    const bool is_whole = CloseOutput() && !m_in.HasFailed();
+    const bool is_whole = m_out.Close() && !m_in.HasFailed();
     m_in.Close();
-    const int result = is_whole ? CopyOverFile(m_temporary, m_path) : -1;
+    const int result = is_whole ? CopyOverFile(m_temporary, m_path, m_out.Whole()) : -1;
     Abandon();
     return result;
 }
 
 void IniRewrite::Abandon() {
-    CloseOutput();
+    m_out.Close();
     m_in.Close();
     if (m_temporary[0] != 0)
-        fio_purge("", m_temporary);
+        platform::RemoveFile(m_temporary);
     m_temporary[0] = 0;
 }
 

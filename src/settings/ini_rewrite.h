@@ -4,11 +4,12 @@
 #ifndef ZR_SETTINGS_INI_REWRITE_H
 #define ZR_SETTINGS_INI_REWRITE_H
 
-#include <cstdio>
 #include <string_view>
 
 #include "platform/files.h"
+#include "settings/ini_copy.h" // for those who write the temporary file themselves
 #include "settings/ini_lines.h"
+#include "settings/ini_output.h"
 
 namespace zr::settings {
 
@@ -21,10 +22,6 @@ enum class LineKind {
 
 // An entry line taken apart, the name trimmed. False for a line without "=", which is reported.
 bool SplitEntry(std::string_view line, std::string_view &name, std::string_view &value);
-
-// Copies the temporary file over the settings file `path`, whose permissions stay: what fio_copy gives. The temporary
-// file stays too.
-int CopyOverFile(const char *temporary, const char *path);
 
 // One rewrite. Texts given out are valid until the next line is read. Threads: one at a time; different ones are
 // independent.
@@ -54,8 +51,11 @@ public:
     // False at the end.
     bool FindSection(std::string_view section, bool put_found);
 
-    void Put(std::string_view text);
-    void PutLineFeed(); // unless nothing was put yet
+    void Put(std::string_view text) { m_out.Put(text); }
+    void PutLineFeed() { // unless nothing was put yet
+        if (HasPut())
+            m_out.PutLineFeed();
+    }
     void PutHeader(std::string_view name) {
         Put("[");
         Put(name);
@@ -74,20 +74,19 @@ public:
     // A line feed, and all that is left of the file as it stands.
     void PutRest();
 
-    bool HasPut() const { return m_has_put; }
+    bool HasPut() const { return m_out.Size() != 0; }
 
     // Copies the temporary file over the file and removes it: 0, -1 if it could not be made whole, in which case
     // nothing is copied, else the system's code.
     int Finish();
 
 private:
-    bool CloseOutput();
+    void PutLines(std::string_view lines);
     void Abandon();
 
     const char *m_path = nullptr;
     IniLines m_in;
-    std::FILE *m_out = nullptr;
-    bool m_has_put = false;
+    IniOutput m_out;
     bool m_no_header_yet = true; // neither a header nor an entry in front of one was put
     char m_temporary[platform::path_size] = {};
 };

@@ -300,45 +300,120 @@ TEST_F(IniWrite, ReadOnlyFile_IsRefused) {
     ASSERT_EQ(zr::platform::SetAttributes(file, zr::platform::attribute_normal), 0);
 }
 
-// Every way to fail before the copy leaves the file as it was.
-TEST_F(IniWrite, FaultsOnTheWay_ChangeNothing) {
-    const char *file = File("[A]\na=1\n");
-    services.open_text = [](const char *, const char *) -> std::FILE * { return nullptr; };
-    EXPECT_EQ(ini_write_string(file, "A", "a", "2"), -1);
-    services.open_text = zr::platform::backend::OpenText;
-    services.open_raw = [](const char *) -> std::intptr_t { return -1; };
-    EXPECT_EQ(ini_write_string(file, "A", "a", "2"), -1); // it is there, and must not be taken for an empty one
-    services.open_raw = zr::platform::backend::OpenRaw;
-    static int reads;
-    reads = 0;
-    services.read_raw = [](std::intptr_t handle, char *out, std::size_t size) -> std::ptrdiff_t {
-        return ++reads == 2 ? -1 : zr::platform::backend::ReadRaw(handle, out, size);
-    };
-    EXPECT_EQ(ini_write_string(file, "A", "a", "2"), -1);
-    services.read_raw = zr::platform::backend::ReadRaw;
-    services.temp_file_name = [](const char *, const char *, unsigned, char *) { return 0U; };
-    EXPECT_EQ(ini_write_string(file, "A", "a", "2"), -1);
-    services.temp_file_name = zr::platform::backend::TempFileName;
-    {
-        const Refusal refusal(100000); // the buffer of a stream, where it is the library's
-        const int result = ini_write_string(file, "A", "a", "2");
-        EXPECT_EQ(result, refusal.Met() ? -1 : 0);
-        if (!refusal.Met())
-            File("[A]\na=1\n");
+// Names and paths have limits of their own; what is longer is no more of a name, or another file.
+TEST_F(IniWrite, SectionNames_CountWithTheirFirst79CharactersWhereTheyAreTrimmed) {
+    for (const std::size_t length : {78U, 79U, 80U, 81U}) {
+        const std::string name(length, 'n');
+        // Written and looked for as the caller has it, be it as long as it may.
+        EXPECT_EQ(ini_write_string(File("[A]\n"), name.c_str(), "e", "v"), 0);
+        EXPECT_EQ(Bytes(), Stored("[A]\n\n[" + name + "]\ne=v"));
+        EXPECT_EQ(ini_write_string(m_path.c_str(), name.c_str(), "e", "w"), 0);
+        EXPECT_EQ(Bytes(), Stored("[A]\n\n[" + name + "]\ne=w\n"));
+        EXPECT_EQ(ini_rename_entry(m_path.c_str(), name.c_str(), "e", "f"), length < 80 ? 0 : 1);
+        EXPECT_EQ(ini_rename_section(m_path.c_str(), name.c_str(), "B"), length < 80 ? 0 : 1);
+        EXPECT_EQ(ini_delete_section(m_path.c_str(), name.c_str()), length < 80 ? 1 : 0);
+        // Blank in front of the limit, it is the top area.
+        const std::string blanks = std::string(length - 1, ' ') + "x";
+        EXPECT_EQ(ini_delete_entry(File("a=1\n"), blanks.c_str(), "a"), length < 80 ? 1 : 0) << length;
     }
-    EXPECT_EQ(Bytes(), Stored("[A]\na=1\n"));
-    EXPECT_EQ(ini_write_string(file, "A", "a", "2"), 0);
+    const std::string name(100, 'n');
+    EXPECT_EQ(ini_rename_section(File("[A]\n"), "A", (std::string(10, ' ') + name).c_str()), 0);
+    EXPECT_EQ(Bytes(), Stored("[" + name.substr(0, 69) + "]\n"));
+}
+
+TEST_F(IniWrite, Paths_HaveAtMost259Characters) {
+    std::string folder = m_folder.Folder().string();
+    while (folder.size() < 200) {
+        folder += "/f";
+        std::filesystem::create_directory(folder);
+    }
+    for (const std::size_t length : {254U, 255U, 256U, 259U, 260U}) {
+        const std::string path = folder + "/" + std::string(length - folder.size() - 1, 'x');
+        const int result = ini_write_string(path.c_str(), "S", "e", "v");
+        EXPECT_EQ(result == 0, length < 260) << length << " " << result;
+        char value[2] = "-";
+        zr_long size = 1;
+        EXPECT_EQ(ini_read_string(path.c_str(), "S", "e", value, &size), length < 260 ? 0 : -1) << length;
+        EXPECT_STREQ(value, length < 260 ? "v" : "-");
+        EXPECT_EQ(ini_delete_section(path.c_str(), "S"), length < 260 ? 0 : -1) << length;
+    }
+}
+
+// A value that the reader can't have in one piece is written all the same.
+TEST_F(IniWrite, LongLines_AreWrittenAsTheyAre) {
+    for (const std::size_t length : {2043U, 2044U, 2045U, 2046U, 2047U, 100000U}) {
+        const std::string value(length, 'v');
+        EXPECT_EQ(ini_write_string(File("[S]\na=1\n[T]\n"), "S", "a", value.c_str()), 0);
+        EXPECT_EQ(Bytes(), Stored("[S]\na=" + value + "\n[T]\n"));
+        std::vector<char> read(length + 1);
+        auto size = static_cast<zr_long>(length);
+        EXPECT_EQ(ini_read_string(m_path.c_str(), "S", "a", read.data(), &size), 0);
+        EXPECT_EQ(size, static_cast<zr_long>(std::min<std::size_t>(length, 2044)));
+        // The next change in front of its end takes the line apart.
+        EXPECT_EQ(ini_write_string(m_path.c_str(), "T", "b", "2"), 0);
+        EXPECT_EQ(ini_read_string(m_path.c_str(), "T", "b", read.data(), &(size = 1)), 0);
+        EXPECT_EQ(Bytes().find(std::string(2047, 'v')), std::string::npos);
+    }
+}
+
+// More than is kept in memory on the way.
+TEST_F(IniWrite, LargeFiles_ComeOutWhole) {
+    std::string front, behind;
+    for (int i = 0; i < 6000; ++i)
+        front += "name" + std::to_string(i) + "= value " + std::to_string(i) + "\n";
+    for (int i = 0; i < 6000; ++i)
+        behind += "\n; " + std::to_string(i) + " \n b = 1 \n";
+    EXPECT_EQ(ini_write_string(File("[A]\n" + front + "x=1" + behind), "A", "x", "2"), 0);
+    EXPECT_EQ(Bytes(), Stored("[A]\n" + front + "x=2" + behind));
+    EXPECT_EQ(ini_write_string(m_path.c_str(), "A", "x", std::string(200000, 'v').c_str()), 0);
+    EXPECT_EQ(Bytes(), Stored("[A]\n" + front + "x=" + std::string(200000, 'v') + behind));
+    EXPECT_EQ(ini_delete_section(m_path.c_str(), "A"), 0);
+    EXPECT_EQ(Bytes(), "");
+}
+
+// What is in front of the change is put line by line or, where it may stay as it is, many lines at once.
+TEST_F(IniWrite, LinesInFrontOfTheChange_ComeOutAsOneByOne) {
+    using namespace std::string_literals;
+    const std::string before =
+        "a=1\r\nbad\r\n; c\r\nb=2\nc=3\r\n d=4\r\ne=5 \r\n\r\nf=\r6\r\r\n=\r\ng=7\0x\r\nh=8\r\n"s;
+    m_folder.Write("test.ini", before + "[S]\r\nx=1");
+    EXPECT_EQ(ini_write_string(m_path.c_str(), "S", "x", "2"), 0);
+    EXPECT_EQ(Bytes(),
+              "a=1\r\nbad\r\n; c\r\nb=2\r\nc=3\r\nd=4\r\ne=5\r\nf=\r6\r\n=\r\ng=7\r\nh=8\r\n\r\n[S]\r\nx=2\r\n");
+    for (const std::size_t length : {2043U, 2044U, 2045U, 2046U, 2047U}) {
+        const std::string line = "a=" + std::string(length - 2, 'v');
+        m_folder.Write("test.ini", "b=1\r\n" + line + "\r\nc=1\r\n[S]\r\nx=1");
+        EXPECT_EQ(ini_write_string(m_path.c_str(), "S", "x", "2"), 0);
+        const std::string split = length > 2046 ? line.substr(0, 2046) + "\r\n" + line.substr(2046) : line;
+        EXPECT_EQ(Bytes(), "b=1\r\n" + split + "\r\nc=1\r\n\r\n[S]\r\nx=2\r\n") << length;
+    }
 }
 
 TEST_F(IniWrite, RandomFiles_ComeOutAsThePlainReferenceWritesThem) {
     std::mt19937 random(20132);
-    const std::vector<std::string> pieces = {"[",        "]",    "=",
-                                             ";",        "\n",   "\r\n",
-                                             "\r",       " ",    "a",
-                                             "b",        "s",    "\t",
-                                             "\n[s]\n",  "\na=", "\xE4",
-                                             "\n[a]x\n", "a=1",  "\r\n b = 2\r\n",
-                                             "\n;x\n",   "\n\n", std::string(1, '\0')};
+    const std::vector<std::string> pieces = {"[",
+                                             "]",
+                                             "=",
+                                             ";",
+                                             "\n",
+                                             "\r\n",
+                                             "\r",
+                                             " ",
+                                             "a",
+                                             "b",
+                                             "s",
+                                             "\t",
+                                             "\n[s]\n",
+                                             "\na=",
+                                             "\xE4",
+                                             "\n[a]x\n",
+                                             "a=1",
+                                             "\r\n b = 2\r\n",
+                                             "\n;x\n",
+                                             "\n\n",
+                                             "c=3\r\n",
+                                             "\r\nd\r\nb=1\r\n",
+                                             std::string(1, '\0')};
     const std::vector<std::string> rare = {std::string(2040, 'v'), std::string(2046, ' '), std::string(700, 'w'),
                                            "\x1A", std::string(8000, '\n')};
     const auto below = [&](std::size_t count) { return static_cast<std::size_t>(random() % count); };
