@@ -635,7 +635,7 @@ TEST_F(MiniWrite, RandomSequences_GoAsInThePlainReference) {
     const auto below = [&](std::size_t count) { return static_cast<std::size_t>(random() % count); };
     const std::vector<Text> sections = {{}, "", " ", "A", " A ", "B", "C", "long " + std::string(300, 's')};
     const std::vector<Text> names = {{}, "", "a", " a ", "b", "c", "="};
-    for (int round = 0; round < 25; ++round) {
+    for (int round = 0; round < 12; ++round) {
         const std::string bytes = below(2) != 0 ? sample : "[A]\na=1\na=2\n[]\nx=1\n[A]\nb=3\nbad\n";
         Open(bytes);
         m_folder.Write("reference.ini", bytes);

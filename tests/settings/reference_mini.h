@@ -248,6 +248,24 @@ public:
         return nullptr;
     }
 
+    // Rewrites a file as the other family does: from one stream to another, which then is copied over it.
+    template <class Rewrite>
+    static int RewriteFile(const std::string &path, bool may_be_new, const Rewrite &rewrite) {
+        std::FILE *in = platform::OpenText(path.c_str(), "r");
+        if (in == nullptr && !may_be_new)
+            return -1;
+        const std::string new_path = path + ".new";
+        const int result = rewrite(in, platform::OpenText(new_path.c_str(), "w"));
+        std::FILE *from = platform::OpenBinary(new_path.c_str(), "r");
+        std::FILE *to = platform::OpenBinary(path.c_str(), "w");
+        for (int c; (c = std::fgetc(from)) != EOF;)
+            std::fputc(c, to);
+        std::fclose(from);
+        std::fclose(to);
+        platform::RemoveFile(new_path.c_str());
+        return result;
+    }
+
     std::list<Section> sections;
     bool found = false; // the file could be opened
     int malformed = 0;  // lines reported
@@ -319,22 +337,9 @@ private:
     // What the file gets of a new name.
     static std::string InFile(const std::string &name) { return ReferenceIni::Trim(name.substr(0, 79)); }
 
-    // Rewrites the file itself.
     template <class Rewrite>
     int OnFile(const Rewrite &rewrite) const {
-        std::FILE *in = platform::OpenText(m_path.c_str(), "r");
-        if (in == nullptr)
-            return -1;
-        const std::string path = m_path + ".new";
-        const int result = rewrite(in, platform::OpenText(path.c_str(), "w"));
-        std::FILE *from = platform::OpenBinary(path.c_str(), "r");
-        std::FILE *to = platform::OpenBinary(m_path.c_str(), "w");
-        for (int c; (c = std::fgetc(from)) != EOF;)
-            std::fputc(c, to);
-        std::fclose(from);
-        std::fclose(to);
-        platform::RemoveFile(path.c_str());
-        return result;
+        return RewriteFile(m_path, false, rewrite);
     }
 
     // The text is what is in the buffer, empty if it was not touched.
