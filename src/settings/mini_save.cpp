@@ -5,13 +5,13 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <string_view>
 
-#include <zrclb/file_handle.h>
 #include <zrclb/files.h>
 
-#include "settings/ini_rewrite.h"
+#include "platform/files.h"
+#include "settings/ini_copy.h"
+#include "settings/ini_output.h"
 #include "settings/mini_load.h"
 
 namespace zr::settings {
@@ -21,79 +21,54 @@ namespace {
 constexpr std::size_t entry_limit = 2047; // characters of an entry's line
 constexpr int temporary_size = 256;       // of the name, with its terminator
 
-// What goes to the temporary file. After the first failure nothing more does.
-class Output {
-public:
-    explicit Output(fio_handle *handle) : m_handle(handle) {}
+void PutSection(const MiniSection &section, IniOutput &out) {
+    if (section.name_size == 0)
+        return;
+    out.Put(out.Size() != 0 ? "\n\n[" : "[");
+    out.Put(section.Name());
+    out.Put("]");
+}
 
-    void PutSection(const MiniSection &section) {
-        if (section.name_size == 0)
-            return;
-        Put(m_is_empty ? "[" : "\n\n[");
-        Put(section.Name());
-        Put("]");
+void PutCut(const MiniEntry &entry, IniOutput &out) {
+    std::size_t room = entry_limit;
+    for (const std::string_view part : {entry.Name(), std::string_view("="), entry.Value()}) {
+        out.Put(part.substr(0, room));
+        room -= std::min(room, part.size());
     }
+}
 
-    void PutEntry(const MiniEntry &entry) {
-        if (!m_is_empty)
-            Put("\n");
-        std::size_t room = entry_limit;
-        for (const std::string_view part : {entry.Name(), std::string_view("="), entry.Value()}) {
-            Put(part.substr(0, room));
-            room -= std::min(room, part.size());
-        }
-    }
+void PutEntry(const MiniEntry &entry, IniOutput &out) {
+    if (out.Size() != 0)
+        out.PutLineFeed();
+    if (std::size_t{entry.name_size} + 1 + entry.value_size > entry_limit)
+        return PutCut(entry, out);
+    out.Put(entry.Name());
+    out.PutBytes("=");
+    out.Put(entry.Value());
+}
 
-    bool HasFailed() const { return m_failed; }
-
-    // Hands all over to the system and closes the handle. False if something failed by now.
-    bool Close() {
-        WriteOut();
-        m_failed = fio_flush(m_handle) != 0 || m_failed;
-        return fio_close(m_handle) == 0 && !m_failed;
-    }
-
-private:
-    void Put(std::string_view text) {
-        m_is_empty = m_is_empty && text.empty();
-        while (text.size() > sizeof m_buffer - m_size) {
-            const std::size_t part = sizeof m_buffer - m_size;
-            Collect(text.substr(0, part));
-            text.remove_prefix(part);
-            WriteOut();
-        }
-        Collect(text);
-    }
-
-    void Collect(std::string_view text) {
-        std::memcpy(m_buffer + m_size, text.data(), text.size());
-        m_size += text.size();
-    }
-
-    void WriteOut() {
-        if (m_size > 0 && !m_failed)
-            m_failed = fio_fwrite(m_buffer, 1, m_size, m_handle) != m_size;
-        m_size = 0;
-    }
-
-    fio_handle *m_handle;
-    bool m_failed = false;
-    bool m_is_empty = true; // nothing was put yet
-    std::size_t m_size = 0;
-    char m_buffer[4096];
-};
-
-bool PutAll(const MiniFile &file, fio_handle *handle) {
-    Output output(handle);
+void PutAll(const MiniFile &file, IniOutput &out) {
     for (const MiniSection *section = file.FirstSection(); section != nullptr; section = section->Next()) {
-        output.PutSection(*section);
-        for (const MiniEntry *entry = section->FirstEntry(); entry != nullptr; entry = entry->Next()) {
-            output.PutEntry(*entry);
-            if (output.HasFailed())
-                return output.Close();
-        }
+        PutSection(*section, out);
+        for (const MiniEntry *entry = section->FirstEntry(); entry != nullptr; entry = entry->Next())
+            PutEntry(*entry, out);
     }
-    return output.Close();
+}
+
+// Writes the temporary file and copies it over the file at `path`.
+bool SaveThrough(const char *temporary, const MiniFile &file, const char *path) {
+    IniOutput out;
+    if (!out.Open(temporary))
+        return false;
+    platform::FileStatus status;
+    const bool is_new = !platform::GetFileStatus(path, status);
+    if (!is_new)
+        out.MakePrivate(); // not everybody may be allowed to read the file
+    PutAll(file, out);
+    const bool is_whole = out.Close();
+    // Where there is no file yet, a part of it is better than nothing.
+    const bool is_copied = (is_whole || is_new) && CopyOverFile(temporary, path, out.Whole()) == 0;
+    return is_whole && is_copied;
 }
 
 } // namespace
@@ -102,13 +77,9 @@ bool SaveFile(const MiniFile &file) {
     char temporary[temporary_size];
     if (fio_tmpnam(temporary, temporary_size) == nullptr)
         return false;
-    fio_handle *const handle = fio_open("", temporary, FIO_WRITE | FIO_TEXT);
-    const bool is_whole = handle != nullptr && PutAll(file, handle);
-    // Where there is no file yet, a part of it is better than nothing.
-    const bool may_copy = is_whole || (handle != nullptr && fio_exist(file.dir, file.name) == 0);
-    const bool is_copied = may_copy && CopyOverFile(temporary, MiniPath(file).Text()) == 0;
-    fio_purge("", temporary);
-    return is_whole && is_copied;
+    const bool is_saved = SaveThrough(temporary, file, MiniPath(file).Text());
+    platform::RemoveFile(temporary);
+    return is_saved;
 }
 
 } // namespace zr::settings
