@@ -1,8 +1,8 @@
 // 10 MB of C-like text, made up here, cut into tokens: the scanner through a getChar function beside flex and GScanner.
 //
 // Items are tokens, each row's own: all rows know names, keywords, numbers, strings, comments and composed relations. flex and
-// GScanner read from memory; flex neither copies texts nor converts numbers. GetCharAlone is what the calls of the source cost,
-// its items are characters.
+// GScanner read from memory; flex neither copies texts nor converts numbers there. FlexDelivered reads through getChar as well, copies
+// and converts. The items of the rows GetChar... are characters.
 #include <cstddef>
 #include <cstdio>
 #include <random>
@@ -14,8 +14,10 @@
 #include <zrclb/scan.h>
 
 #ifdef ZR_BENCH_FLEX
-extern "C" long flex_tokens(char *text, std::size_t size);
+#include "scanner_lexer.h"
 #endif
+
+extern "C" long far_calls(int (*get_char)());
 
 namespace {
 
@@ -147,7 +149,8 @@ void Scanner(benchmark::State &state) {
     SetRates(state, items);
 }
 
-void GetCharAlone(benchmark::State &state) {
+// What the calls of the source cost by themselves, from within the program and from a library.
+void GetCharNear(benchmark::State &state) {
     int (*volatile source)() = GetChar;
     long items = 0;
     for (auto _ : state) {
@@ -160,12 +163,31 @@ void GetCharAlone(benchmark::State &state) {
     SetRates(state, items);
 }
 
+void GetCharFar(benchmark::State &state) {
+    long items = 0;
+    for (auto _ : state) {
+        next = Text().c_str();
+        items = far_calls(GetChar);
+    }
+    SetRates(state, items);
+}
+
 #ifdef ZR_BENCH_FLEX
 void Flex(benchmark::State &state) {
     std::string text = Text() + std::string(2, '\0');
     long items = 0;
     for (auto _ : state)
         items = flex_tokens(text.data(), text.size() - 2);
+    SetRates(state, items);
+}
+
+void FlexDelivered(benchmark::State &state) {
+    static flex_token token;
+    long items = 0;
+    for (auto _ : state) {
+        next = Text().c_str();
+        items = flex_tokens_delivered(GetChar, &token);
+    }
     SetRates(state, items);
 }
 #endif
@@ -196,9 +218,11 @@ void Glib(benchmark::State &state) {
 BENCHMARK(Scanner)->Unit(benchmark::kMillisecond);
 #ifdef ZR_BENCH_FLEX
 BENCHMARK(Flex)->Unit(benchmark::kMillisecond);
+BENCHMARK(FlexDelivered)->Unit(benchmark::kMillisecond);
 #endif
 BENCHMARK(Glib)->Unit(benchmark::kMillisecond);
-BENCHMARK(GetCharAlone)->Unit(benchmark::kMillisecond);
+BENCHMARK(GetCharNear)->Unit(benchmark::kMillisecond);
+BENCHMARK(GetCharFar)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

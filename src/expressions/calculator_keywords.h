@@ -73,7 +73,7 @@ public:
     }
 
     // Position of name[0..length-1], in upper case, or -1.
-    zr_long Find(const char *name, std::size_t length) const {
+    zr_long Find(const char *name, std::size_t length, std::uint64_t) const {
         return static_cast<zr_long>(length <= longest ? Find(PackWord({name, length})) : Word::None);
     }
 

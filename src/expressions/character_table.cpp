@@ -1,4 +1,4 @@
-// What a scanner's characters are: their normal form, their classes, their kinds.
+// What a scanner's characters are: their normal form, what they begin, their kinds.
 #include "expressions/character_table.h"
 
 namespace zr::expressions {
@@ -51,23 +51,27 @@ constexpr std::array<std::uint8_t, 256> KindsByCharacter() {
 
 } // namespace
 
-constinit const std::array<std::uint8_t, 256> CharacterTable::symbol_kinds = KindsByCharacter();
+constinit const std::array<std::uint8_t, 256> CharacterTable::s_symbolKinds = KindsByCharacter();
 
-zr_long CharacterTable::CharacterKind(int c) const {
-    if (Is(c, letter))
-        return SCAN_KIND_LETTER;
-    if (Is(c, digit))
+zr_long CharacterTable::CharacterKind(Character c) {
+    if (c.IsDigit())
         return SCAN_KIND_DIGIT;
-    switch (c) {
+    switch (c.Value()) {
     case ' ':
         return SCAN_KIND_BLANK;
     case '\n':
         return SCAN_KIND_END_OF_LINE;
     case 0:
         return SCAN_KIND_END;
+    case '_': // parts of names that are no letters
+    case '\'':
+        return SCAN_KIND_PRINTABLE;
     default:
-        return c < ' ' ? SCAN_KIND_VOID : SCAN_KIND_PRINTABLE;
+        break;
     }
+    if (c.GetStart() == Start::Name)
+        return SCAN_KIND_LETTER;
+    return c.Value() < ' ' ? SCAN_KIND_VOID : SCAN_KIND_PRINTABLE;
 }
 
 int CharacterTable::EscapeValue(int c) {

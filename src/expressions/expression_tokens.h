@@ -23,7 +23,9 @@ struct TextSource {
     const char *next = "";
 
     int Next() { return static_cast<signed char>(*next++); }
+    static bool HasUser() { return false; }
     static zr_long User() { return 0; }
+    void Follow(const TextSource &copy) { next = copy.next; }
 };
 
 // Digits that a double holds, and the powers of ten that go with them.

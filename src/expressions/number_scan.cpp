@@ -5,6 +5,7 @@
 #include <cfloat>
 #include <charconv>
 #include <cstdint>
+#include <iterator>
 #include <system_error>
 
 namespace zr::expressions {
@@ -23,10 +24,7 @@ constexpr std::uint64_t mantissa_limit = 1'000'000'000'000'000'000; // one more 
 constexpr std::int64_t exponent_limit = 1'000'000'000;
 constexpr std::uint64_t exact_mantissa = std::uint64_t{1} << 53;
 
-// Powers of ten that a double holds exactly.
-constexpr double powers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                             1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-constexpr std::int64_t largest_power = std::size(powers) - 1;
+constexpr std::int64_t largest_power = std::size(exact_powers) - 1;
 
 std::int64_t Exponent(const char *text, const char *end) {
     const bool negative = *text == '-';
@@ -70,7 +68,7 @@ bool Quick(const Parts &parts, double &value) {
         parts.scale < -largest_power)
         return false;
     const auto mantissa = static_cast<double>(parts.mantissa);
-    const double size = parts.scale < 0 ? mantissa / powers[-parts.scale] : mantissa * powers[parts.scale];
+    const double size = parts.scale < 0 ? mantissa / exact_powers[-parts.scale] : mantissa * exact_powers[parts.scale];
     value = parts.negative ? -size : size;
     return true;
 }

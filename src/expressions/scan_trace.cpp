@@ -52,28 +52,28 @@ void Print(std::FILE *file, const char *format, ...) {
 } // namespace
 
 ScanTrace::~ScanTrace() {
-    if (file_ != nullptr)
-        std::fclose(file_);
+    if (m_file != nullptr)
+        std::fclose(m_file);
 }
 
 void ScanTrace::Open() {
-    file_ = platform::OpenText("trc", "w");
+    m_file = platform::OpenText("trc", "w");
 }
 
 void ScanTrace::Write(zr_long kind, const ZrScanToken &token) {
-    if (file_ == nullptr)
+    if (m_file == nullptr)
         return;
     const long row = token.row;
     const long column = token.column;
-    Print(file_, "S%-3ld[%2ld:%2ld]\t%-10s <%.*s>", static_cast<long>(trace_id), row, column, Label(kind), text_limit,
+    Print(m_file, "S%-3ld[%2ld:%2ld]\t%-10s <%.*s>", static_cast<long>(trace_id), row, column, Label(kind), text_limit,
           token.text);
     if (kind == SCAN_KIND_KEYWORD)
-        Print(file_, " #%ld", static_cast<long>(token.longValue));
+        Print(m_file, " #%ld", static_cast<long>(token.longValue));
     else if (kind == SCAN_KIND_LONG)
-        Print(file_, "  %ld", static_cast<long>(token.longValue));
+        Print(m_file, "  %ld", static_cast<long>(token.longValue));
     else if (kind == SCAN_KIND_DOUBLE)
-        Print(file_, "  %lf", token.doubleValue);
-    std::fputc('\n', file_);
+        Print(m_file, "  %lf", token.doubleValue);
+    std::fputc('\n', m_file);
 }
 
 } // namespace zr::expressions

@@ -20,7 +20,7 @@ public:
     void Write(zr_long kind, const ZrScanToken &token);
 
 private:
-    std::FILE *file_ = nullptr;
+    std::FILE *m_file = nullptr;
 };
 
 } // namespace zr::expressions

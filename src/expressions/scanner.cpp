@@ -6,26 +6,52 @@
 #include <zrclb/heap.h>
 #include <zrclb/report.h>
 
-using zr::expressions::CallerSource;
+using zr::expressions::FunctionSource;
 
-CZrScanner::CZrScanner(const CallerSource &source, zr_long options, const char **keywords)
-    : characters_(options), core_(source, options, characters_, keywords_), traced_((options & SCAN_TRACE) != 0) {
-    if (!keywords_.Build(keywords, (options & SCAN_KEYWORDS_NOCASE) != 0))
+namespace {
+
+int NoCharacter() {
+    return 0;
+}
+
+} // namespace
+
+CZrScanner::CZrScanner(int (*source)(void), zr_long (*user)(void), zr_long options, const char **keywords)
+    : CZrScanner(Tag{}, FunctionSource{source != nullptr ? source : NoCharacter, user}, options, keywords) {}
+
+void CZrScanner::Prepare(zr_long options, const char **keywords) {
+    if (!m_keywords.Build(keywords, (options & SCAN_KEYWORDS_NOCASE) != 0))
         zr_error("Nicht gen\374gend Speicher", nullptr, nullptr, "Scan", __LINE__);
-    else if (traced_)
-        trace_.Open();
+    else if (m_traced)
+        m_trace.Open();
 }
 
-int CZrScanner::NextToken(zr_long &kind, ZrScanToken &token) {
-    return traced_ ? TraceToken(kind, token) : core_.NextToken(kind, token);
+// What is called most is called directly.
+int CZrScanner::NextToken(zr_long &kind, ZrScanToken &token) noexcept {
+    auto *core = std::get_if<FunctionCore>(&m_core);
+    if (core != nullptr && !m_traced) [[likely]]
+        return core->NextToken(kind, token);
+    return NextTokenOfAnySource(kind, token);
 }
 
-int CZrScanner::TraceToken(zr_long &kind, ZrScanToken &token) {
-    const bool has_place = !core_.OwesDot();
-    const int error = core_.NextToken(kind, token);
-    if (has_place)
-        trace_.Write(kind, token);
-    return error;
+int CZrScanner::NextTokenOfAnySource(zr_long &kind, ZrScanToken &token) noexcept {
+    return std::visit(
+        [&](auto &core) {
+            const bool has_place = !core.OwesDot();
+            const int error = core.NextToken(kind, token);
+            if (m_traced && has_place)
+                m_trace.Write(kind, token);
+            return error;
+        },
+        m_core);
+}
+
+void CZrScanner::NextCharacter(zr_long &kind, char &c, bool comments) {
+    std::visit([&](auto &core) { core.NextCharacter(kind, c, comments); }, m_core);
+}
+
+void CZrScanner::Reset() {
+    std::visit([](auto &core) { core.Reset(); }, m_core);
 }
 
 extern "C" {
@@ -37,8 +63,7 @@ CZrScanner *scan_open(int (*getChar)(void), zr_long options, const char **keywor
 CZrScanner *scan_open_with_userdata(int (*getChar)(void), zr_long (*userFunction)(void), zr_long options,
                                     const char **keywords) noexcept {
     void *place = heap_malloc(sizeof(CZrScanner));
-    return place != nullptr ? new (place) CZrScanner(CallerSource{getChar, nullptr, userFunction}, options, keywords)
-                            : nullptr;
+    return place != nullptr ? new (place) CZrScanner(getChar, userFunction, options, keywords) : nullptr;
 }
 
 void scan_close(CZrScanner *handle) noexcept {
