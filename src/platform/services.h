@@ -15,16 +15,19 @@
 namespace zr::platform {
 
 enum class GroupVerb;
+enum class LibraryText : unsigned;
 enum class RegistryHive;
 enum class SpaceAnswer;
 struct ClusterSpace;
 struct FileStatus;
+struct FileVersion;
 struct GroupOptions;
+struct SystemVersion;
 struct Uuid;
 
 // What the back end provides. Contracts stand at the callers' faces: streams.h, files.h, message_box.h, debug.h,
-// clock.h, temporary.h, drives.h, shell.h, raw_file.h, raw_output.h, modules.h, registry.h,
-// known_folders.h.
+// clock.h, temporary.h, drives.h, shell.h, raw_file.h, raw_output.h, modules.h, registry.h, known_folders.h,
+// library_record.h, system_kind.h, users.h, processes.h.
 namespace backend {
 std::FILE *OpenText(const char *path, const char *mode);
 std::FILE *OpenBinary(const char *path, const char *mode);
@@ -57,6 +60,12 @@ bool ReadRegistryText(RegistryHive hive, const char *key, const char *name, char
 bool KnownFolder(int number, char *out, std::size_t size);
 bool KnownFolderBelow(int number, const char *below, char *out, std::size_t size);
 std::size_t LongPath(const char *path, char *out, std::size_t size);
+bool GetFileVersion(FileVersion &out);
+std::size_t GetLibraryText(LibraryText text, char *out, std::size_t size);
+bool GetSystemVersion(SystemVersion &out);
+bool SystemUser(char *out, std::size_t size);
+bool SystemLogin(char *out, std::size_t size);
+int StartProgram(char *command_line, unsigned short show);
 } // namespace backend
 
 struct Services {
@@ -94,6 +103,12 @@ struct Services {
     bool (*known_folder)(int number, char *out, std::size_t size) = backend::KnownFolder;
     bool (*known_folder_below)(int number, const char *below, char *out, std::size_t size) = backend::KnownFolderBelow;
     std::size_t (*long_path)(const char *path, char *out, std::size_t size) = backend::LongPath;
+    bool (*file_version)(FileVersion &out) = backend::GetFileVersion;
+    std::size_t (*library_text)(LibraryText text, char *out, std::size_t size) = backend::GetLibraryText;
+    bool (*system_version)(SystemVersion &out) = backend::GetSystemVersion;
+    bool (*system_user)(char *out, std::size_t size) = backend::SystemUser;
+    bool (*system_login)(char *out, std::size_t size) = backend::SystemLogin;
+    int (*start_program)(char *command_line, unsigned short show) = backend::StartProgram;
 };
 
 inline constinit Services services;

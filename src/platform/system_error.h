@@ -29,6 +29,7 @@ enum SystemError : int {
     folder_not_empty = 145,
     bad_path_name = 161,
     already_exists = 183,
+    bad_program_format = 193, // what should be started is no program
     path_too_long = 206,
     not_a_folder = 267,
     cannot_resolve_name = 1921, // a ring of links
