@@ -22,6 +22,7 @@
 #include <zrclb/scan.h>
 #include <zrclb/sort.h>
 #include <zrclb/str.h>
+#include <zrclb/system.h>
 #include <zrclb/types.h>
 #include <zrclb/version.h>
 

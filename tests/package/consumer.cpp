@@ -1,5 +1,6 @@
 // A user's program in C++: classes, type information and derived classes across the border of the installed library.
 // Ends with the number of the check that failed.
+#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -23,6 +24,12 @@ int Marked::alive = 0;
 int Check() {
     if (std::strcmp(zr_Version(), ZR_VERSION) != 0) {
         return 1;
+    }
+    // The library's file tells the version, on Windows through its version resource.
+    char tek_version[80], told[80];
+    std::snprintf(told, sizeof told, "%d.%02d%d", ZR_VERSION_MAJOR, ZR_VERSION_MINOR, ZR_VERSION_PATCH);
+    if (zr_get_tek_version(tek_version, sizeof tek_version) == nullptr || std::strcmp(tek_version, told) != 0) {
+        return 8;
     }
     Zr::CZrEnv *pEnv = Zr::CZrEnv::CreateEnv(3, nullptr);
     if (pEnv == nullptr || pEnv->GetID() != 3) {
