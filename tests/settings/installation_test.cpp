@@ -1,6 +1,7 @@
 // The installation: settings file, folders, search.
 #include <zrclb/installation.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -244,6 +245,61 @@ TEST_F(Installation, FolderThatCannotBeFoundIsReportedEachTime) {
     EXPECT_EQ(zr_GetBin32Dir(), Path("zr\\bin"));
 }
 
+TEST_F(Installation, FoldersAreKeptWhateverChanges) {
+    Write("zr\\zr.zrini", "[System]\nCOMMON_DIR=common\nUSER_DIR=user\n");
+    using Getter = const char *(*)();
+    const Getter getters[] = {zr_GetInstallDir,
+                              zr_GetBinDir,
+                              zr_GetBin32Dir,
+                              zr_GetBin64Dir,
+                              zr_GetBinExtDir,
+                              zr_GetBinExt32Dir,
+                              zr_GetBinExt64Dir,
+                              zr_GetAppDataDir,
+                              zr_GetLocalAppDataDir,
+                              zr_GetCommonAppDataDir,
+                              zr::settings::get_common_dir,
+                              zr::settings::get_user_dir};
+    Texts before;
+    for (const Getter getter : getters)
+        before.emplace_back(getter());
+    std::filesystem::remove(m_folder.Folder() / "zr/zr.zrini");
+    s_registry["InstallDir"] = Path("data");
+    s_module = Path("other\\bin\\zrclb.dll");
+    s_data = Path("other");
+    Texts after;
+    for (const Getter getter : getters)
+        after.emplace_back(getter());
+    EXPECT_EQ(after, before);
+    EXPECT_EQ(std::count(before.begin(), before.end(), ""), 0);
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(Installation, EachAllocationOfASearchMayFail) {
+    Write("zr\\zr.zrini", "[Search]\nText=one\n[P]\nRel=sub\n");
+    Write("zr\\one\\file.txt");
+    const std::string file = Path("zr\\one\\file.txt");
+    const std::string folder = Path("zr\\sub");
+    bool met = true;
+    for (int refused = 0; met; ++refused) {
+        ASSERT_LT(refused, 100);
+        zr::settings::ForgetInstallation();
+        char found[260] = "", path[260] = "";
+        int search, read;
+        {
+            const zr::test::NthAllocation refusal(refused);
+            search = zr_suche_datei("Search", "Text", "file.txt", found);
+            read = zr_suche_pfad("P", "Rel", path);
+            met = refusal.Met();
+        }
+        EXPECT_EQ(found, search == 0 ? file : "");
+        EXPECT_EQ(path, read == 0 ? folder : "");
+        EXPECT_EQ(Reports().empty(), !met);
+        EXPECT_TRUE(met || (search == 0 && read == 0));
+        EXPECT_EQ(SearchFile("Search", "Text", "file.txt"), Hit(file)); // nothing wrong was kept
+    }
+}
+
 TEST_F(Installation, MissingMemoryIsAMissingFolder) {
     const std::string handle = "zrFileCreateFileHandle: Fehler beim Erzeugen von File-Handle";
     {
@@ -361,8 +417,10 @@ TEST_F(Installation, ProjectFolderIsWhatWasSet) {
     EXPECT_STREQ(zr_GetProjDir(), "C:\\proj");
     zr_SetProjDir(zr_GetProjDir() + 3);
     EXPECT_STREQ(zr_GetProjDir(), "proj");
-    zr_SetProjDir(std::string(261, 'x').c_str());
-    EXPECT_EQ(zr_GetProjDir(), std::string(260, 'x'));
+    for (const std::size_t length : {259U, 260U, 261U, 5000U}) {
+        zr_SetProjDir(std::string(length, 'x').c_str());
+        EXPECT_EQ(zr_GetProjDir(), std::string(std::min<std::size_t>(length, 260), 'x'));
+    }
     zr_SetProjDir("");
     EXPECT_STREQ(zr_GetProjDir(), "");
 }

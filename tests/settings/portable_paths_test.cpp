@@ -298,6 +298,19 @@ TEST_F(PortablePaths, Relative_StandsBehindTheVariableOfItsBase) {
     EXPECT_EQ(Reports(), Texts{});
 }
 
+TEST_F(PortablePaths, Relative_OfTheFolderItselfEndsInADot) {
+    zr_SetProjDir("C:\\proj");
+    EXPECT_EQ(Relative("C:\\proj\\", "$PROJDIR$"), Hit("$PROJDIR$\\", 1));
+    EXPECT_EQ(Relative("C:\\proj", "$PROJDIR$"), Hit("$PROJDIR$\\..\\proj", 1)); // a name
+    EXPECT_EQ(FullPath("$PROJDIR$\\..\\proj"), Hit("C:\\proj", 1));
+}
+
+TEST_F(PortablePaths, Relative_FromAVariableOfNothingStartsInTheCurrentFolder) {
+    const CurrentFolder here(m_folder.Folder());
+    EXPECT_EQ(Relative(Path("x\\y"), "$PROJDIR$"), Hit("$PROJDIR$\\x\\y", 1));
+    EXPECT_EQ(Relative("x\\y", Path("").c_str()), Hit(".\\x\\y", 1)); // so does a path without a drive
+}
+
 TEST_F(PortablePaths, Relative_MayNotGoUpUnlessAllowed) {
     zr_SetProjDir("C:\\proj");
     zr_SetProjDocFolder("doc");
@@ -379,6 +392,19 @@ TEST_F(PortablePathsOfNoBase, ShortestWayMayGoUpIfAllowed) {
     EXPECT_EQ(Relative(Path("x"), nullptr, 1), Hit("$INSTALLDIR$\\..\\x", 1)); // before $COMMON_DIR$\..\x
     EXPECT_EQ(Relative(Path("zr\\projects\\p\\x"), nullptr, 1), Hit("$PROJDIR$\\x", 1));
     EXPECT_EQ(Reports(), Texts{});
+}
+
+TEST_F(PortablePathsOfNoBase, PathItselfGivesWayToAVariableWithAsManyFolders) {
+    zr_SetProjDir("C:\\");
+    EXPECT_EQ(Relative("C:\\a.txt", nullptr, 0), Hit("$PROJDIR$\\a.txt", 1));
+    // "$PROJDIR$\b" are two folders, "\b" is one.
+    EXPECT_EQ(Relative("C:\\b\\a.txt", nullptr, 0), Hit("C:\\b\\a.txt", 1));
+}
+
+TEST_F(PortablePathsOfNoBase, PathWithFewerFoldersThanItsFormsStays) {
+    zr_SetProjDir("Q:\\p"); // no way leads from there: the absolute path comes into play
+    const std::string drive = Path("").substr(0, 2);
+    EXPECT_EQ(Relative(drive + "\\a.txt", nullptr, 1), Hit(drive + "\\a.txt", 1));
 }
 
 TEST_F(PortablePathsOfNoBase, UnknownFoldersArePassedOver) {
