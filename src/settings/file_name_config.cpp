@@ -42,9 +42,8 @@ const char *CZrFileName::GetAbsolutePath(const char *project_dir) const {
         StoreText(given, project_dir, proj_dir_limit);
     *absolute_path = '\0';
     const ProjectFolder project(project_dir != nullptr ? given : nullptr);
-    const char *whole = GetPath();
     Path result;
-    if (zr_BuildFullPath(whole, *drive != '\0' ? whole : nullptr, result))
+    if (zr_BuildFullPath(GetPath(), nullptr, result))
         StoreText(absolute_path, result, path_limit);
     return absolute_path;
 }

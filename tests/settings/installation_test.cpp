@@ -145,6 +145,9 @@ TEST_F(Installation, WithoutEntryARegistryValueIsTheFolder) {
     EXPECT_EQ(SearchFile("Search", "Long", "file.txt"), Hit(Path("zr\\one\\file.txt")));
     s_registry["file.txt"] = Path("nowhere");
     EXPECT_EQ(SearchFile("Search", "Text", "file.txt"), Hit("untouched", 0));
+    char empty[260] = "";
+    EXPECT_EQ(zr_suche_datei("Search", "Text", "file.txt", empty), 0);
+    EXPECT_STREQ(empty, "");
 }
 
 TEST_F(Installation, PathsOfEntriesAreExpanded) {
@@ -596,6 +599,19 @@ TEST_F(InstallationInTheLog, EveryGetterMayBeAskedByItsOwnReport) {
         EXPECT_STREQ(getter(), "");
         EXPECT_EQ(answers, "[]");
     }
+}
+
+TEST_F(InstallationInTheLog, ProjectsFolderAskedByAReportOfItsReadIsEmpty) {
+    answers.clear();
+    Write("zr\\zr.zrini", "[Zr Tekbau Tek+]\nno sign\nInstallDirProjekte=D:\\one\n");
+    EXPECT_STREQ(zr_GetInstallDirProjekte(), "D:\\one");
+    zr::frame::SetLogHook({[] {
+                               LookAt(zr_GetInstallDirProjekte);
+                               return false;
+                           },
+                           nullptr, nullptr});
+    EXPECT_STREQ(zr_GetInstallDirProjekte(), "D:\\one");
+    EXPECT_EQ(answers, "[]");
 }
 
 TEST_F(InstallationInTheLog, SettingsFileIsFoundFromWithinAReport) {

@@ -158,6 +158,8 @@ TEST_F(PortablePaths, FullPath_TakesItsBaseWithoutADrive) {
     EXPECT_EQ(FullPath("$INSTALLDIR$\\..\\x", "Q:\\a"), Hit(Path("x"), 1));
     EXPECT_EQ(FullPath("", "C:\\a"), Hit("", 1));
     EXPECT_EQ(FullPath(""), Hit("", 1));
+    EXPECT_EQ(FullPath("   "), Hit("   ", 1));   // has no full path
+    EXPECT_EQ(FullPath("Q:x"), Hit("Q:\\x", 1)); // a drive that isn't there has no current folder but its root
     EXPECT_EQ(Reports(), Texts{});
 }
 
@@ -439,6 +441,27 @@ TEST_F(PortablePathsOfNoBase, MissingMemoryLeavesAGoodPathOrThePathItself) {
     }
 }
 
+// Two handles to compare with, one to look with: without one of them the run changes nothing, or is the last.
+TEST_F(PortablePaths, FormThatCannotBeComparedChangesNothing) {
+    Write("zr\\zr.zrini");
+    zr_SetProjDir(Path("zr\\p").c_str());
+    zr_SetProjDocFolder("doc");
+    const std::string path = Path("zr\\p\\x");
+    ASSERT_EQ(Relative(path, nullptr, 0), Hit("$PROJDIR$\\x", 1));
+    const std::string answers[] = {Hit(path, 0), Hit("$INSTALLDIR$\\p\\x", 0), Hit("$INSTALLDIR$\\p\\x", 1),
+                                   Hit("$INSTALLDIR$\\p\\x", 1)};
+    for (int refused = 0; refused < 4; ++refused) {
+        char out[260];
+        int result;
+        {
+            const zr::test::NthAllocation refusal(refused);
+            result = zr_BuildRelativePathEx(path.c_str(), nullptr, out, 0);
+        }
+        EXPECT_EQ(Hit(out, result), answers[refused]) << refused;
+        EXPECT_EQ(Reports(), Texts{out_of_handles});
+    }
+}
+
 TEST_F(PortablePaths, FormsHaveAtMost259Characters) {
     // "$PROJDIR$" and the rest behind "C:\p".
     zr_SetProjDir("C:\\p");
@@ -497,6 +520,7 @@ TEST_F(PortablePaths, RelativePathOfAFileName_IsSeenFromAFolderOrAFile) {
     EXPECT_STREQ(CZrFileName("x\\y").GetRelativePath(nullptr, 16), ".\\x\\y");
     EXPECT_STREQ(CZrFileName("x\\y").GetRelativePath("", 16), ".\\x\\y");
     EXPECT_STREQ(CZrFileName("C:\\a\\b\\").GetRelativePath("C:\\a", 16), ".\\b\\"); // a folder
+    EXPECT_STREQ(CZrFileName("C:\\a\\b\\").GetRelativePath("C:\\a\\b\\", 16), ".");
     EXPECT_STREQ(CZrFileName("$INSTALLDIR$\\y").GetRelativePath(Path("zr\\bin").c_str(), 16), "..\\y");
     EXPECT_STREQ(file.GetRelativePath(file.GetAbsolutePath(nullptr), 128), ".\\c.txt"); // its own result
     EXPECT_EQ(Reports(), Texts{});
