@@ -1,14 +1,17 @@
 // The scanner's trace: the file "trc" byte by byte.
 #include <clocale>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 #include <zrclb/scan.h>
 
 #include "expressions/scan_trace.h"
+#include "expressions/scanner.h"
 #include "frame/refused_heap.h"
 #include "platform/temp_folder.h"
 
@@ -101,6 +104,87 @@ TEST_F(ScanTraceFile, IgnoresTheProcessLocale) {
 TEST_F(ScanTraceFile, IsMadeAnewByEachScanner) {
     folder.Write("trc", "an old and longer content that goes");
     EXPECT_EQ(TraceOf(SCAN_TRACE, ""), "S1  [ 0: 0]\teof        < >\r\n");
+}
+
+TEST_F(ScanTraceFile, IsThereFromTheStart) {
+    folder.Write("trc", "old");
+    text = "a";
+    taken = 0;
+    CZrScanner *scanner = scan_open(Next, SCAN_TRACE, nullptr);
+    EXPECT_EQ(std::filesystem::file_size(folder.Folder() / "trc"), 0U);
+    EXPECT_EQ(taken, 0U);
+    scan_close(scanner);
+    EXPECT_EQ(folder.Read("trc"), "");
+}
+
+TEST_F(ScanTraceFile, StaysInTheFolderItWasMadeIn) {
+    text = "a";
+    taken = 0;
+    std::filesystem::create_directory(folder.Folder() / "other");
+    CZrScanner *scanner = scan_open(Next, SCAN_TRACE, nullptr);
+    {
+        const CurrentFolder other(folder.Folder() / "other");
+        const auto token = std::make_unique<ZrScanToken>();
+        zr_long kind = 0;
+        scan_token(scanner, &kind, token.get());
+        scan_close(scanner);
+    }
+    EXPECT_EQ(folder.Read("trc"), "S1  [ 0: 0]\tidentifier <a>\r\n");
+    EXPECT_TRUE(std::filesystem::is_empty(folder.Folder() / "other"));
+}
+
+// The kind is the caller's then: 0 at first here, that of the token before later on.
+TEST_F(ScanTraceFile, AKindThatIsLeft_IsTracedAsWhatItWas) {
+    EXPECT_EQ(TraceOf(SCAN_TRACE, "1e a \\ 7 1e"), "S1  [ 0: 0]\t** void ** <1e>\r\n"
+                                                   "S1  [ 0: 3]\tidentifier <a>\r\n"
+                                                   "S1  [ 0: 5]\tidentifier <\\>\r\n"
+                                                   "S1  [ 0: 7]\tlong       <7>  7\r\n"
+                                                   "S1  [ 0: 9]\tlong       <1e>  0\r\n"
+                                                   "S1  [ 0:11]\teof        < >\r\n");
+}
+
+TEST_F(ScanTraceFile, AnEscapedLineFeed_IsWrittenAsOne) {
+    EXPECT_EQ(TraceOf(SCAN_TRACE | SCAN_STRING_ESCAPES, "\"a\\nb\""), "S1  [ 0: 0]\tstring     <a\r\nb>\r\n"
+                                                                      "S1  [ 1: 2]\teof        < >\r\n");
+}
+
+TEST_F(ScanTraceFile, OfCharacters_HasNothing) {
+    text = "ab";
+    taken = 0;
+    CZrScanner *scanner = scan_open(Next, SCAN_TRACE, nullptr);
+    zr_long kind = 0;
+    char c = 0;
+    scan_character(scanner, &kind, &c);
+    scan_character_ex(scanner, &kind, &c);
+    EXPECT_EQ(c, 'a');
+    scan_close(scanner);
+    EXPECT_EQ(folder.Read("trc"), "");
+}
+
+TEST_F(ScanTraceFile, OfAScannerOfTheClass) {
+    class Letter : public IZrScannerGetChar {
+        int GetChar() override { return std::exchange(m_next, 0); }
+        int m_next = 'q';
+    } source;
+    {
+        CZrScanner scanner(&source, SCAN_TRACE, nullptr);
+        const auto token = std::make_unique<ZrScanToken>();
+        zr_long kind = 0;
+        EXPECT_EQ(scanner.NextToken(kind, *token), 0);
+        EXPECT_STREQ(token->text, "q");
+    }
+    EXPECT_EQ(folder.Read("trc"), "S1  [ 0: 0]\tidentifier <q>\r\n");
+}
+
+TEST_F(ScanTraceFile, OfTheManual_IsTrue) {
+    std::ifstream manual(ZR_GOLDEN_DIR "/../../docs/scanner.md");
+    string expected;
+    for (string line; std::getline(manual, line);) {
+        if (line.starts_with("    S1  "))
+            expected += line.substr(4, line.find_last_not_of('\r') - 3) + "\r\n";
+    }
+    const char *keywords[] = {"if", nullptr};
+    EXPECT_EQ(TraceOf(SCAN_TRACE, "if a = 12 .5", keywords), expected);
 }
 
 TEST_F(ScanTraceFile, WithoutTheOption_IsNotMade) {

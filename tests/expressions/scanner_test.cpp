@@ -2,7 +2,10 @@
 #include <climits>
 #include <clocale>
 #include <cmath>
+#include <cstddef>
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <memory>
 #include <random>
 #include <string>
@@ -60,6 +63,28 @@ struct Token {
     zr_long column;
     zr_long user;
 };
+
+// Applications pass and store the numbers.
+static_assert(SCAN_KEEP_EOL == 0x1 && SCAN_BLOCK_COMMENT == 0x2 && SCAN_LINE_COMMENT == 0x4 &&
+              SCAN_BANG_COMMENT == 0x8);
+static_assert(SCAN_SIGNED_NUMBERS == 0x10 && SCAN_COMPOSE_RELATIONS == 0x20 && SCAN_LOWER == 0x40 &&
+              SCAN_UPPER == 0x80);
+static_assert(SCAN_BACKSLASH_JOIN == 0x100 && SCAN_HASH_STYLE == 0x200 && SCAN_UMLAUTS == 0x400);
+static_assert(SCAN_APOSTROPHE_NAMES == 0x800 && SCAN_KEYWORDS_NOCASE == 0x1000 && SCAN_TRACE == 0x8000);
+static_assert(SCAN_STAR_POWER == 0x10000 && SCAN_STRING_ESCAPES == (0x20000 | 0x40000) && SCAN_STRING_JOIN == 0x80000);
+static_assert(SCAN_ERROR_NULL == -1 && SCAN_ERROR_NONE == 0 && SCAN_ERROR_NAME_TOO_LONG == 1);
+static_assert(SCAN_ERROR_STRING_TOO_LONG == 2 && SCAN_ERROR_CHARACTER_OPEN == 3 && SCAN_ERROR_STRING_OPEN == 4);
+static_assert(SCAN_ERROR_NUMBER == 5 && SCAN_ERROR_EXPONENT == 6 && SCAN_ERROR_ESCAPE == 7);
+static_assert(SCAN_ERROR_LONG_TOO_LARGE == 9 && SCAN_ERROR_DOUBLE_TOO_LARGE == 10 && SCAN_ERROR_DOUBLE_TOO_SMALL == 11);
+static_assert(SCAN_KIND_VOID == 0 && SCAN_KIND_LETTER == 1 && SCAN_KIND_DIGIT == 2 && SCAN_KIND_PRINTABLE == 3);
+static_assert(SCAN_KIND_BLANK == 4 && SCAN_KIND_KEYWORD == 5 && SCAN_KIND_IDENTIFIER == 6 && SCAN_KIND_LONG == 7);
+static_assert(SCAN_KIND_DOUBLE == 8 && SCAN_KIND_CHARACTER == 9 && SCAN_KIND_STRING == 10 && SCAN_KIND_QUOTED == 11);
+
+// Its fields stand in this order, without room that others could not know of.
+static_assert(sizeof ZrScanToken::text == 4096 && offsetof(ZrScanToken, text) == 0);
+static_assert(offsetof(ZrScanToken, doubleValue) == 4096 && offsetof(ZrScanToken, longValue) == 4104);
+static_assert(offsetof(ZrScanToken, row) == 4108 && offsetof(ZrScanToken, column) == 4112);
+static_assert(offsetof(ZrScanToken, user) == 4116 && sizeof(ZrScanToken) == 4120);
 
 class Scanner : public testing::Test {
 protected:
@@ -222,6 +247,51 @@ TEST_F(Scanner, NumbersBeyondADouble_AreErrors) {
     }
 }
 
+TEST_F(Scanner, HostileExponents_AreReadToTheirEnd) {
+    const string zeros(4000, '0');
+    const string nines(4000, '9');
+    EXPECT_EQ(First(0, "1e" + zeros + "5").double_value, 1e5);
+    EXPECT_EQ(First(0, "1e-" + zeros + "5").double_value, 1e-5);
+    EXPECT_EQ(First(0, "1e" + nines).error, 10);
+    EXPECT_EQ(First(0, "1e-" + nines).error, 11);
+    const Token zero = First(0, "0e" + nines);
+    EXPECT_EQ(zero.error, 0);
+    EXPECT_EQ(zero.kind, 8);
+    EXPECT_EQ(zero.double_value, 0.0);
+    for (const char *start : {"1e", "1e-", "0e+", "1.5E"}) {
+        const string number = start + string(10000, '3');
+        const Token token = First(0, number + " x");
+        EXPECT_EQ(token.error, 10) << start;
+        EXPECT_EQ(token.kind, untouched) << start;
+        EXPECT_EQ(token.text.size(), 4096U) << start;
+        EXPECT_EQ(Read().column, static_cast<zr_long>(number.size() + 1)) << start;
+    }
+}
+
+TEST_F(Scanner, NumbersOfAnyLength_AreTheNearestDoubles) {
+    std::mt19937 random(5);
+    for (int i = 0; i < 3000; ++i) {
+        string number = random() % 2 == 0 ? "-" : "";
+        const std::size_t digits = 1 + random() % 24;
+        const std::size_t point = random() % (digits + 1);
+        for (std::size_t k = 0; k < digits; ++k) {
+            number += k == point ? "." : "";
+            number += static_cast<char>('0' + random() % 10);
+        }
+        const Token token = First(SCAN_SIGNED_NUMBERS, number);
+        const double expected = std::strtod(number.c_str(), nullptr);
+        ASSERT_EQ(token.error, 0) << number;
+        ASSERT_EQ(token.text, number);
+        if (point < digits || std::abs(expected) > 2147483648.0) {
+            ASSERT_EQ(token.kind, 8) << number;
+            ASSERT_EQ(std::memcmp(&token.double_value, &expected, sizeof expected), 0) << number;
+        } else if (expected != 2147483648.0) {
+            ASSERT_EQ(token.kind, 7) << number;
+            ASSERT_EQ(token.long_value, expected) << number;
+        }
+    }
+}
+
 TEST_F(Scanner, AnEarlierOverflow_DoesNotSpoilALaterZero) {
     Open(0, "1e-999 0.0 1e999 0.0 2147483647");
     EXPECT_EQ(Read().error, 11);
@@ -289,12 +359,22 @@ TEST_F(Scanner, HashStyle_HasCommentsAndQuotedStrings) {
     EXPECT_EQ(open.kind, 11);
     EXPECT_EQ(open.text, "abc");
     EXPECT_EQ(open.long_value, 3);
-    EXPECT_EQ(First(SCAN_HASH_STYLE, "`" + string(4095, 'q') + "'").error, 0);
-    const Token full = First(SCAN_HASH_STYLE, "`" + string(4096, 'q') + "'");
-    EXPECT_EQ(full.error, 2);
-    EXPECT_EQ(full.text, string(4096, 'q'));
-    EXPECT_EQ(full.long_value, 0);
-    EXPECT_EQ(First(SCAN_HASH_STYLE, "`" + string(100000, 'q')).error, 2);
+}
+
+TEST_F(Scanner, QuotedStringAtTheLimit_HasNoTerminator) {
+    const Token fits = First(SCAN_HASH_STYLE, "`" + string(4095, 'q') + "'");
+    EXPECT_EQ(fits.error, 0);
+    EXPECT_EQ(fits.long_value, 4095);
+    for (const std::size_t length : {std::size_t{4096}, std::size_t{4097}, std::size_t{100000}}) {
+        const Token full = First(SCAN_HASH_STYLE, "`" + string(length, 'q') + "' x");
+        EXPECT_EQ(full.error, 2);
+        EXPECT_EQ(full.kind, 11);
+        EXPECT_EQ(full.text, string(4096, 'q'));
+        EXPECT_EQ(full.long_value, 0);
+        EXPECT_EQ(Read().column, static_cast<zr_long>(length + 3));
+    }
+    EXPECT_EQ(First(SCAN_HASH_STYLE, "`" + string(4096, 'q') + "\n").error, 2); // rather than open
+    EXPECT_EQ(First(SCAN_HASH_STYLE, "`" + string(4095, 'q') + "\\''").error, 2);
 }
 
 TEST_F(Scanner, Comments_ArePassedOver) {
@@ -582,6 +662,59 @@ TEST_F(Scanner, FewKeywords_AreFound) {
     EXPECT_EQ(First(0, "ab", two).kind, 6);
 }
 
+TEST_F(Scanner, LongKeywords_AreComparedToTheirEnd) {
+    const string tail(60, 't');
+    const string long_one = "identifier" + tail;
+    const char *keywords[] = {"identify",   "identifier",     "identifiers", "identifi",
+                              "Identifier", long_one.c_str(), "x_______1",   nullptr};
+    for (zr_long i = 0; keywords[i] != nullptr; ++i) {
+        EXPECT_EQ(First(0, keywords[i], keywords).long_value, i);
+        EXPECT_EQ(First(0, keywords[i], keywords).kind, 5);
+    }
+    for (const string &name : {string("identif"), string("identifie"), string("identifiert"), string("x_______2"),
+                               string("x_______"), long_one + "t", "identifieR" + tail, string("IDENTIFY")})
+        EXPECT_EQ(First(0, name, keywords).kind, 6) << name;
+    EXPECT_EQ(First(SCAN_KEYWORDS_NOCASE, "IDENTIFIERS", keywords).long_value, 2);
+    EXPECT_EQ(First(SCAN_KEYWORDS_NOCASE, "iDENTIFY", keywords).long_value, 0);
+    EXPECT_EQ(First(SCAN_KEYWORDS_NOCASE, "X_______1", keywords).long_value, 6);
+    EXPECT_EQ(First(SCAN_KEYWORDS_NOCASE, "IDENTIFIERt", keywords).kind, 6);
+}
+
+TEST_F(Scanner, KeywordsThatNoNameCanBe_AreNeverFound) {
+    const char *keywords[] = {"", "1a", "+", "a b", "@bc", "{bc", nullptr};
+    EXPECT_EQ(All(0, "1a + a b abc", keywords), "7:1 6:a 18:+ 6:a 6:b 6:abc");
+    EXPECT_EQ(All(SCAN_KEYWORDS_NOCASE, "1a _bc Abc [bc `bc", keywords), "7:1 6:a 6:_bc 6:Abc 31:[ 6:bc 0:` 6:bc");
+}
+
+TEST_F(Scanner, KeywordsNoCase_LeaveUmlautsAsTheyAre) {
+    const char *keywords[] = {"m\x84r", "\xe1", nullptr};
+    EXPECT_EQ(First(SCAN_UMLAUTS | SCAN_KEYWORDS_NOCASE, "M\x84R", keywords).kind, 5);
+    EXPECT_EQ(First(SCAN_UMLAUTS | SCAN_KEYWORDS_NOCASE, "M\x8eR", keywords).kind, 6);
+    EXPECT_EQ(First(SCAN_UMLAUTS | SCAN_KEYWORDS_NOCASE | SCAN_LOWER, "M\x8eR", keywords).kind,
+              5); // folded as it was read
+    EXPECT_EQ(First(SCAN_UMLAUTS, "\xe1", keywords).long_value, 1);
+}
+
+TEST_F(Scanner, AThousandKeywords_AreAllFound) {
+    std::vector<string> texts;
+    for (int i = 0; i < 1000; ++i)
+        texts.push_back((i % 3 == 0 ? "a_common_start_" : "k") + std::to_string(i * 7919 % 1000));
+    std::vector<const char *> keywords;
+    string text;
+    for (const string &keyword : texts) {
+        keywords.push_back(keyword.c_str());
+        text += keyword + " " + keyword + "_ ";
+    }
+    keywords.push_back(nullptr);
+    Open(0, text, keywords.data());
+    for (zr_long i = 0; i < 1000; ++i) {
+        const Token token = Read();
+        EXPECT_EQ(token.kind, 5) << token.text;
+        EXPECT_EQ(token.long_value, i);
+        EXPECT_EQ(Read().kind, 6);
+    }
+}
+
 TEST_F(Scanner, Reset_ForgetsPlaceAndWhatWasReadAhead) {
     Open(0, "a\nbc d");
     Read();
@@ -691,6 +824,48 @@ TEST(ScannerObject, ReadsFromASourceObject) {
     EXPECT_EQ(kind, 44);
 }
 
+TEST(ScannerObject, WithoutASource_IsAnEmptyInput) {
+    CZrScanner scanner(nullptr, 0, nullptr);
+    const auto token = std::make_unique<ZrScanToken>();
+    zr_long kind = untouched;
+    EXPECT_EQ(scanner.NextToken(kind, *token), 0);
+    EXPECT_EQ(kind, 44);
+}
+
+TEST(ScannerObject, GivesCharactersAndStartsAnew) {
+    TextSource source("+.b");
+    CZrScanner scanner(&source, SCAN_SIGNED_NUMBERS | SCAN_UPPER, nullptr);
+    const auto token = std::make_unique<ZrScanToken>();
+    zr_long kind = untouched;
+    scanner.NextToken(kind, *token);
+    EXPECT_EQ(kind, 18);
+    scanner.Reset();
+    char c = 0;
+    scanner.NextCharacter(kind, c, false);
+    EXPECT_EQ(c, ' ');
+    scanner.NextCharacter(kind, c, false);
+    EXPECT_EQ(kind, 44); // "b" was read ahead, and is forgotten
+}
+
+// One knows nothing of the other.
+TEST(ScannerObject, TwoAtATime_AreIndependent) {
+    TextSource first_source("a 'b 3\n\"x");
+    TextSource second_source("1 If +");
+    const char *keywords[] = {"if", nullptr};
+    CZrScanner first(&first_source, SCAN_APOSTROPHE_NAMES, nullptr);
+    CZrScanner second(&second_source, SCAN_KEYWORDS_NOCASE | SCAN_LOWER, keywords);
+    const auto token = std::make_unique<ZrScanToken>();
+    string read;
+    for (int i = 0; i < 4; ++i) {
+        for (CZrScanner *scanner : {&first, &second}) {
+            zr_long kind = untouched;
+            const int error = scanner->NextToken(kind, *token);
+            read += std::to_string(error) + ":" + std::to_string(kind) + ":" + token->text + " ";
+        }
+    }
+    EXPECT_EQ(read, "0:6:a 0:7:1 0:6:'b 0:5:if 0:7:3 0:18:+ 4:10:x 0:44:  ");
+}
+
 TEST_F(Scanner, NoMemoryForTheScanner_GivesNull) {
     SetSource("a");
     {
@@ -713,6 +888,18 @@ TEST_F(Scanner, NoMemoryForTheKeywords_LeavesAScannerWithoutThem) {
     EXPECT_EQ(reports.Take(), zr::test::Reports{zr::test::Error("Scan", "Nicht gen\xFCgend Speicher")});
     EXPECT_EQ(All(), "6:if 7:12");
     EXPECT_EQ(reports.Take(), zr::test::Reports{});
+}
+
+TEST_F(Scanner, Tokens_NeedNoMemory) {
+    const char *keywords[] = {"if", "else", "do", nullptr};
+    SetSource("if name 12 3.5e300 'x' \"s\" + \n" + string(5000, 'n') + " " + string(5000, '1') + " `");
+    zr::test::HeapRefusal refusal(2); // the scanner and its keywords are all
+    handle = scan_open(Next, SCAN_KEEP_EOL, keywords);
+    for (int i = 0; i < 11; ++i)
+        Read();
+    EXPECT_EQ(Read().kind, 44);
+    scan_reset(handle);
+    EXPECT_FALSE(refusal.Met());
 }
 
 // Texts of pieces that mean something to the scanner, under random options and calls.
@@ -776,6 +963,63 @@ TEST(ScannerComparison, RandomTexts_AreReadAsByTheReference) {
         ASSERT_EQ(Comparison(made).Run(), "") << "case " << i << ", options " << std::hex << made.options;
     }
     EXPECT_GT(Comparison::tokens, 20000U);
+}
+
+// The examples of the manual are lines "    [OPTION OPTION] text  -> tokens", the options as far as there are any.
+class ScannerManual : public Scanner {
+protected:
+    static void Replace(string &text, const string &old, const string &now) {
+        for (std::size_t at = text.find(old); at != string::npos; at = text.find(old, at + now.size()))
+            text.replace(at, old.size(), now);
+    }
+
+    static zr_long TakeOptions(string &text) {
+        static const std::vector<std::pair<string, zr_long>> names = {{"KEEP_EOL", SCAN_KEEP_EOL},
+                                                                      {"BLOCK_COMMENT", SCAN_BLOCK_COMMENT},
+                                                                      {"LINE_COMMENT", SCAN_LINE_COMMENT},
+                                                                      {"BANG_COMMENT", SCAN_BANG_COMMENT},
+                                                                      {"SIGNED_NUMBERS", SCAN_SIGNED_NUMBERS},
+                                                                      {"COMPOSE_RELATIONS", SCAN_COMPOSE_RELATIONS},
+                                                                      {"LOWER", SCAN_LOWER},
+                                                                      {"UPPER", SCAN_UPPER},
+                                                                      {"BACKSLASH_JOIN", SCAN_BACKSLASH_JOIN},
+                                                                      {"HASH_STYLE", SCAN_HASH_STYLE},
+                                                                      {"APOSTROPHE_NAMES", SCAN_APOSTROPHE_NAMES},
+                                                                      {"STAR_POWER", SCAN_STAR_POWER},
+                                                                      {"STRING_ESCAPES", SCAN_STRING_ESCAPES},
+                                                                      {"STRING_JOIN", SCAN_STRING_JOIN}};
+        zr_long options = 0;
+        if (!text.starts_with("["))
+            return 0;
+        const std::size_t end = text.find("] ");
+        for (const auto &[name, option] : names) {
+            if ((" " + text.substr(1, end - 1) + " ").find(" " + name + " ") != string::npos)
+                options |= option;
+        }
+        text.erase(0, end + 2);
+        return options;
+    }
+};
+
+TEST_F(ScannerManual, Examples_AreTrue) {
+    std::ifstream manual(ZR_GOLDEN_DIR "/../../docs/scanner.md");
+    int examples = 0;
+    for (string line; std::getline(manual, line);) {
+        const std::size_t split = line.find("  -> ");
+        if (!line.starts_with("    ") || split == string::npos)
+            continue;
+        ++examples;
+        string text = line.substr(4, split - 4);
+        string expected = line.substr(split + 5);
+        if (expected.ends_with('\r'))
+            expected.pop_back();
+        const zr_long options = TakeOptions(text);
+        Replace(text, "<nl>", "\n");
+        Replace(expected, "<nl>", "\n");
+        Replace(expected, "-:", std::to_string(untouched) + ":");
+        EXPECT_EQ(All(options, text), expected) << line;
+    }
+    EXPECT_GT(examples, 25);
 }
 
 } // namespace
