@@ -6,7 +6,8 @@
 
 class CZrCalculatorImpl;
 
-// What went wrong, and where: row and column, from 0, of the token at which reading stopped.
+// What went wrong, and where: row and column, from 0, of the token at which reading stopped. A plain value; an object belongs to one
+// thread at a time.
 class ZR_API CZrCalculatorError {
 public:
     CZrCalculatorError(CalculatorErrorType type = CALCULATOR_OK, zr_long row = 0, zr_long column = 0) noexcept;

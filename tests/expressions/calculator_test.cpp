@@ -6,6 +6,7 @@
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -191,6 +192,46 @@ TEST(Calculator, RandomExpressions_AsTheReference) {
     EXPECT_GT(good, 5000);
     for (const int error : {1, 2, 3, 7, 14, 15, 16, 17})
         EXPECT_GT(errors[error], 10) << error;
+}
+
+// Degrees times pi, then by 180; radians by pi, then times 180: the other order rounds differently.
+TEST(Calculator, AnglesAreConvertedInThisOrder) {
+    constexpr double pi = 3.141592653589793;
+    struct Function {
+        const char *name;
+        int step; // of the argument, in hundredths
+        double (*value)(double);
+        double (*other_order)(double);
+    };
+    const Function functions[] = {
+        {"SIN", 91, [](double x) { return std::sin(x * pi / 180.0); },
+         [](double x) { return std::sin(pi / 180.0 * x); }},
+        {"COS", 91, [](double x) { return std::cos(x * pi / 180.0); },
+         [](double x) { return std::cos(pi / 180.0 * x); }},
+        {"TAN", 91, [](double x) { return std::tan(x * pi / 180.0); },
+         [](double x) { return std::tan(pi / 180.0 * x); }},
+        {"COT", 91, [](double x) { return 1 / std::tan(x * pi / 180.0); },
+         [](double x) { return 1 / std::tan(pi / 180.0 * x); }},
+        {"ASN", 1, [](double x) { return std::asin(x) / pi * 180.0; },
+         [](double x) { return std::asin(x) * 180.0 / pi; }},
+        {"ACS", 1, [](double x) { return std::acos(x) / pi * 180.0; },
+         [](double x) { return std::acos(x) * 180.0 / pi; }},
+        {"ATN", 1, [](double x) { return std::atan(x) / pi * 180.0; },
+         [](double x) { return std::atan(x) * 180.0 / pi; }},
+        {"ACT", 1, [](double x) { return std::atan(1 / x) / pi * 180.0; },
+         [](double x) { return std::atan(1 / x) * 180.0 / pi; }},
+    };
+    for (const Function &function : functions) {
+        int told_apart = 0;
+        for (int i = 1; i < 100; ++i) {
+            const double x = i * function.step / 100.0;
+            char text[32];
+            std::snprintf(text, sizeof text, "%s(%.2f)", function.name, x);
+            EXPECT_PRED2(SameBits, ValueOf(text), function.value(x)) << text;
+            told_apart += function.value(x) != function.other_order(x) ? 1 : 0;
+        }
+        EXPECT_GT(told_apart, 5) << function.name;
+    }
 }
 
 // Every text of the given tokens, up to four of them.
@@ -557,7 +598,36 @@ TEST(CalculatorMemory, NoneForAnyKindOfPart_Fails) {
     }
 }
 
+TEST(CalculatorMemory, NoneForThePlainFunctions_Fails) {
+    const std::string deep = Repeated("(", 400) + "1" + Repeated(")", 400);
+    const std::string place = "[!" + deep + "]";
+    int growths = 0;
+    for (bool met = true; met; ++growths) {
+        ASSERT_LT(growths, 20);
+        double result = callers_value;
+        char ok = 7;
+        char out[64] = "before";
+        char string_ok = 7;
+        {
+            const HeapRefusal refusal(growths);
+            calc_expression(deep.c_str(), &result, &ok);
+            met = refusal.Met();
+        }
+        {
+            const HeapRefusal refusal(growths);
+            calc_string_expression(place.c_str(), out, sizeof out, &string_ok);
+            EXPECT_EQ(refusal.Met(), met);
+        }
+        EXPECT_EQ(ok, met ? 0 : 1);
+        EXPECT_EQ(result, met ? callers_value : 1);
+        EXPECT_EQ(string_ok, met ? 0 : 1);
+        EXPECT_STREQ(out, met ? "" : "1");
+    }
+    EXPECT_EQ(growths, 5); // 32 parts stand in place, 401 are wanted
+}
+
 TEST(CalculatorCopies, ShareOneImplementation) {
+    static_assert(sizeof(CZrCalculator) == sizeof(void *));
     CZrCalculator first;
     EXPECT_EQ(Compute(first, "1 2").column, 2);
     CZrCalculator second(first);
@@ -611,6 +681,7 @@ TEST(Calculator, LastErrorsRecord_StaysUntilAskedAgain) {
 }
 
 TEST(CalculatorError, HoldsWhatIsSet) {
+    static_assert(sizeof(CZrCalculatorError) == 3 * sizeof(zr_long));
     CZrCalculatorError error;
     EXPECT_EQ(error.GetErrorType(), CALCULATOR_OK);
     EXPECT_EQ(error.GetErrorRow(), 0);
