@@ -123,8 +123,7 @@ inline void Reading::Run() {
     } while (next != Step::Done);
     if (m_error == CALCULATOR_OK && m_tokens.Kind() != SCAN_KIND_END)
         m_error = CALCULATOR_SYNTAX;
-    if (m_error != CALCULATOR_OK)
-        Unwind();
+    Unwind();
 }
 
 inline Reading::Step Reading::Read(Step what) {
@@ -349,14 +348,12 @@ inline Reading::Step Reading::EndThen() {
 inline void Reading::EndElse() {
     const WaitingPart &choice = m_stack.Top();
     m_evaluate = choice.evaluate;
-    if (!m_evaluate)
-        m_value = choice.left;
-    else if (choice.left != 0)
+    if (choice.left != 0) // never where nothing is evaluated
         m_value = choice.value;
     m_stack.Pop();
 }
 
-// After a failure: the result is what the leftmost operand has come to.
+// What still waits, after a failure: the result is what the leftmost operand has come to.
 inline void Reading::Unwind() {
     for (; m_stack.Top().what != Waiting::Bottom; m_stack.Pop()) {
         const Waiting what = m_stack.Top().what;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <bit>
 #include <cfloat>
+#include <clocale>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -333,6 +334,7 @@ TEST(Calculator, TenMegabytesOfAnything_EndWithTheRightError) {
 
 TEST(Calculator, NumbersAndNamesAtTheLimitOfATokensText) {
     EXPECT_EQ(ValueOf(std::string(4095, '0')), 0);
+    EXPECT_EQ(ValueOf(std::string(4093, '0') + "12"), 12);
     EXPECT_EQ(ValueOf("1." + std::string(4093, '0')), 1);
     EXPECT_EQ(Compute(std::string(4097, '0')).error, 1);
     EXPECT_EQ(Compute(std::string(4097, '0')).column, 0);
@@ -354,6 +356,23 @@ TEST(Calculator, NumbersAtTheEndsOfTheirRange) {
         EXPECT_EQ(Compute(calculator, "0.0"), (Outcome{0, 0, 3, 0.0})) << too_large;
         EXPECT_EQ(Compute(calculator, "7"), (Outcome{0, 0, 1, 7})) << too_large;
     }
+}
+
+TEST(Calculator, Numbers_IgnoreTheProcessLocale) {
+    bool comma = false;
+    for (const char *name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "German_Germany.1252", "fr_FR.UTF-8"})
+        comma = comma || (std::setlocale(LC_ALL, name) != nullptr && *std::localeconv()->decimal_point == ',');
+    const Outcome point = Compute("1.5+1.0000000000000000000000000000000000");
+    const Outcome arguments = Compute("MIN(2,5)");
+    char text[32] = "";
+    char ok = 0;
+    calc_string_expression("[!3/2] [!1/4(.3)]", text, sizeof text, &ok);
+    std::setlocale(LC_ALL, "C");
+    EXPECT_EQ(point.result, 2.5);
+    EXPECT_EQ(arguments.result, 2);
+    EXPECT_STREQ(text, "1.5 0.250");
+    if (!comma)
+        GTEST_SKIP() << "no locale with a decimal comma is installed";
 }
 
 TEST(Calculator, NothingIsReadBehindTheEnd) {
