@@ -33,9 +33,9 @@ void keep_shorter_path(char *out, const char *candidate) {
     if (candidate == nullptr || *candidate == '\0')
         return;
     if (*out != '\0') {
-        const int kept = LevelsOf(out);
+        const int kept = LevelsOf(out); // -1 without memory: then every candidate has more
         const int levels = LevelsOf(candidate);
-        if (kept < 0 || levels < 0 || levels > kept || (levels == kept && zr_FindPathVar(out, nullptr, 0)))
+        if (levels < 0 || levels > kept || (levels == kept && zr_FindPathVar(out, nullptr, 0)))
             return;
     }
     StoreText(out, candidate, path_limit);

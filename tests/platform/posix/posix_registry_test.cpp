@@ -2,6 +2,7 @@
 #include "platform/registry.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <string>
 
@@ -72,6 +73,22 @@ TEST(RegistryFile, LinesAreReadByTheirRules) {
     EXPECT_EQ(ValueIn("[HKEY_CLASSES_ROOTxKey]\na=1\n"), "none");
 }
 
+TEST(RegistryFile, CommentsAreNoValues) {
+    const TempFolder folder;
+    folder.Write("r.ini", "[HKEY_CLASSES_ROOT\\Key]\n;a=1\n #b=2\n");
+    const Environment named("ZR_REGISTRY", folder.Path("r.ini").c_str());
+    EXPECT_EQ(ValueOf("Key", ";a"), "none");
+    EXPECT_EQ(ValueOf("Key", "#b"), "none");
+}
+
+TEST(RegistryFile, LinesHave2000BytesAndEndAtAZero) {
+    const std::string key = "[HKEY_CLASSES_ROOT\\Key]\n";
+    EXPECT_EQ(ValueIn(key + "a=" + std::string(1997, ' ') + "xy\n"), "<x>");
+    EXPECT_EQ(ValueIn(key + "a=" + std::string(1998, ' ') + "xy\n"), "<>");
+    EXPECT_EQ(ValueIn(key + "a=1" + '\0' + std::string(300, 'x') + "\n"), "<1>");
+    EXPECT_EQ(ValueIn(key + "a" + '\0' + "=1\na=2\n"), "<2>");
+}
+
 TEST(RegistryFile, GarbageIsPassedOver) {
     EXPECT_EQ(ValueIn(""), "none");
     EXPECT_EQ(ValueIn(std::string(100000, '[')), "none");
@@ -91,6 +108,10 @@ TEST(RegistryFile, EachKindOfFileIsSurvived) {
     EXPECT_EQ(ValueOf("Key", "a"), "none");
     std::filesystem::remove(folder.Path("r.ini"));
     ASSERT_EQ(mkfifo(folder.Path("r.ini").c_str(), 0600), 0);
+    EXPECT_EQ(ValueOf("Key", "a"), "none");
+    const Environment endless("ZR_REGISTRY", "/dev/zero");
+    EXPECT_EQ(ValueOf("Key", "a"), "none");
+    const Environment over_long("ZR_REGISTRY", ("/" + std::string(5000, 'x')).c_str());
     EXPECT_EQ(ValueOf("Key", "a"), "none");
 }
 
@@ -139,6 +160,8 @@ TEST(KnownFolders, FollowTheBaseDirectories) {
     EXPECT_EQ(FolderOf(local_user_data_folder), "C:\\home\\me\\.local\\share");
     const Environment mine("ZR_COMMON_DATA", "/srv/all//");
     EXPECT_EQ(FolderOf(common_data_folder), "C:\\srv\\all");
+    const Environment unrooted("ZR_COMMON_DATA", "srv");
+    EXPECT_EQ(FolderOf(common_data_folder), "C:\\var\\lib");
     const Environment over_long("ZR_COMMON_DATA", ("/" + std::string(257, 'x')).c_str());
     EXPECT_EQ(FolderOf(common_data_folder), "none");
 }
@@ -162,6 +185,19 @@ TEST(KnownFolders, OneBelowIsComposedAndLookedFor) {
     ASSERT_TRUE(KnownFolderBelow(user_data_folder, "a\\b\\", out, sizeof out));
     EXPECT_TRUE(std::string(out).ends_with("\\c\\a\\b\\")) << out;
     EXPECT_FALSE(KnownFolderBelow(user_data_folder, "a\\b\\", out, 20));
+}
+
+TEST(KnownFolders, OneBelowHasAtMost259Characters) {
+    const TempFolder folder;
+    const Environment config("XDG_CONFIG_HOME", folder.Path("").c_str());
+    const std::size_t room = 259 - std::string("C:").size() - folder.Path("").size();
+    for (const std::size_t more : {std::size_t{0}, std::size_t{1}}) {
+        const std::string name(room + more, 'n');
+        std::filesystem::create_directory(folder.Folder() / name);
+        char out[path_size + 1];
+        EXPECT_EQ(KnownFolderBelow(user_data_folder, name.c_str(), out, sizeof out), more == 0);
+        EXPECT_EQ(std::strlen(out), more == 0 ? 259U : 0U);
+    }
 }
 
 TEST(ModulePath, OfALibraryIsWhereItWasLoaded) {
