@@ -195,7 +195,7 @@ TEST_F(Installation, InstallRootTakesItsLongForm) {
     s_registry["InstallDir"] = Path("zr");
     s_module = Path("zr");
     EXPECT_STREQ(zr_GetInstallDir(), "C:\\long");
-    for (const std::size_t length : {0, 260, 300}) {
+    for (const std::size_t length : {0U, 260U, 300U}) {
         static std::size_t answer;
         answer = length;
         zr::settings::ForgetInstallation();
