@@ -2,9 +2,10 @@
 //
 // Read<who>: opens the file, finds one value, closes it; the first, the middle and the last of 1000 entries. PlainBlocks is
 // the least that such a read takes: blocks of 8 KB, memchr for the brackets in front of the section and for the line feeds in
-// it, an end at the hit, and none of the format's rules. Change<who>: one value of the middle, saved. The last lines print
-// ratios of the shortest times; with --benchmark_repetitions they settle.
+// it, an end at the hit, and none of the format's rules. Change<who>: one value of the middle, saved, also in a file of 4 KB.
+// The last lines print ratios of the shortest processor times; with --benchmark_repetitions they settle.
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -27,6 +28,8 @@
 #include <ini.h>
 
 #include <zrclb/zrclb.h>
+
+#include "platform/services.h"
 
 namespace {
 
@@ -60,9 +63,9 @@ std::string ValueAt(int section, int entry) {
     return value + std::string(24 - value.size(), 'v');
 }
 
-std::string FileText() {
+std::string FileText(int count) {
     std::string text;
-    for (int section = 0; section < sections; ++section) {
+    for (int section = 0; section < count; ++section) {
         text += "[" + SectionAt(section) + "]\r\n";
         for (int entry = 0; entry < entries; ++entry)
             text += EntryAt(section, entry) + "=" + ValueAt(section, entry) + "\r\n";
@@ -71,11 +74,11 @@ std::string FileText() {
     return text;
 }
 
-// The path of the file, fresh for each caller.
-std::string FreshFile() {
+// The path of the file, fresh for each caller. A small one has two of the sections.
+std::string FreshFile(bool small = false) {
     static const Folder folder;
     const std::string path = (folder.path / "bench.ini").string();
-    std::ofstream(path, std::ios::binary) << FileText();
+    std::ofstream(path, std::ios::binary) << FileText(small ? 2 : sections);
     return path;
 }
 
@@ -257,8 +260,8 @@ void RunRead(benchmark::State &state, Read read, const Place &place) {
         benchmark::DoNotOptimize(read(path, place));
 }
 
-void RunChange(benchmark::State &state, Change change, const Place &place) {
-    const std::string path = FreshFile();
+void RunChange(benchmark::State &state, Change change, const Place &place, bool small) {
+    const std::string path = FreshFile(small);
     bool turn = false;
     for (auto _ : state) {
         change(path, place, turn ? "one value" : "another one");
@@ -267,6 +270,31 @@ void RunChange(benchmark::State &state, Change change, const Place &place) {
     change(path, place, "last");
     const std::string value = ReadGKeyFile(path, place);
     Check(value == (change == ChangePlainCopies ? place.value : "last"));
+}
+
+// The time in which the file is neither the old one nor the new one: from the first byte written over it to its cut.
+void WindowOfChange(benchmark::State &state, const Place &place) {
+    using Clock = std::chrono::steady_clock;
+    static Clock::time_point opened, closed;
+    auto &services = zr::platform::services;
+    services.reserve_output = [](std::intptr_t file, std::uint64_t size) {
+        const int code = zr::platform::backend::ReserveOutput(file, size);
+        opened = Clock::now();
+        return code;
+    };
+    services.cut_output = [](std::intptr_t file, std::uint64_t size) {
+        const int code = zr::platform::backend::CutOutput(file, size);
+        closed = Clock::now();
+        return code;
+    };
+    const std::string path = FreshFile();
+    bool turn = false;
+    for (auto _ : state) {
+        ChangeZrclb(path, place, turn ? "one value" : "another one");
+        turn = !turn;
+        state.SetIterationTime(std::chrono::duration<double>(closed - opened).count());
+    }
+    services = {};
 }
 
 constexpr struct {
@@ -332,10 +360,16 @@ int main(int argc, char **argv) {
                 ->UseRealTime()
                 ->Unit(benchmark::kMicrosecond);
     }
-    for (const auto &[name, change] : changers)
-        benchmark::RegisterBenchmark(name, RunChange, change, PlaceAt(sections / 2, entries / 2))
-            ->UseRealTime()
-            ->Unit(benchmark::kMicrosecond);
+    for (const bool small : {true, false}) {
+        for (const auto &[name, change] : changers)
+            benchmark::RegisterBenchmark((std::string(name) + (small ? "Small" : "")).c_str(), RunChange, change,
+                                         PlaceAt(small ? 0 : sections / 2, entries / 2), small)
+                ->UseRealTime()
+                ->Unit(benchmark::kMicrosecond);
+    }
+    benchmark::RegisterBenchmark("WindowOfChange", WindowOfChange, PlaceAt(sections / 2, entries / 2))
+        ->UseManualTime()
+        ->Unit(benchmark::kMicrosecond);
     benchmark::Initialize(&argc, argv);
     Summary summary;
     benchmark::RunSpecifiedBenchmarks(&summary);
@@ -343,6 +377,8 @@ int main(int argc, char **argv) {
         for (const auto &reader : readers)
             PrintRatios(summary, "ReadZrclb", reader.name, place.name);
     }
-    for (const auto &changer : changers)
-        PrintRatios(summary, "ChangeZrclb", changer.name, "");
+    for (const char *size : {"Small", ""}) {
+        for (const auto &changer : changers)
+            PrintRatios(summary, "ChangeZrclb", changer.name, size);
+    }
 }

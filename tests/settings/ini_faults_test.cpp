@@ -21,6 +21,7 @@
 #include "platform/raw_output.h"
 #include "platform/temp_folder.h"
 #include "platform/temporary.h"
+#include "settings/ini_on_the_way.h"
 
 namespace {
 
@@ -147,15 +148,6 @@ protected:
     zr::test::ReportCapture m_reports;
 };
 
-// The new bytes up to some place and behind it the old ones; zeros behind both where a system can't set room aside.
-bool IsOnTheWay(std::string bytes, const std::string &before, const std::string &after) {
-    while (bytes.size() > before.size() && bytes.back() == 0)
-        bytes.pop_back();
-    const auto place = std::mismatch(bytes.begin(), bytes.end(), after.begin(), after.end()).first - bytes.begin();
-    const auto common = static_cast<std::size_t>(place);
-    return bytes.compare(common, std::string::npos, before, std::min(common, before.size())) == 0;
-}
-
 TEST_F(IniFaults, ProcessKilledAtAnyStep_LeavesTheOldFileOrTheNewOneOrBothInOne) {
     const std::string before = "[S]\r\n\r\n\r\nx=what was here\r\ny=1\r\n";
     const std::string after = "[S]\r\nx=new\r\ny=1\r\n";
@@ -177,7 +169,7 @@ TEST_F(IniFaults, ProcessKilledAtAnyStep_LeavesTheOldFileOrTheNewOneOrBothInOne)
             state = new_one;
         } else {
             EXPECT_NE(state, new_one) << steps;
-            EXPECT_TRUE(IsOnTheWay(bytes, before, after)) << steps << " " << bytes;
+            EXPECT_TRUE(zr::test::IsOnTheWay(bytes, before, after)) << steps << " " << bytes;
             state = on_the_way;
             ++ways;
         }
@@ -220,7 +212,7 @@ TEST_F(IniFaults, FileAtAnyStep_IsOldUntilRoomIsMadeSureOf) {
                 if (seen == "-")
                     break;
                 is_new = is_new || seen == after;
-                ASSERT_TRUE(is_new || IsOnTheWay(seen, before, after)) << step;
+                ASSERT_TRUE(is_new || zr::test::IsOnTheWay(seen, before, after)) << step;
             }
             EXPECT_TRUE(is_new);
         }

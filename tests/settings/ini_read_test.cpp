@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -111,8 +112,12 @@ TEST_F(IniRead, SectionName_BlankInItsFirst79CharactersIsTheTopArea) {
     const std::string bytes = "a=1\n[x]\na=2\n";
     EXPECT_EQ(Value(bytes, std::string(78, ' ') + "x", "a", 1), "-");
     EXPECT_EQ(Value(bytes, std::string(79, ' ') + "x", "a"), "1");
-    const std::string name(100, 'n');
-    EXPECT_EQ(Value("[" + name + "]\na=1\n", name, "a"), "1");
+    // A header may be as long as a line; behind that it is cut.
+    for (const std::size_t length : {78U, 79U, 80U, 81U, 2044U, 2045U, 2046U}) {
+        const std::string name(length, 'n');
+        EXPECT_EQ(Value("[" + name + "]\na=1\n", name, "a", length < 2046 ? 0 : 1), length < 2046 ? "1" : "-");
+        EXPECT_EQ(Value("[" + name + "n]\na=1\n", name, "a", length == 2045 ? 0 : 1), length == 2045 ? "1" : "-");
+    }
 }
 
 TEST_F(IniRead, Comments_TakeAWholeLineOnly) {
@@ -325,6 +330,22 @@ TEST_F(IniRead, RandomFiles_AnswerAsThePlainReference) {
             }
         }
     }
+}
+
+TEST_F(IniRead, TwoThreads_ReadTheSameFileAtOnce) {
+    const char *file = File("[s]\na=1\nb=2\n[t]\na=3\n" + std::string(20000, '\n') + "b=4\n");
+    const auto read = [file](const char *section, zr_long a, zr_long b, int *wrong) {
+        for (int i = 0; i < 200; ++i) {
+            zr_long value = 0;
+            *wrong += ini_read_long(file, section, "a", &value) != 0 || value != a;
+            *wrong += ini_read_long(file, section, "b", &value) != 0 || value != b;
+        }
+    };
+    int wrong = 0, wrong_there = 0;
+    std::thread other(read, "t", 3, 4, &wrong_there);
+    read("s", 1, 2, &wrong);
+    other.join();
+    EXPECT_EQ(wrong + wrong_there, 0);
 }
 
 TEST_F(IniRead, FailedRead_IsTheEndOfTheFile) {

@@ -1,0 +1,113 @@
+// What the fuzz targets of settings files have in common: the parts of an input, a file on the disk, a count of reports.
+#ifndef FUZZ_INI_INPUT_H
+#define FUZZ_INI_INPUT_H
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <string>
+
+#include <zrclb/report.h>
+
+#include "platform/services.h"
+#include "platform/temp_folder.h"
+
+namespace fuzz {
+
+inline void Require(bool holds, const char *what) {
+    if (holds)
+        return;
+    std::fprintf(stderr, "%s\n", what);
+    std::abort();
+}
+
+// A byte of choices, then lines, then the bytes of the file.
+class IniInput {
+public:
+    IniInput(const std::uint8_t *data, std::size_t size) : m_rest(reinterpret_cast<const char *>(data), size) {
+        if (size == 0)
+            return;
+        m_choices = data[0];
+        m_rest.erase(0, 1);
+    }
+
+    // One of so many.
+    unsigned Choose(unsigned count) {
+        const unsigned choice = m_choices % count;
+        m_choices /= count;
+        return choice;
+    }
+
+    // The next line, as a plain function is given it.
+    std::string Line() {
+        const std::size_t end = std::min(m_rest.find('\n'), m_rest.size());
+        const std::string line = m_rest.substr(0, end).c_str();
+        m_rest.erase(0, end + 1);
+        return line;
+    }
+
+    // The same, or a null text.
+    std::optional<std::string> LineOrNull() {
+        const bool is_null = Choose(2) == 1;
+        const std::string line = Line();
+        return is_null ? std::nullopt : std::optional(line);
+    }
+
+    const std::string &Rest() const { return m_rest; }
+
+private:
+    unsigned m_choices = 0;
+    std::string m_rest;
+};
+
+inline const char *OrNull(const std::optional<std::string> &text) {
+    return text ? text->c_str() : nullptr;
+}
+
+// A file of a folder that goes with the process.
+inline std::string PathOf(const char *name) {
+    static const TempFolder folder;
+    return folder.Path(name);
+}
+
+inline void Store(const std::string &path, const std::string &bytes) {
+    std::FILE *file = std::fopen(path.c_str(), "wb");
+    Require(file != nullptr, "no file");
+    std::fwrite(bytes.data(), 1, bytes.size(), file);
+    Require(std::fclose(file) == 0, "the file is not whole");
+}
+
+inline std::string Load(const std::string &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// Counts how often the text is reported as an error.
+class ReportCount {
+public:
+    explicit ReportCount(const char *text) {
+        s_text = text;
+        s_count = 0;
+        zr_error_onoff(0); // to the debugger channel alone
+        zr::platform::services.debug_output = [](const char *output) { s_count += std::strcmp(output, s_text) == 0; };
+    }
+
+    static int Take() {
+        const int count = s_count;
+        s_count = 0;
+        return count;
+    }
+
+private:
+    static inline const char *s_text = "";
+    static inline int s_count = 0;
+};
+
+} // namespace fuzz
+
+#endif
