@@ -23,6 +23,10 @@ char *NewText(std::string_view text) {
     return CopyText(static_cast<char *>(TakeMemory(text.size() + 1)), text);
 }
 
+bool HasFeed(std::string_view text) {
+    return text.find('\n') != std::string_view::npos;
+}
+
 std::uint32_t SizeOf(std::string_view text) {
     return static_cast<std::uint32_t>(text.size());
 }
@@ -134,6 +138,7 @@ MiniEntry *MakeEntry(MiniBlock &block, char *name, std::size_t name_size, char *
 MiniEntry *MakeEntry(std::string_view name) {
     auto *const entry = MakeRecord<MiniEntry>(name);
     entry->owns_record = true;
+    entry->may_hold_feed = HasFeed(name);
     return entry;
 }
 
@@ -188,6 +193,7 @@ void RemoveAllSections(MiniFile &file) {
 
 void SetValue(MiniEntry &entry, std::string_view value) {
     char *const old_value = entry.owns_value ? entry.value : nullptr;
+    entry.may_hold_feed = entry.may_hold_feed || HasFeed(value);
     entry.value = NewText(value);
     entry.value_size = SizeOf(value);
     entry.owns_value = true;
@@ -196,6 +202,7 @@ void SetValue(MiniEntry &entry, std::string_view value) {
 
 void SetName(MiniSection &section, MiniEntry &entry, std::string_view name) {
     section.finder.Forget();
+    entry.may_hold_feed = entry.may_hold_feed || HasFeed(name);
     ReplaceName(entry, name);
 }
 

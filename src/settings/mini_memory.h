@@ -78,6 +78,7 @@ struct MiniEntry : mini_entry {
     bool owns_record; // with the name that it was made with
     bool owns_name;
     bool owns_value;
+    bool may_hold_feed; // a line feed in name or value; nothing that was loaded has one
 };
 
 struct MiniSection : mini_section {

@@ -42,6 +42,14 @@ private:
     char m_text[given_name_limit + 1];
 };
 
+// Some bytes of a text as a number.
+template <class Bits>
+Bits BitsAt(const char *text) {
+    Bits bits;
+    std::memcpy(&bits, text, sizeof bits);
+    return bits;
+}
+
 inline std::uint32_t HashOf(std::string_view name) {
     constexpr std::uint64_t factor = 0x9E3779B97F4A7C15U;
     const char *text = name.data();
@@ -51,19 +59,35 @@ inline std::uint32_t HashOf(std::string_view name) {
         hash = (hash ^ bits) * factor;
         hash ^= hash >> 32;
     };
-    const auto load = [](const char *from, auto bits) {
-        std::memcpy(&bits, from, sizeof bits);
-        return bits;
-    };
     for (; left > 8; left -= 8, text += 8)
-        mix(load(text, std::uint64_t()));
+        mix(BitsAt<std::uint64_t>(text));
     // The rest, of which some bytes count twice.
     if (left >= 4)
-        mix(std::uint64_t{load(text, std::uint32_t())} << 32 | load(text + left - 4, std::uint32_t()));
+        mix(std::uint64_t{BitsAt<std::uint32_t>(text)} << 32 | BitsAt<std::uint32_t>(text + left - 4));
     else if (left > 0)
-        mix(std::uint64_t{load(text, std::uint8_t())} << 16 |
-            std::uint64_t{load(text + left / 2, std::uint8_t())} << 8 | load(text + left - 1, std::uint8_t()));
+        mix(std::uint64_t{BitsAt<std::uint8_t>(text)} << 16 |
+            std::uint64_t{BitsAt<std::uint8_t>(text + left / 2)} << 8 | BitsAt<std::uint8_t>(text + left - 1));
     return static_cast<std::uint32_t>(hash);
+}
+
+// memcmp for names, most of which are so short that the call would take longer than the work.
+inline bool IsSame(const char *a, const char *b, std::size_t size) {
+    if (size > 16)
+        return std::memcmp(a, b, size) == 0;
+    const auto both = [&](auto bits) { // from either end
+        using Bits = decltype(bits);
+        const std::size_t last = size - sizeof(Bits);
+        return BitsAt<Bits>(a) == BitsAt<Bits>(b) && BitsAt<Bits>(a + last) == BitsAt<Bits>(b + last);
+    };
+    if (size >= 8)
+        return both(std::uint64_t());
+    if (size >= 4)
+        return both(std::uint32_t());
+    for (std::size_t i = 0; i < size; ++i) {
+        if (a[i] != b[i])
+            return false;
+    }
+    return true;
 }
 
 // Finds the first record of a name in a list of records, which have the fields next, name and name_size.
@@ -100,7 +124,8 @@ private:
     struct Slot {
         std::uint32_t hash;
         std::uint32_t name_size;
-        Record *record; // null in a free slot
+        const char *name; // the record's: one step less to get there
+        Record *record;   // null in a free slot
     };
 
     static constexpr std::size_t shortest = 5;    // lists with fewer records need no table
@@ -138,15 +163,15 @@ private:
         const std::uint32_t hash = HashOf(name);
         Slot *const slot = SlotOf(name, hash);
         if (slot->record == nullptr)
-            *slot = {hash, static_cast<std::uint32_t>(name.size()), record};
+            *slot = {hash, static_cast<std::uint32_t>(name.size()), name.data(), record};
     }
 
     // The slot with this name, or the free one where it belongs.
     Slot *SlotOf(std::string_view name, std::uint32_t hash) const {
         for (std::uint32_t i = hash;; ++i) {
             Slot *const slot = m_slots + (i & (m_capacity - 1));
-            if (slot->record == nullptr || (slot->hash == hash && slot->name_size == name.size() &&
-                                            std::memcmp(slot->record->name, name.data(), name.size()) == 0))
+            if (slot->record == nullptr ||
+                (slot->hash == hash && slot->name_size == name.size() && IsSame(slot->name, name.data(), name.size())))
                 return slot;
         }
     }

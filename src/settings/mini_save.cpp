@@ -29,7 +29,8 @@ void PutSection(const MiniSection &section, IniOutput &out) {
     out.Put("]");
 }
 
-void PutCut(const MiniEntry &entry, IniOutput &out) {
+// An entry's line as its text has it: cut, and with the line feeds that it was given.
+void PutOddEntry(const MiniEntry &entry, IniOutput &out) {
     std::size_t room = entry_limit;
     for (const std::string_view part : {entry.Name(), std::string_view("="), entry.Value()}) {
         out.Put(part.substr(0, room));
@@ -40,11 +41,11 @@ void PutCut(const MiniEntry &entry, IniOutput &out) {
 void PutEntry(const MiniEntry &entry, IniOutput &out) {
     if (out.Size() != 0)
         out.PutLineFeed();
-    if (std::size_t{entry.name_size} + 1 + entry.value_size > entry_limit)
-        return PutCut(entry, out);
-    out.Put(entry.Name());
+    if (entry.may_hold_feed || std::size_t{entry.name_size} + 1 + entry.value_size > entry_limit)
+        return PutOddEntry(entry, out);
+    out.PutBytes(entry.Name());
     out.PutBytes("=");
-    out.Put(entry.Value());
+    out.PutBytes(entry.Value());
 }
 
 void PutAll(const MiniFile &file, IniOutput &out) {

@@ -309,6 +309,21 @@ TEST_F(MiniWrite, LongTexts_AreCutInTheFileOnly) {
     }
 }
 
+TEST_F(MiniWrite, LineFeeds_AreWrittenAsLineEnds) {
+    Open("[S]\na=1\nb=2\n");
+    EXPECT_EQ(Set("S", "a", "1\n[T]"), 0);
+    EXPECT_EQ(Set("S", "c\nd", "\r\n3"), 0);
+    EXPECT_EQ(mini_rename_entry(m_handle, "S", "b", "e\nf"), 0);
+    EXPECT_EQ(Set("U\nV", "x", "\rand \x1A"), 0);
+    EXPECT_EQ(mini_update_file(m_handle), 1);
+    EXPECT_EQ(Bytes(), Stored("[S]\na=1\n[T]\ne\nf=2\nc\nd=\r\n3\n\n[U\nV]\nx=\rand \x1A"));
+    EXPECT_EQ(Set("S", "a", "1"), 0);
+    EXPECT_EQ(mini_delete_entry(m_handle, "S", "c\nd"), 0);
+    EXPECT_EQ(mini_rename_entry(m_handle, "S", "e\nf", "b"), 0);
+    EXPECT_EQ(mini_delete_section(m_handle, "U\nV"), 0);
+    EXPECT_EQ(Closed(), Stored("[S]\na=1\nb=2"));
+}
+
 // Names come and go while tables of them exist.
 TEST_F(MiniWrite, ManyNames_AreFoundAfterEveryChange) {
     std::mt19937 random(4);
