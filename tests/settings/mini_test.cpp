@@ -218,7 +218,7 @@ TEST_F(Mini, RandomFiles_AnswerAsThePlainReference) {
                                            std::string(8000, '\n'), "\na=" + std::string(2044, 'u')};
     const auto below = [&](std::size_t count) { return static_cast<std::size_t>(random() % count); };
     const std::string reference_path = Path("reference.ini");
-    for (int round = 0; round < 200; ++round) {
+    for (int round = 0; round < 120; ++round) {
         std::string bytes;
         for (std::size_t left = below(60); left != 0; --left)
             bytes += below(24) == 0 ? rare[below(rare.size())] : pieces[below(pieces.size())];
