@@ -25,5 +25,6 @@
 #include <zrclb/system.h>
 #include <zrclb/types.h>
 #include <zrclb/version.h>
+#include <zrclb/window_utilities.h>
 
 #endif

@@ -25,9 +25,12 @@ struct GroupOptions;
 struct SystemVersion;
 struct Uuid;
 
+// Takes a font's name and file; false ends the walk (installed_fonts.h).
+using FontVisitor = bool (*)(void *context, const char *name, const char *file);
+
 // What the back end provides. Contracts stand at the callers' faces: streams.h, files.h, message_box.h, debug.h,
 // clock.h, temporary.h, drives.h, shell.h, raw_file.h, raw_output.h, modules.h, registry.h, known_folders.h,
-// library_record.h, system_kind.h, users.h, processes.h.
+// library_record.h, system_kind.h, users.h, processes.h, installed_fonts.h.
 namespace backend {
 std::FILE *OpenText(const char *path, const char *mode);
 std::FILE *OpenBinary(const char *path, const char *mode);
@@ -66,6 +69,7 @@ bool GetSystemVersion(SystemVersion &out);
 bool SystemUser(char *out, std::size_t size);
 bool SystemLogin(char *out, std::size_t size);
 int StartProgram(char *command_line, unsigned short show);
+void VisitInstalledFonts(FontVisitor visit, void *context);
 } // namespace backend
 
 struct Services {
@@ -109,6 +113,7 @@ struct Services {
     bool (*system_user)(char *out, std::size_t size) = backend::SystemUser;
     bool (*system_login)(char *out, std::size_t size) = backend::SystemLogin;
     int (*start_program)(char *command_line, unsigned short show) = backend::StartProgram;
+    void (*installed_fonts)(FontVisitor visit, void *context) = backend::VisitInstalledFonts;
 };
 
 inline constinit Services services;

@@ -42,6 +42,7 @@ TEST_F(Services, TableStartsWithTheBackEnd) {
     EXPECT_EQ(services.temp_file_name, backend::TempFileName);
     EXPECT_EQ(services.tick_count, backend::TickCount);
     EXPECT_EQ(services.create_uuid, backend::CreateUuid);
+    EXPECT_EQ(services.installed_fonts, backend::VisitInstalledFonts);
 }
 
 TEST_F(Services, ReplacedBoxAnswersInstead) {

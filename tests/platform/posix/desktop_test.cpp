@@ -1,4 +1,4 @@
-// Debugger channel, message box and sound on a host without them.
+// Debugger channel, message box, sound and list of fonts on a host without them.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 #include <zrclb/numbers.h>
+#include <zrclb/window_utilities.h>
 
 #include "platform/debug.h"
 #include "platform/message_box.h"
@@ -95,6 +96,12 @@ TEST_F(Desktop, DebugTextsGoToStandardError) {
     DebugOutput("one");
     DebugOutput("two\n");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "onetwo\n");
+}
+
+TEST_F(Desktop, ListOfFontsIsEmpty) {
+    char buffer[20] = "before";
+    EXPECT_EQ(wu_GetFontFile("Arial", buffer, sizeof buffer), 0);
+    EXPECT_STREQ(buffer, "");
 }
 
 TEST_F(Desktop, BoxWithoutADesktopAnswersAtOnce) {
