@@ -61,6 +61,13 @@ bool IsNormal(const std::string &path) {
            path.find('/') == std::string::npos && Full(path) == path;
 }
 
+// The same of a folder, which may have a separator at its end.
+bool IsNormalFolder(std::string path) {
+    if (!path.empty() && path.back() == '\\')
+        path.pop_back();
+    return IsNormal(path);
+}
+
 bool SameWithoutCase(const std::string &a, const std::string &b) {
     return a.size() == b.size() &&
            std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return Capital(x) == Capital(y); });
@@ -117,10 +124,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         std::abort();
     // The folders that the form is seen from must be normal too: what the desktop sees in others is its own matter.
     const std::string from = Full(behind_variable ? variable : base.c_str());
-    const bool normal = behind_variable ? IsNormal(project) && IsNormal(Full("$PROJDOCDIR$")) : IsNormal(base);
+    const bool normal =
+        behind_variable ? IsNormalFolder(project) && IsNormalFolder(Full("$PROJDOCDIR$")) : IsNormalFolder(base);
     const bool plain_with_variable = choice == std::size(bases) && behind_variable; // what stands behind it is lost
-    if (!normal || plain_with_variable || !IsNormal(absolute) || !IsNormal(from))
+    if (!normal || plain_with_variable || !IsNormal(absolute) || !IsNormalFolder(from))
         return 0;
+    if (from.size() + 1 + form.size() > path_limit)
+        return 0; // no room for both while it is expanded
     if (!SameWithoutCase(Full(form, from.c_str()), absolute))
         std::abort();
     return 0;
