@@ -539,6 +539,20 @@ TEST_F(InstalledCalculator, NoDigitsInTheSettings_KeepWhatThereWas) {
     }
 }
 
+TEST_F(InstalledCalculator, NoMemoryForTheSettings_KeepsWhatThereWas) {
+    Settings("[Calculator]\nNachkommastellen=3\n");
+    bool met = true;
+    for (int others = 0; met; ++others) {
+        ASSERT_LT(others, 100);
+        calc_init(4);
+        const HeapRefusal refusal(others);
+        const zr_long digits = calc_init(-1);
+        met = refusal.Met();
+        EXPECT_TRUE(digits == 3 || (met && digits == 4)) << digits;
+    }
+    EXPECT_EQ(calc_init(-1), 3);
+}
+
 TEST_F(InstalledCalculator, NoSettings_KeepWhatThereWas) {
     EXPECT_EQ(calc_init(-1), 0);
     EXPECT_EQ(calc_init(2), 2);
