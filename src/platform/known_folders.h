@@ -26,8 +26,9 @@ inline bool KnownFolderBelow(int number, const char *below, char *out, std::size
     return services.known_folder_below(number, below, out, size);
 }
 
-// The path with the long names of its elements into out[0..size-1]; on Linux, where names have one form, the path as it is. Answers
-// its length, terminator not counted; the size needed if it doesn't fit, with `out` undefined; 0 if nothing exists under that path.
+// The path with the long names of its elements into out[0..size-1]; on Linux, where names have one form, the path in the
+// library's form, from a root on with the current drive. Answers its length, terminator not counted; the size needed if
+// it doesn't fit, with `out` undefined; 0 if nothing exists under that path.
 inline std::size_t LongPath(const char *path, char *out, std::size_t size) {
     return services.long_path(path, out, size);
 }

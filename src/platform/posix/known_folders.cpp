@@ -79,10 +79,18 @@ std::size_t backend::LongPath(const char *path, char *out, std::size_t size) {
     struct stat status;
     if (!posix::ToHost(path, host, sizeof host) || lstat(host, &status) != 0)
         return 0;
-    const std::size_t length = std::strlen(path);
+    const auto is_separator = [](char c) { return c == '/' || c == '\\'; };
+    const std::size_t drive = is_separator(path[0]) && !is_separator(path[1]) ? 2 : 0; // missing characters
+    const std::size_t length = drive + std::strlen(path);
     if (length >= size)
         return length + 1;
-    std::memcpy(out, path, length + 1);
+    if (drive > 0) {
+        out[0] = static_cast<char>('A' + posix::WorkingDrive() - 1);
+        out[1] = ':';
+    }
+    for (std::size_t i = drive; i < length; ++i)
+        out[i] = is_separator(path[i - drive]) ? '\\' : path[i - drive];
+    out[length] = 0;
     return length;
 }
 

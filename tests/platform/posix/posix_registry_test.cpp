@@ -200,6 +200,29 @@ TEST(KnownFolders, OneBelowHasAtMost259Characters) {
     }
 }
 
+std::string LongFormOf(const std::string &path) {
+    char out[path_size];
+    const std::size_t length = LongPath(path.c_str(), out, sizeof out);
+    EXPECT_TRUE(length == 0 || length == std::strlen(out));
+    return length > 0 ? out : "none";
+}
+
+TEST(LongPath, IsInTheLibrarysForm) {
+    EXPECT_EQ(LongFormOf("/usr/bin/"), "C:\\usr\\bin\\");
+    EXPECT_EQ(LongFormOf("\\usr/bin"), "C:\\usr\\bin");
+    EXPECT_EQ(LongFormOf("C:/usr"), "C:\\usr");
+    EXPECT_EQ(LongFormOf("C:\\usr\\..\\usr"), "C:\\usr\\..\\usr");
+    EXPECT_EQ(LongFormOf("/"), "C:\\");
+    const TempFolder folder;
+    const CurrentFolder here(folder.Folder());
+    folder.Write("file", "");
+    EXPECT_EQ(LongFormOf("./file"), ".\\file");
+    EXPECT_EQ(LongFormOf("\\\\server\\share"), "none");
+    char out[path_size];
+    EXPECT_EQ(LongPath("/usr", out, 7), 6U);
+    EXPECT_EQ(LongPath("/usr", out, 6), 7U);
+}
+
 TEST(ModulePath, OfALibraryIsWhereItWasLoaded) {
     void *library = dlopen("libstdc++.so.6", RTLD_NOW);
     ASSERT_NE(library, nullptr);
