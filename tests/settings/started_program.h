@@ -48,7 +48,12 @@ public:
             return {"no answer"};
         Texts lines;
         {
+            // Who gives the file its name may still have it open for that, and on the desktop for nobody else.
             std::ifstream file(folder / "answer", std::ios::binary);
+            for (int i = 0; !file.is_open() && i < 1000; ++i) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(10));
+                file.open(folder / "answer", std::ios::binary);
+            }
             for (std::string line; std::getline(file, line);)
                 lines.push_back(line);
         }
