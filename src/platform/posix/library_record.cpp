@@ -20,7 +20,7 @@ std::string_view TextOf(LibraryText text) {
     case LibraryText::data_of_later_major:
         return ZR_LIBRARY_TEXT_2;
     default:
-        return {};
+        return "";
     }
 }
 
