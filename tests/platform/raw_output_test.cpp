@@ -80,6 +80,10 @@ TEST_F(RawOutputs, WhatIsNoFileToWrite_HasItsCode) {
     ASSERT_EQ(SetAttributes(m_path.c_str(), attribute_normal), done);
     EXPECT_FALSE(output.IsOpen());
     EXPECT_EQ(Bytes(), "x");
+    std::uint32_t attributes = 0;
+    ASSERT_EQ(SetAttributes(m_path.c_str(), attribute_hidden), done); // where a system knows it
+    ASSERT_EQ(GetAttributes(m_path.c_str(), attributes), done);
+    EXPECT_EQ(output.Open(m_path.c_str()), (attributes & attribute_hidden) != 0 ? access_denied : done);
 }
 
 TEST_F(RawOutputs, ReservedRoom_ChangesNoByte) {

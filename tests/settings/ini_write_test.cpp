@@ -128,6 +128,31 @@ TEST_F(IniWrite, LineWithoutSign_IsReportedAndDroppedInTheSectionOnly) {
     EXPECT_EQ(m_reports.Take(), zr::test::Reports{report});
 }
 
+TEST_F(IniWrite, LineWithoutSign_IsDroppedByDeleting) {
+    EXPECT_EQ(ini_delete_entry(File("lost\n[S]\nbad\na=1\nworse\n"), "S", "a"), 0);
+    EXPECT_EQ(Bytes(), Stored("lost\n\n[S]\nworse\n"));
+    EXPECT_EQ(m_reports.Take(), zr::test::Reports{Error("Ini", "Incorrect entry's format. '=' is not found.")});
+    EXPECT_EQ(ini_delete_section(File("lost\n; c\n[S]\nbad\n"), ""), 0);
+    EXPECT_EQ(Bytes(), Stored("; c\n\n[S]\nbad\n"));
+    EXPECT_EQ(ini_delete_section(m_path.c_str(), "S"), 0);
+    EXPECT_EQ(Bytes(), "; c");
+    EXPECT_EQ(m_reports.Take(), zr::test::Reports());
+}
+
+TEST_F(IniWrite, FirstOfTwoSectionsAndEntries_IsChanged) {
+    const std::string text = "[S]\na=1\na=2\n[S]\na=3\nb=4\n";
+    EXPECT_EQ(Written(text, "S", "a", "9"), Stored("[S]\na=9\na=2\n[S]\na=3\nb=4\n"));
+    EXPECT_EQ(Written(text, "S", "b", "9"), Stored("[S]\na=1\na=2\nb=9\n\n[S]\na=3\nb=4\n"));
+    EXPECT_EQ(ini_delete_entry(File(text), "S", "a"), 0);
+    EXPECT_EQ(Bytes(), Stored("[S]\na=2\n[S]\na=3\nb=4\n"));
+    EXPECT_EQ(ini_delete_section(File(text), "S"), 0);
+    EXPECT_EQ(Bytes(), Stored("[S]\na=3\nb=4\n"));
+    EXPECT_EQ(ini_rename_entry(File(text), "S", "a", "n"), 0);
+    EXPECT_EQ(Bytes(), Stored("[S]\nn=1\na=2\n[S]\na=3\nb=4\n"));
+    EXPECT_EQ(ini_rename_section(File(text), "S", "N"), 0);
+    EXPECT_EQ(Bytes(), Stored("[N]\na=1\na=2\n[S]\na=3\nb=4\n"));
+}
+
 TEST_F(IniWrite, Numbers_HaveTheirForms) {
     const char *file = m_path.c_str();
     EXPECT_EQ(ini_write_double(file, "S", "d", 1.5), 0);
@@ -252,6 +277,8 @@ TEST_F(IniWrite, Renaming_KeepsWhatBelongsToTheName) {
     EXPECT_EQ(Bytes(), Stored("; t\nx=1\n\n[A]\n; c\nn= 1\n\n[B]\nb=2\n"));
     EXPECT_EQ(ini_rename_entry(File(text), "A", "y", "n"), 2);
     EXPECT_EQ(Bytes(), Stored("; t\nx=1\n\n[A]\n; c\na= 1\n\n[B]\nb=2\n"));
+    EXPECT_EQ(ini_rename_entry(File(text), "B", "y", "n"), 2);
+    EXPECT_EQ(Bytes(), Stored("; t\nx=1\n\n[A]\n; c\na = 1\n\n[B]\nb=2\n"));
     EXPECT_EQ(ini_rename_entry(File(text), "", "x", "n"), 0);
     EXPECT_EQ(Bytes(), Stored("; t\nn=1\n[A]\n; c\na = 1\n\n[B]\nb=2\n"));
     EXPECT_EQ(ini_rename_entry(File(text), "C", "x", "n"), 1);

@@ -1,4 +1,4 @@
-// A process that is killed at each of its system calls, while it rewrites a settings file.
+// A process that is killed at each of its system calls, while it rewrites a settings file; what this host has beside files.
 #include <zrclb/ini.h>
 
 #include <filesystem>
@@ -9,13 +9,16 @@
 #include <vector>
 
 #include <csignal>
+#include <fcntl.h>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
+#include "platform/raw_output.h"
 #include "platform/services.h"
 #include "platform/system_error.h"
 #include "platform/temp_folder.h"
@@ -153,6 +156,55 @@ TEST_F(SettingsKill, LimitOfTheProcess_CountsAsAFullDisk) {
     EXPECT_EQ(too_large_on_the_way, -1);
     EXPECT_EQ(Bytes(), "[S]\r\nx=old");
     EXPECT_TRUE(TakeTemporary().empty());
+}
+
+TEST_F(SettingsKill, TemporaryFile_IsReadByItsOwnerAlone) {
+    static mode_t seen;
+    seen = 0;
+    zr::platform::services.write_output = [](std::intptr_t file, std::uint64_t at, const char *bytes,
+                                             std::size_t size) {
+        struct stat status;
+        if (seen == 0 && fstat(static_cast<int>(file), &status) == 0)
+            seen = status.st_mode;
+        return zr::platform::backend::WriteOutput(file, at, bytes, size);
+    };
+    m_folder.Write("test.ini", "[S]\r\nx=old");
+    ASSERT_EQ(chmod(m_path.c_str(), 0640), 0);
+    ASSERT_EQ(ini_write_string(m_path.c_str(), "S", "x", "new"), 0);
+    EXPECT_EQ(seen & 0777, 0600U);
+    struct stat status;
+    ASSERT_EQ(stat(m_path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0640U);
+}
+
+// A link stays one, and so does the second name of a file.
+TEST_F(SettingsKill, LinksToTheFile_Stay) {
+    m_folder.Write("test.ini", "[S]\r\nx=old");
+    const std::string link = m_folder.Path("link.ini"), name = m_folder.Path("name.ini");
+    std::filesystem::create_symlink(m_path, link);
+    std::filesystem::create_hard_link(m_path, name);
+    EXPECT_EQ(ini_write_string(link.c_str(), "S", "x", "new"), 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_EQ(Bytes(), "[S]\r\nx=new\r\n");
+    EXPECT_EQ(m_folder.Read("name.ini"), Bytes());
+}
+
+TEST_F(SettingsKill, DeviceAndPipe_AreNotWaitedFor) {
+    const std::string pipe = m_folder.Path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    zr::platform::RawOutput output;
+    EXPECT_NE(output.Open(pipe.c_str()), zr::platform::done);
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
+    EXPECT_EQ(output.Open(pipe.c_str()), zr::platform::access_denied);
+    close(reader);
+    ASSERT_EQ(output.Open("/dev/null"), zr::platform::done);
+    EXPECT_EQ(output.Reserve(100), zr::platform::done);
+    EXPECT_EQ(output.Write("x", 1), zr::platform::done);
+    EXPECT_EQ(output.Cut(), zr::platform::done);
+    EXPECT_EQ(output.Close(), zr::platform::done);
+    ASSERT_EQ(output.Open("/dev/full"), zr::platform::done);
+    EXPECT_EQ(output.Write("x", 1), zr::platform::disk_full);
 }
 
 } // namespace
