@@ -121,9 +121,10 @@ const char *IniLines::BehindPlainLine(const char *line) const {
 }
 
 std::string_view IniLines::PlainLines() {
+    constexpr std::ptrdiff_t enough = 1024; // to be put at once; a zero byte in it is looked for again for each line
     const char *const from = m_at;
     const char *end = from;
-    while (const char *next = BehindPlainLine(end))
+    for (const char *next; end - from < enough && (next = BehindPlainLine(end)) != nullptr;)
         end = next;
     const char *const nul = Find(from, end, 0);
     m_at = nul != nullptr ? LineStart(from, nul) : end;
