@@ -9,6 +9,7 @@
 
 #include <zrclb/mini.h>
 
+#include "frame/counted_allocation.h"
 #include "settings/installation_fixture.h"
 #include "settings/reference_mini.h"
 
@@ -23,10 +24,12 @@ protected:
         s_temporary = Path("temporary\\");
         zr::platform::services.temp_folder = [](char *out, std::size_t size) { return Give(s_temporary, out, size); };
         m_path = Path("test.ini");
+        m_blocks = zr::frame::heap_block_count;
     }
 
     void TearDown() override {
         mini_close_ex(&m_handle);
+        EXPECT_EQ(zr::frame::heap_block_count, m_blocks);
         EXPECT_TRUE(std::filesystem::is_empty(m_folder.Folder() / "temporary")); // no call leaves a file
         InstallationFixture::TearDown();
     }
@@ -121,6 +124,7 @@ protected:
     static inline std::string s_temporary;
     std::string m_path;
     mini_file *m_handle = nullptr;
+    zr_long m_blocks = 0; // of the heap, before the test
 };
 
 #endif

@@ -167,6 +167,17 @@ TEST_F(Mini, BytesOfStreams_CountAsTheStreamHasThem) {
     EXPECT_EQ(Content(), OnlyTop());
 }
 
+TEST_F(Mini, EndOfText_EndsTheFileAlsoIfMoreWasToBeRead) {
+    services.read_raw = [](std::intptr_t file, char *out, std::size_t size) {
+        return zr::platform::backend::ReadRaw(file, out, std::min<std::size_t>(size, 3));
+    };
+    Open("a=1\nb\x1A=2\nc=3\n");
+    EXPECT_EQ(Content().front().entries, (std::list<Reference::Entry>{{"a", "1"}}));
+    EXPECT_EQ(m_reports.Take().size(), 1U);
+    Open("a=1\nb=2\x1A");
+    EXPECT_EQ(Entries(""), "a,b");
+}
+
 TEST_F(Mini, FailedRead_CutsTheFileAndNoUpdateWritesOverIt) {
     const std::string bytes = "[A]\r\nx=1\r\n[B]\r\ny=" + std::string(3000, ' ') + "2\r\n[C]\r\n";
     static int reads;

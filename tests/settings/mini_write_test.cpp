@@ -315,8 +315,9 @@ TEST_F(MiniWrite, LineFeeds_AreWrittenAsLineEnds) {
     EXPECT_EQ(Set("S", "c\nd", "\r\n3"), 0);
     EXPECT_EQ(mini_rename_entry(m_handle, "S", "b", "e\nf"), 0);
     EXPECT_EQ(Set("U\nV", "x", "\rand \x1A"), 0);
+    EXPECT_EQ(Set("U\nV", "y\nz", "4"), 0);
     EXPECT_EQ(mini_update_file(m_handle), 1);
-    EXPECT_EQ(Bytes(), Stored("[S]\na=1\n[T]\ne\nf=2\nc\nd=\r\n3\n\n[U\nV]\nx=\rand \x1A"));
+    EXPECT_EQ(Bytes(), Stored("[S]\na=1\n[T]\ne\nf=2\nc\nd=\r\n3\n\n[U\nV]\nx=\rand \x1A\ny\nz=4"));
     EXPECT_EQ(Set("S", "a", "1"), 0);
     EXPECT_EQ(mini_delete_entry(m_handle, "S", "c\nd"), 0);
     EXPECT_EQ(mini_rename_entry(m_handle, "S", "e\nf", "b"), 0);
@@ -523,6 +524,24 @@ TEST_F(MiniWrite, UpdateKeepsThePermissionsOfTheFile) {
     Set("A", "a", "new");
     EXPECT_EQ(mini_update_file(m_handle), 1);
     EXPECT_EQ(std::filesystem::status(path).permissions(), before);
+}
+
+TEST_F(MiniWrite, TemporaryFile_IsNobodyElsesToRead) {
+    m_folder.Write("private", "");
+    zr::platform::RawOutput output;
+    ASSERT_EQ(output.Open(Path("private").c_str()), 0);
+    output.MakePrivate();
+    ASSERT_EQ(output.Close(), 0);
+    static std::filesystem::path folder;
+    static std::filesystem::perms permissions;
+    folder = m_folder.Folder() / "temporary";
+    services.reserve_output = [](std::intptr_t file, std::uint64_t size) {
+        permissions = std::filesystem::directory_iterator(folder)->status().permissions();
+        return zr::platform::backend::ReserveOutput(file, size);
+    };
+    Open(sample);
+    EXPECT_EQ(mini_update_file(m_handle), 1);
+    EXPECT_EQ(permissions, std::filesystem::status(m_folder.Folder() / "private").permissions());
 }
 
 TEST_F(MiniWrite, MissingFolder_IsNoPlaceForAFile) {
