@@ -64,10 +64,9 @@ ZR_API int ini_read_doubles(const char *file, const char *section, const char *e
  * commas between them. What is missing is 0; each pointer may be null. Gives 0. Default file. */
 ZR_API int ini_get_data_version(const char *file, zr_long *a, zr_long *b, zr_long *c, zr_long *d) ZR_NOEXCEPT;
 
-/* ---- Writing ----------------------------------------------------------------------------------------------------
- * */
-/*
- * The file is written anew into a temporary one, which is then copied over it in place. What stands behind the change
+/* ---- Writing --------------------------------------------------------------------------------------------------- */
+
+/* The file is written anew into a temporary one, which is then copied over it in place. What stands behind the change
  * stays as it is; in front of it lines lose blanks at both ends, blank lines and texts behind a header's "]" go, and
  * a blank line stands in front of each header; in the section itself names lose the blanks in front of "=".
  * docs/ini-format.md tells it with examples. Nothing has changed where the result is INI_NO_FILE: no such file where
@@ -114,11 +113,9 @@ ZR_API int ini_rw_longs(int write, const char *file, const char *section, const 
 ZR_API int ini_rw_doubles(int write, const char *file, const char *section, const char *entry, double *values,
                           zr_long *count) ZR_NOEXCEPT;
 
-/* ---- Removing and renaming ---------------------------------------------------------------------------------------
- * */
-/*
- * The file must be given and be there, else INI_NO_FILE. It is written anew also where nothing was found.
- */
+/* ---- Removing and renaming ------------------------------------------------------------------------------------- */
+
+/* The file must be given and be there, else INI_NO_FILE. It is written anew also where nothing was found. */
 
 /* INI_DONE, INI_NO_SECTION, INI_NO_ENTRY; whether the copy over the file succeeded isn't told. A null entry is
  * INI_NO_FILE. */
@@ -130,8 +127,7 @@ ZR_API int ini_delete_section(const char *file, const char *section) ZR_NOEXCEPT
 
 /* Of a new name the first 79 characters count, trimmed; 5 if none are left. Of the sections' names too. A null or
  * blank old section is the lines in front of the first header, which get one of their own behind the comments that
- * they begin with. INI_NO_SECTION, INI_NO_ENTRY; a null old entry is INI_NO_FILE. Two of one name may be the result.
- * */
+ * they begin with. INI_NO_SECTION, INI_NO_ENTRY; a null old entry is INI_NO_FILE. Two of one name may come of it. */
 ZR_API int ini_rename_section(const char *file, const char *old_section, const char *new_section) ZR_NOEXCEPT;
 ZR_API int ini_rename_entry(const char *file, const char *section, const char *old_entry,
                             const char *new_entry) ZR_NOEXCEPT;
