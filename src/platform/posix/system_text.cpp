@@ -63,6 +63,7 @@ SystemText::SystemText(unsigned long code) {
             m_text = entry.text;
 }
 
-SystemText::~SystemText() = default;
+// The texts are constant; on the other platform the system's memory is given back here.
+SystemText::~SystemText() {}
 
 } // namespace zr::platform
