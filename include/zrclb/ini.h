@@ -64,6 +64,11 @@ ZR_API int ini_read_doubles(const char *file, const char *section, const char *e
  * commas between them. What is missing is 0; each pointer may be null. Gives 0. Default file. */
 ZR_API int ini_get_data_version(const char *file, zr_long *a, zr_long *b, zr_long *c, zr_long *d) ZR_NOEXCEPT;
 
+/* Reads the pairs of beep values, entries "Error", "Warning" and "Tick" of section "Beep" of the default file, and gives what
+ * ini_read_longs gives for the last one. What is missing stays as it was, at first 500,700, 100,700 and 1,0. zr_beep and
+ * zr_tone do not heed them. */
+ZR_API int ini_initialize_clib(void) ZR_NOEXCEPT;
+
 /* ---- Writing --------------------------------------------------------------------------------------------------- */
 
 /* The file is written anew into a temporary one, which is then copied over it in place. What stands behind the change

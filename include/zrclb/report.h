@@ -61,9 +61,9 @@ ZR_API void zr_switch_error(int value, const char *file, int line) ZR_NOEXCEPT;
    Gives the value that held before the call. */
 ZR_API int zr_error_onoff(int state) ZR_NOEXCEPT;
 
-/* Sets the program name that messages and errors carry, at most 40 characters of name. Null: the name is derived
-   from the running program, and stays as it is where that cannot be done. The first message or error does the same
-   while no name is set. */
+/* Sets the program name that messages and errors carry, at most 40 characters of name. Null: that of the running program,
+   "tool.exe[C:\folder\...]": the name of its file, and of drive and folder at most 20 characters each. Where its path
+   isn't known the name is "GetModuleFileName??". The first message or error does the same while no name is set. */
 ZR_API void zr_error_setname(const char *name) ZR_NOEXCEPT;
 
 /* Shows a message box through the handler installed last, or through the system. type holds the system's flags.

@@ -36,7 +36,7 @@ void CheckLog() {
     log_checked = true;
     log_on = log_hook.is_on != nullptr && log_hook.is_on();
     char path[platform::path_size] = "";
-    if (log_on && log_hook.path != nullptr && log_hook.path(path, sizeof path)) {
+    if (log_hook.path != nullptr && log_hook.path(path, sizeof path)) {
         str_ncpy(log_path, path, log_path_size - 1);
     }
 }

@@ -11,7 +11,7 @@ struct LogHook {
     // Whether the log is on. Asked once, at the first report.
     bool (*is_on)() = nullptr;
     // Where the log is: writes the path, in the library's form, to out[0..size-1]. False: "zrlog.txt" in the current
-    // folder. Asked right after is_on answered true.
+    // folder. Asked right after is_on, whatever that answered.
     bool (*path)(char *out, std::size_t size) = nullptr;
     // What the program is called, to out[0..size-1]. False: not known.
     bool (*program_name)(char *out, std::size_t size) = nullptr;

@@ -6,25 +6,13 @@
 #include "frame/log.h"
 #include "frame/log_hook.h"
 #include "frame/message_box_stack.h"
+#include "library/frame_settings.h"
 #include "platform/modules.h"
 
 namespace zr::library {
 namespace {
 
 constinit bool loaded = false;
-
-// The settings that could switch the log on and place it have no reader yet, and neither has the program's name.
-bool LogIsOn() {
-    return false;
-}
-
-bool LogPath(char *, std::size_t) {
-    return false;
-}
-
-bool ProgramName(char *, std::size_t) {
-    return false;
-}
 
 } // namespace
 
@@ -39,6 +27,7 @@ void LibraryLoad(void *module) {
     frame::MessageBoxSection().Create();
     platform::InstallInvalidParameterReporter(frame::InvalidParameterReporter);
     frame::SetLogHook({LogIsOn, LogPath, ProgramName});
+    ReserveMemory();
 }
 
 void LibraryUnload() {

@@ -22,7 +22,9 @@ inline std::size_t ModulePath(char *out, std::size_t size) {
 
 // Path of the running program in the library's form into out[0..size-1]. Answers its length, terminator not counted; 0 with
 // an empty text (if size is not 0) when it isn't known or doesn't fit.
-std::size_t ProgramPath(char *out, std::size_t size);
+inline std::size_t ProgramPath(char *out, std::size_t size) {
+    return services.program_path(out, size);
+}
 
 // Called when the C library is handed a bad argument; either text may be null. After it the checked function fails by its
 // own rule.

@@ -59,6 +59,7 @@ SpaceAnswer FreeSpace(const char *path, std::uint64_t &bytes);
 bool FreeClusters(const char *path, ClusterSpace &out);
 int DoGroupOperation(GroupVerb verb, const char *from, const char *to, const GroupOptions &options, bool &aborted);
 std::size_t ModulePath(char *out, std::size_t size);
+std::size_t ProgramPath(char *out, std::size_t size);
 bool ReadRegistryText(RegistryHive hive, const char *key, const char *name, char *out, std::size_t size);
 bool KnownFolder(int number, char *out, std::size_t size);
 bool KnownFolderBelow(int number, const char *below, char *out, std::size_t size);
@@ -102,6 +103,7 @@ struct Services {
     int (*do_group_operation)(GroupVerb verb, const char *from, const char *to, const GroupOptions &options,
                               bool &aborted) = backend::DoGroupOperation;
     std::size_t (*module_path)(char *out, std::size_t size) = backend::ModulePath;
+    std::size_t (*program_path)(char *out, std::size_t size) = backend::ProgramPath;
     bool (*registry_text)(RegistryHive hive, const char *key, const char *name, char *out,
                           std::size_t size) = backend::ReadRegistryText;
     bool (*known_folder)(int number, char *out, std::size_t size) = backend::KnownFolder;

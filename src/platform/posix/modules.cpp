@@ -54,7 +54,7 @@ void *StoredModule() {
     return library_module;
 }
 
-std::size_t ProgramPath(char *out, std::size_t size) {
+std::size_t backend::ProgramPath(char *out, std::size_t size) {
     if (out == nullptr || size == 0)
         return 0;
     out[0] = 0;
@@ -75,7 +75,7 @@ std::size_t backend::ModulePath(char *out, std::size_t size) {
     void *entry = nullptr;
     if (library_module == nullptr || dladdr1(library_module, &information, &entry, RTLD_DL_LINKMAP) == 0 ||
         static_cast<const link_map *>(entry)->l_name[0] == 0) // the program's own name is empty
-        return ProgramPath(out, size);
+        return backend::ProgramPath(out, size);
     posix::PathBuffer mapped;
     const char *name = static_cast<const link_map *>(entry)->l_name;
     if (name[0] != '/') { // as it was at load, in a folder that may not be the current one any more

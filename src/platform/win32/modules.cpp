@@ -41,7 +41,7 @@ void *StoredModule() {
     return library_module;
 }
 
-std::size_t ProgramPath(char *out, std::size_t size) {
+std::size_t backend::ProgramPath(char *out, std::size_t size) {
     return PathOf(nullptr, out, size);
 }
 

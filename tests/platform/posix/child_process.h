@@ -1,4 +1,4 @@
-// A second process that runs this very program.
+// A second process that runs this very program, or another one.
 #ifndef TESTS_PLATFORM_POSIX_CHILD_PROCESS_H
 #define TESTS_PLATFORM_POSIX_CHILD_PROCESS_H
 
@@ -13,13 +13,13 @@
 class ChildProcess {
 public:
     // Starts it. The program finds `argument` (not empty) with Argument(), before its tests run.
-    explicit ChildProcess(const std::string &argument) {
+    explicit ChildProcess(const std::string &argument, const std::string &program = "/proc/self/exe") {
         m_process = fork();
         if (m_process < 0)
             throw std::runtime_error("no second process");
         if (m_process == 0) {
             setenv("ZR_TEST_ARGUMENT", argument.c_str(), 1);
-            execl("/proc/self/exe", "child", nullptr);
+            execl(program.c_str(), "child", nullptr);
             _exit(127);
         }
     }

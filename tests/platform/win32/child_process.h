@@ -1,4 +1,4 @@
-// A second process that runs this very program.
+// A second process that runs this very program, or another one.
 #ifndef TESTS_PLATFORM_WIN32_CHILD_PROCESS_H
 #define TESTS_PLATFORM_WIN32_CHILD_PROCESS_H
 
@@ -11,16 +11,13 @@
 class ChildProcess {
 public:
     // Starts it. The program finds `argument` (not empty) with Argument(), before its tests run.
-    explicit ChildProcess(const std::string &argument) {
-        char program[MAX_PATH];
-        const DWORD length = GetModuleFileNameA(nullptr, program, sizeof program);
+    explicit ChildProcess(const std::string &argument, const std::string &program = OwnProgram()) {
         char line[] = "child";
         STARTUPINFOA start = {};
         start.cb = sizeof start;
         SetEnvironmentVariableA("ZR_TEST_ARGUMENT", argument.c_str());
         const BOOL started =
-            length != 0 && length < sizeof program &&
-            CreateProcessA(program, line, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &m_process);
+            CreateProcessA(program.c_str(), line, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &m_process);
         SetEnvironmentVariableA("ZR_TEST_ARGUMENT", nullptr);
         if (!started)
             throw std::runtime_error("no second process");
@@ -47,6 +44,12 @@ public:
     }
 
 private:
+    static std::string OwnProgram() {
+        char program[MAX_PATH];
+        const DWORD length = GetModuleFileNameA(nullptr, program, sizeof program);
+        return {program, length < sizeof program ? length : 0};
+    }
+
     DWORD Wait() {
         DWORD code = 127;
         if (m_process.hProcess == nullptr)
