@@ -215,6 +215,16 @@ TEST_F(FrameSettings, SearchWhoseReportIsTheFirstIsNotEnteredAgain) {
     EXPECT_FALSE(Exists("zr\\zrlog.txt"));
 }
 
+TEST_F(FrameSettings, FirstReportRaisedInsideTheSearchFindsNoSettings) {
+    s_registry["InstallDir"] = Path("nowhere");
+    Write("zr\\bin\\zr.zrini", "[System]\nZrLog=1\n");
+    UseSettings();
+    EXPECT_EQ(SearchFile(nullptr, nullptr, nullptr), Hit(Path("zr\\bin\\zr.zrini")));
+    EXPECT_EQ(DebuggerTexts(), Texts{"InstallDir nicht korrekt gesetzt."});
+    ReportText("later");
+    EXPECT_FALSE(Exists("zr\\bin\\zrlog.txt"));
+}
+
 TEST_F(FrameSettings, MalformedLineReportedByTheLookUpReachesTheDebuggerOnly) {
     WriteSystem("broken\nZrLog=1");
     UseSettings();

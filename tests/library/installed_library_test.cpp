@@ -10,6 +10,7 @@
 
 #include "child_process.h"
 #include "platform/temp_folder.h"
+#include "process_measures.h"
 #include "suite_registry.h"
 
 namespace {
@@ -80,7 +81,7 @@ TEST_F(InstalledLibrary, AnswersFromSettingsThatTheRegistryNames) {
     EXPECT_EQ(answers["beeps"], "0");
     const std::string log = m_folder.Read("etc/zrlog.txt");
     EXPECT_NE(log.find("\r\n>ERROR  in " + host + "["), std::string::npos) << log;
-    EXPECT_NE(log.find("...] \"Host\" line 7:\r\n  reported by the host!\r\n"), std::string::npos) << log;
+    EXPECT_NE(log.find(" \"Host\" line 7:\r\n  reported by the host!\r\n"), std::string::npos) << log;
 }
 
 TEST_F(InstalledLibrary, AnswersFromTheFolderAboveItsOwnWithoutTheRegistry) {
@@ -115,14 +116,18 @@ TEST_F(InstalledLibrary, LoadsWithoutAnySettings) {
 
 TEST_F(InstalledLibrary, AThousandLoadsAndUnloadsLeaveNothingBehind) {
     Write("zr/zr.zrini", "[System]\nZrLog=1\nDosToWin=1\n");
+    fs::copy_file(LibraryFile(), LibraryFile().string() + ".held");
     Answers answers = Ask("cycles");
     EXPECT_EQ(answers["loaded"], "0");
     for (const auto &[name, growth] : answers)
         RecordProperty(name, growth);
     EXPECT_LE(std::stoi(answers["handles"]), 0);
     EXPECT_LE(std::stoi(answers["keys"]), 0);
-    for (const auto &[name, limit] : {std::pair("mappings", 10), {"space", 1 << 20}, {"heap", 8000}})
-        EXPECT_LE(std::stoll(answers[name]), limit) << name;
+    EXPECT_LE(std::stoll(answers["heap"]), 8000);
+    if (ProcessMeasures::space_tells_leaks) {
+        EXPECT_LE(std::stoll(answers["mappings"]), 10);
+        EXPECT_LE(std::stoll(answers["space"]), 1 << 20);
+    }
     EXPECT_TRUE(Exists("zr/zrlog.txt"));
 }
 

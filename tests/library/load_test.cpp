@@ -56,7 +56,7 @@ TEST_F(Load, NameIsThatOfTheProgramAfterLoading) {
     zr_error(nullptr, nullptr, nullptr, "Fio", 1);
     ASSERT_EQ(debugger.size(), 1u);
     EXPECT_EQ(debugger[0].find("ZR_ERROR in load_test"), 0U);
-    EXPECT_NE(debugger[0].find("...] \"Fio\" line 1:\n"), std::string::npos);
+    EXPECT_NE(debugger[0].find(" \"Fio\" line 1:\n"), std::string::npos);
 }
 
 TEST_F(Load, ModuleHandleOfTheFirstLoadIsKept) {

@@ -11,6 +11,8 @@ struct ProcessMeasures {
     long long heap = 0;     // bytes that are allocated
     long long keys = 0;     // the next index of thread storage
 
+    static constexpr bool space_tells_leaks = true;
+
     static ProcessMeasures Now() {
         ProcessMeasures now;
         DWORD handles = 0;

@@ -36,7 +36,7 @@ public:
         for (unsigned i = 0, c = 1; i < 1000; ++i, c = c * 1103515245 + 12345)
             noise += static_cast<char>(c >> 16 | 1);
         SetBytes("zr.ini", REG_BINARY, noise);
-        SetBytes("InstallDir", REG_MULTI_SZ, noise.substr(0, 100));
+        SetBytes("InstallDir", REG_MULTI_SZ, noise);
     }
 
     // Called by a program that the test has started, before it loads the library.

@@ -32,7 +32,8 @@ TEST_F(WindowsEntry, ProcessLoadsAndUnloadsAndNothingElseDoes) {
     EXPECT_EQ(zr::platform::StoredModule(), &module);
     zr_switch_error(1, "T", 1);
     EXPECT_NE(TakeLog(), ""); // a load would have put its own hook into place
-    EXPECT_EQ(DllMain(AsModule(module), DLL_PROCESS_DETACH, nullptr), TRUE);
+    EXPECT_EQ(DllMain(AsModule(module), DLL_PROCESS_DETACH, &module),
+              TRUE); // as at the end of the process, which this is not
     for (DWORD reason : {DLL_THREAD_ATTACH, DLL_THREAD_DETACH, 4, 99}) {
         EXPECT_EQ(DllMain(AsModule(other), reason, nullptr), TRUE);
     }
