@@ -36,26 +36,33 @@ heap_pool_block *MakeBlock(zr_long cachesize, zr_long clear) {
     return block;
 }
 
-// Hands out `rounded` bytes of a block that has as many, the first `size` of them zero if the block says so.
-void *Serve(heap_pool_block *block, zr_long rounded, unsigned size) {
+// What `block` has free behind a request of `rounded` bytes; below 0 if that doesn't fit. It follows from next_free, which
+// is read alone: calls behind one another then wait for one value of the block instead of two.
+std::int64_t FreeBehind(heap_pool_block *block, std::int64_t rounded) {
+    const char *end = reinterpret_cast<char *>(block) + pool_data_offset + block->cachesize;
+    return end - static_cast<char *>(block->next_free) - rounded;
+}
+
+// Hands out `rounded` bytes of a block that has `left` free behind them, the first `size` of them zero if the block says so.
+void *Serve(heap_pool_block *block, std::int64_t rounded, std::int64_t left, unsigned size) {
     void *data = block->next_free;
     block->next_free = static_cast<char *>(data) + rounded;
-    block->free -= rounded;
+    block->free = static_cast<zr_long>(left);
     return block->clear != 0 ? std::memset(data, 0, size) : data;
 }
 
 // For a request that the first block cannot serve: from the rest of the chain, or from a new block behind it. Apart, so that
 // the common way through an allocation has no registers to save.
-[[gnu::noinline]] void *ServeBehind(heap_pool_block *first, std::int64_t wanted, unsigned size) {
-    if (wanted > first->cachesize) {
+[[gnu::noinline]] void *ServeBehind(heap_pool_block *first, std::int64_t rounded, unsigned size) {
+    if (rounded > first->cachesize) {
         zr_error("heap_allocate: parameter 'size' greater than cachesize", nullptr, nullptr, "Heap", __LINE__);
         return nullptr;
     }
-    const auto rounded = static_cast<zr_long>(wanted);
     heap_pool_block *last = first;
     for (heap_pool_block *block = first->next_block; block != nullptr; block = block->next_block) {
-        if (block->free > rounded)
-            return Serve(block, rounded, size);
+        const std::int64_t left = FreeBehind(block, rounded);
+        if (left > 0)
+            return Serve(block, rounded, left, size);
         last = block;
     }
     heap_pool_block *added = MakeBlock(last->cachesize, last->clear);
@@ -64,7 +71,7 @@ void *Serve(heap_pool_block *block, zr_long rounded, unsigned size) {
         return nullptr;
     }
     last->next_block = added;
-    return Serve(added, rounded, size);
+    return Serve(added, rounded, FreeBehind(added, rounded), size);
 }
 
 } // namespace
@@ -90,8 +97,9 @@ void *heap_allocate(heap_pool_block *pool, unsigned int size) noexcept {
     CountBytes(size);
     const std::int64_t rounded = RoundUp(size);
     // What a block has free is never above its cachesize: what fits is not too large.
-    if (pool->free > rounded)
-        return Serve(pool, static_cast<zr_long>(rounded), size);
+    const std::int64_t left = FreeBehind(pool, rounded);
+    if (left > 0)
+        return Serve(pool, rounded, left, size);
     return ServeBehind(pool, rounded, size);
 }
 
