@@ -113,10 +113,11 @@ zr_long hash_put(hash_table *table, const char *name, zr_value value) noexcept {
     if (index < 0)
         return -1;
     hash_slot &slot = table->slots[index];
-    if (slot.name == nullptr) {
-        slot.name = CopyOf(name);
-        if (slot.name == nullptr)
+    if (whole.tags[index] == 0) { // which tells of a free slot without a wait for the slot itself
+        char *copy = CopyOf(name);
+        if (copy == nullptr)
             return -1;
+        slot.name = copy;
         whole.tags[index] = way.tag;
     }
     slot.value = value;
