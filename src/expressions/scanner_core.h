@@ -616,7 +616,7 @@ void ScannerCore<Source, Keywords>::ReadString(ZrScanToken &token) {
     EndString(text, token);
 }
 
-// Takes what has no meaning in a text up to `quote`. After a character that was taken nothing is escaped.
+// Takes what has no meaning in a text up to `quote`, as far as there is room. After such a character nothing is escaped.
 template <class Source, class Keywords>
 void ScannerCore<Source, Keywords>::TakePlain(Collector &text, int quote, bool &escaped) {
     const auto is_plain = [quote](Character c) {
@@ -625,11 +625,7 @@ void ScannerCore<Source, Keywords>::TakePlain(Collector &text, int quote, bool &
     if (!is_plain(m_current))
         return;
     escaped = false;
-    if (Take(text, is_plain))
-        return;
-    m_error = SCAN_ERROR_STRING_TOO_LONG;
-    while (is_plain(m_current))
-        Advance();
+    Take(text, is_plain);
 }
 
 template <class Source, class Keywords>

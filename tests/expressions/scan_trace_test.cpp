@@ -104,6 +104,7 @@ TEST_F(ScanTraceFile, IgnoresTheProcessLocale) {
 TEST_F(ScanTraceFile, IsMadeAnewByEachScanner) {
     folder.Write("trc", "an old and longer content that goes");
     EXPECT_EQ(TraceOf(SCAN_TRACE, ""), "S1  [ 0: 0]\teof        < >\r\n");
+    EXPECT_TRUE(std::filesystem::remove(folder.Folder() / "trc")); // nobody has it open any more
 }
 
 TEST_F(ScanTraceFile, IsThereFromTheStart) {
