@@ -383,6 +383,7 @@ TEST_F(Scanner, Comments_ArePassedOver) {
     EXPECT_EQ(All(SCAN_BLOCK_COMMENT, "a /* open *"), "6:a");
     EXPECT_EQ(All(SCAN_LINE_COMMENT, "a // b\nc / d // e"), "6:a 6:c 21:/ 6:d");
     EXPECT_EQ(All(SCAN_LINE_COMMENT | SCAN_KEEP_EOL, "a // b\nc"), "6:a 43:  6:c");
+    EXPECT_EQ(First(SCAN_LINE_COMMENT | SCAN_KEEP_EOL, "// b\nc").column, 4); // its line feed
     EXPECT_EQ(All(SCAN_BANG_COMMENT, "a ! b\nc !"), "6:a 6:c");
     EXPECT_EQ(All(0, "a ! b"), "6:a 38:! 6:b");
     Open(SCAN_BLOCK_COMMENT, "/* 1\n2 */ a");
@@ -521,6 +522,7 @@ TEST_F(Scanner, Strings_EndAtTheirQuote) {
     EXPECT_EQ(First(0, "\"abc\"").long_value, 3);
     EXPECT_EQ(All(0, "\"\" \"a'b`c\""), "10: 10:a'b`c");
     EXPECT_EQ(All(0, "\"a\\\"b\\\\\" x"), "10:a\\\"b\\\\ 6:x"); // backslashes stay, one hides a quote
+    EXPECT_EQ(All(0, "\"a\\bc\" x"), "10:a\\bc 6:x");           // and nothing but the character behind it
     const Token open = First(0, "\"abc\n");
     EXPECT_EQ(open.error, 4);
     EXPECT_EQ(open.kind, 10);
@@ -686,8 +688,22 @@ TEST_F(Scanner, KeywordsThatNoNameCanBe_AreNeverFound) {
     EXPECT_EQ(All(SCAN_KEYWORDS_NOCASE, "1a _bc Abc [bc `bc", keywords), "7:1 6:a 6:_bc 6:Abc 31:[ 6:bc 0:` 6:bc");
 }
 
+TEST_F(Scanner, KeywordsNoCase_KnowAllLetters) {
+    const char *keywords[] = {"abcdefg", "HIJKLMNO", "pqrstuv", "WXYZ", "abcdefghijklmnopqrstuvwxyz", nullptr};
+    for (const char *text : {"abcdefg hijklmno pqrstuv wxyz abcdefghijklmnopqrstuvwxyz",
+                             "ABCDEFG HIJKLMNO PQRSTUV WXYZ ABCDEFGHIJKLMNOPQRSTUVWXYZ"}) {
+        Open(SCAN_KEYWORDS_NOCASE, text, keywords);
+        for (zr_long i = 0; i < 5; ++i) {
+            const Token token = Read();
+            EXPECT_EQ(token.kind, 5) << token.text;
+            EXPECT_EQ(token.long_value, i) << token.text;
+        }
+    }
+}
+
 TEST_F(Scanner, KeywordsNoCase_LeaveUmlautsAsTheyAre) {
-    const char *keywords[] = {"m\x84r", "\xe1", nullptr};
+    const char *keywords[] = {"m\x84r", "\xe1", "a\xc1", nullptr};
+    EXPECT_EQ(First(SCAN_UMLAUTS | SCAN_KEYWORDS_NOCASE, "A\xe1", keywords).kind, 6);
     EXPECT_EQ(First(SCAN_UMLAUTS | SCAN_KEYWORDS_NOCASE, "M\x84R", keywords).kind, 5);
     EXPECT_EQ(First(SCAN_UMLAUTS | SCAN_KEYWORDS_NOCASE, "M\x8eR", keywords).kind, 6);
     EXPECT_EQ(First(SCAN_UMLAUTS | SCAN_KEYWORDS_NOCASE | SCAN_LOWER, "M\x8eR", keywords).kind,
