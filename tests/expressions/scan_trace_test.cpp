@@ -10,6 +10,7 @@
 
 #include <zrclb/scan.h>
 
+#include "env/report_capture.h"
 #include "expressions/scan_trace.h"
 #include "expressions/scanner.h"
 #include "frame/refused_heap.h"
@@ -194,6 +195,7 @@ TEST_F(ScanTraceFile, WithoutTheOption_IsNotMade) {
 
 TEST_F(ScanTraceFile, ThatCannotBeMade_ChangesNothing) {
     std::filesystem::create_directory(folder.Folder() / "trc");
+    zr::test::ReportCapture reports;
     text = "a";
     taken = 0;
     CZrScanner *scanner = scan_open(Next, SCAN_TRACE, nullptr);
@@ -205,6 +207,7 @@ TEST_F(ScanTraceFile, ThatCannotBeMade_ChangesNothing) {
     EXPECT_STREQ(token->text, "a");
     scan_close(scanner);
     EXPECT_TRUE(std::filesystem::is_empty(folder.Folder() / "trc"));
+    EXPECT_EQ(reports.Take(), zr::test::Reports{});
 }
 
 TEST_F(ScanTraceFile, WithoutMemoryForTheKeywords_IsNotMade) {
