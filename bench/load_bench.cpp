@@ -49,13 +49,13 @@ void LoadAndUnload(benchmark::State &state, const std::string &path) {
         const LoadedLibrary library(path);
 }
 
-// Keeps the time of each row, in microseconds.
+// Keeps the processor time of each row, in nanoseconds.
 class Times : public benchmark::ConsoleReporter {
 public:
     void ReportRuns(const std::vector<Run> &runs) override {
         for (const Run &run : runs) {
             if (run.run_type == Run::RT_Iteration || run.aggregate_name == "median")
-                m_times[run.run_name.function_name] = run.GetAdjustedRealTime();
+                m_times[run.run_name.function_name] = run.GetAdjustedCPUTime();
         }
         ConsoleReporter::ReportRuns(runs);
     }

@@ -1,6 +1,8 @@
 // What the loader calls when it brings the library in and takes it out.
 #include "platform/entry.h"
 
+#include <cstddef> // tells which runtime it is
+
 #include <windows.h>
 
 #ifdef __GLIBCXX__
