@@ -13,7 +13,6 @@
 #include "frame/hash_size.h"
 
 namespace zr::frame {
-namespace {
 
 zr_long DefaultHash(const char *name) {
     if (name == nullptr) {
@@ -25,6 +24,8 @@ zr_long DefaultHash(const char *name) {
         sum += static_cast<std::uint32_t>(static_cast<signed char>(*name));
     return static_cast<zr_long>(sum);
 }
+
+namespace {
 
 // The first slot on the way of a name that is free or holds it; -1 if the table is full of others.
 zr_long FindSlot(const HashTable &table, const char *name, HashWay way) {
