@@ -359,7 +359,7 @@ class Calculator:
             value = -value if math.copysign(1, base) < 0 and whole and int(exponent) % 2 else value
         elif not math.isfinite(base) or not math.isfinite(exponent):
             value = base ** exponent
-        elif whole and abs(exponent) <= 64:
+        elif whole and abs(exponent) <= 2000:
             exact = Fraction(base) ** int(exponent)
             value = to_double(exact)
             self.near = self.near or (math.isfinite(value) and Fraction(value) != exact)

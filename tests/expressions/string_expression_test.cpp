@@ -1,6 +1,7 @@
 // Texts with computed places: what is copied, what is computed, how values are written, sizes, reports.
 #include <zrclb/zrclb.hpp>
 
+#include <cstdio>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -9,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "env/report_capture.h"
@@ -70,11 +72,22 @@ TEST(StringExpression, WhatIsNoPlace_IsCopied) {
     EXPECT_EQ(Filled("[!1] [!2"), "1 [!2");
 }
 
+// The first "]" ends a place, whatever stands in front of it.
+TEST(StringExpression, Place_EndsAtTheFirstBracket) {
+    EXPECT_EQ(Filled("[!1]]"), "1]");
+    ExpectFailure(Fill("[![!1]]", 64), Error("Calc", bad_expression, "[!1"));
+    ExpectFailure(Fill("[!1 [!2]", 64), Error("Calc", bad_expression, "1 [!2"));
+    ExpectFailure(Fill("[!\"]\"]", 64), Error("Calc", bad_expression, "\""));
+}
+
 TEST(StringExpression, Decimals_AsAsked) {
     EXPECT_EQ(Filled("[!1/3(.3)]"), "0.333");
     EXPECT_EQ(Filled("[!2/3 (.2)]"), "0.67");
     EXPECT_EQ(Filled("[!2/3 (.2) ]"), "0.67");
     EXPECT_EQ(Filled("[!5(.0)]"), "5");
+    EXPECT_EQ(Filled("[!2.75(.0)]"), "3");
+    EXPECT_EQ(Filled("[!5(.+2)]"), "5.00");
+    EXPECT_EQ(Filled("[!5(. 2)]"), "5.00");
     EXPECT_EQ(Filled("[!5(.)]"), "5");
     EXPECT_EQ(Filled("[!5(.2x)]"), "5.00");
     EXPECT_EQ(Filled("[!(1+1)*2(.1)]"), "4.0");
@@ -94,6 +107,11 @@ TEST(StringExpression, ManyDecimals_CountAs300) {
 TEST(StringExpression, ParenthesesOfAnotherForm_BelongToTheExpression) {
     EXPECT_EQ(Filled("[!2*(3)]"), "6");
     EXPECT_EQ(Filled("[!sqrt(4)]"), "2");
+    EXPECT_EQ(Filled("[!2*(0.5)]"), "1");
+    ExpectFailure(Fill("[!5( .2)]", 64), Error("Calc", bad_expression, "5( .2)"));
+    ExpectFailure(Fill("[!5(.2))]", 64), Error("Calc", bad_expression, "5(.2))"));
+    ExpectFailure(Fill("[!5(.2)\t]", 64), Error("Calc", bad_expression, "5(.2)\t")); // only blanks are trimmed
+    ExpectFailure(Fill("[!1.5(.2)(.3)]", 64), Error("Calc", bad_expression, "1.5(.2)"));
     ExpectFailure(Fill("[!2(.2)+1]", 64), Error("Calc", bad_expression, "2(.2)+1"));
     ExpectFailure(Fill("[!2(.2]", 64), Error("Calc", bad_expression, "2(.2"));
     ExpectFailure(Fill("[!2*(.5)]", 64), Error("Calc", bad_expression, "2*")); // asks for five decimals
@@ -108,12 +126,24 @@ TEST(StringExpression, WithoutDecimals_FifteenDigitsWithoutZerosAtTheEnd) {
     EXPECT_EQ(Filled("[!1000/3]"), "333.333333333333");
     EXPECT_EQ(Filled("[!123456789012345]"), "123456789012345");
     EXPECT_EQ(Filled("[!12345678901234.5]"), "12345678901234.5");
+    EXPECT_EQ(Filled("[!9.999999999999999]"), "10"); // its whole part has two digits once rounded
+    EXPECT_EQ(Filled("[!0.1+0.2]"), "0.3");
 }
 
 TEST(StringExpression, Infinity_IsWrittenAsSuch) {
     EXPECT_EQ(Filled("[!exp(1000)]"), "inf");
     EXPECT_EQ(Filled("[!-exp(1000)(.2)]"), "-inf");
+}
+
+TEST(StringExpression, NotANumber_IsWrittenAsSuch) {
+    EXPECT_THAT(Filled("[!asn(2)]"), testing::AnyOf("nan", "-nan")); // its sign is the system's
+    EXPECT_THAT(Filled("[!asn(2)(.2)]"), testing::AnyOf("nan", "-nan"));
+}
+
+TEST(StringExpression, Minus_IsKeptInFrontOfZero) {
     EXPECT_EQ(Filled("[!0*-1]"), "-0");
+    EXPECT_EQ(Filled("[!-1e-300]"), "-0");
+    EXPECT_EQ(Filled("[!-0.2(.0)]"), "-0");
 }
 
 // Where there is no point the zeros are lost all the same.
@@ -122,16 +152,22 @@ TEST(StringExpression, WholeNumbersOfFifteenDigits_LoseTheirZeros) {
     EXPECT_EQ(Filled("[!123000000000000]"), "123");
     EXPECT_EQ(Filled("[!1e20]"), "1");
     EXPECT_EQ(Filled("[!10000000000000]"), "10000000000000");
-    EXPECT_EQ(Filled("[!1e300]").substr(0, 4), "1000");
+    EXPECT_EQ(Filled("[!1234567890123456]"), "1234567890123456");
+    char digits[400];
+    std::snprintf(digits, sizeof digits, "%.0f", 1e300);
+    EXPECT_EQ(Filled("[!1e300]") + "0", digits);   // it has one zero at the end
+    EXPECT_EQ(Filled("[!-10000000000000]"), "-1"); // the sign is one of the fifteen
+    EXPECT_EQ(Filled("[!-1000000000000]"), "-1000000000000");
+    EXPECT_EQ(Filled("[!100000000000000(.0)]"), "100000000000000"); // only what is not asked for
 }
 
 TEST(StringExpression, FaultyPlace_IsReported) {
     ExpectFailure(Fill("[!x]", 64), Error("Calc", bad_expression, "x"));
     ExpectFailure(Fill("a [!1] [! 1/0 ] b", 64), Error("Calc", bad_expression, "1/0"));
     ExpectFailure(Fill("[!1+(.2)]", 64), Error("Calc", bad_expression, "1+"));
-    const Answer empty = Fill("[!]", 64);
-    EXPECT_FALSE(empty.ok);
-    EXPECT_EQ(empty.reports.size(), 1U);
+    ExpectFailure(Fill("[!a+b (.2)]", 64), Error("Calc", bad_expression, "a+b "));
+    ExpectFailure(Fill("[!]", 64), Error("Calc", bad_expression, ""));
+    ExpectFailure(Fill("[!(.2)]", 64), Error("Calc", bad_expression, ""));
 }
 
 TEST(StringExpression, LastError_IsThatOfTheLastPlace) {
@@ -140,6 +176,11 @@ TEST(StringExpression, LastError_IsThatOfTheLastPlace) {
     char out[64];
     EXPECT_FALSE(calculator.CalculateStringExpression("[!1] [! 2+3*x] [!1/0]", out, sizeof out));
     EXPECT_EQ(calculator.GetLastError().GetErrorType(), CALCULATOR_SYNTAX);
+    EXPECT_EQ(calculator.GetLastError().GetErrorColumn(), 4);
+    EXPECT_FALSE(calculator.CalculateStringExpression("\n[!1+\n\n 1/0]", out, sizeof out));
+    EXPECT_STREQ(out, "");
+    EXPECT_EQ(calculator.GetLastError().GetErrorType(), CALCULATOR_DIVISION);
+    EXPECT_EQ(calculator.GetLastError().GetErrorRow(), 2);
     EXPECT_EQ(calculator.GetLastError().GetErrorColumn(), 4);
     EXPECT_TRUE(calculator.CalculateStringExpression("[!1] and nothing", out, sizeof out));
     EXPECT_STREQ(out, "1 and nothing");
@@ -170,6 +211,14 @@ TEST(StringExpression, NoSize_NothingIsWritten) {
             EXPECT_STREQ(out, "kept");
             EXPECT_EQ(capture.Take(), Reports{Error("Calc", too_small)}) << text;
         }
+        char out[] = "kept";
+        char ok = 7;
+        calc_string_expression(nullptr, out, size, &ok);
+        EXPECT_EQ(ok, 0);
+        calc_string_expression(std::string(1024, 'x').c_str(), out, size, &ok);
+        EXPECT_EQ(ok, 0);
+        EXPECT_STREQ(out, "kept");
+        EXPECT_EQ(capture.Take(), (Reports{Error("Calc", bad_parameter), Error("Calc", bad_parameter)}));
     }
 }
 
@@ -292,7 +341,9 @@ TEST(PlainFunctions, RunInParallel) {
 TEST(StringExpression, RoundingDigits_Count) {
     calc_init(1);
     EXPECT_EQ(Filled("[!0.26(.3)]"), "0.300");
+    EXPECT_EQ(Filled("[!0.26] [!2/3]"), "0.3 0.7");
     calc_init(0);
+    EXPECT_EQ(Filled("[!0.26]"), "0.26");
 }
 
 } // namespace

@@ -1,11 +1,14 @@
 // Lets heap_malloc, heap_calloc and heap_realloc fail, for the library's own calls too. The build leads the calls of a program whose test
-// source includes this here; one source of a program only.
+// source includes this here; one source of a program only. Counts what heap_malloc gave and heap_free has not taken back, too.
 #ifndef TESTS_FRAME_REFUSED_HEAP_H
 #define TESTS_FRAME_REFUSED_HEAP_H
+
+#include <atomic>
 
 extern "C" void *__real_heap_malloc(unsigned int size) noexcept;
 extern "C" void *__real_heap_calloc(unsigned int count, unsigned int size) noexcept;
 extern "C" void *__real_heap_realloc(void *block, unsigned int size) noexcept;
+extern "C" void __real_heap_free(void *block) noexcept;
 
 namespace zr::test {
 
@@ -66,10 +69,34 @@ private:
     static inline bool s_met = false;
 };
 
+// Blocks of heap_malloc that were not there when it was made. Only where those of heap_calloc and heap_realloc are not freed.
+class HeapBalance {
+public:
+    HeapBalance() : m_before(s_blocks) {}
+
+    int Open() const { return s_blocks - m_before; }
+
+    static void *Given(void *block) {
+        s_blocks += block != nullptr ? 1 : 0;
+        return block;
+    }
+    static void TakenBack(const void *block) { s_blocks -= block != nullptr ? 1 : 0; }
+
+private:
+    static inline std::atomic<int> s_blocks = 0;
+
+    const int m_before;
+};
+
 } // namespace zr::test
 
 extern "C" void *__wrap_heap_malloc(unsigned int size) noexcept {
-    return zr::test::HeapRefusal::Refuses() ? nullptr : __real_heap_malloc(size);
+    return zr::test::HeapRefusal::Refuses() ? nullptr : zr::test::HeapBalance::Given(__real_heap_malloc(size));
+}
+
+extern "C" void __wrap_heap_free(void *block) noexcept {
+    zr::test::HeapBalance::TakenBack(block);
+    __real_heap_free(block);
 }
 
 extern "C" void *__wrap_heap_calloc(unsigned int count, unsigned int size) noexcept {
