@@ -348,6 +348,7 @@ TEST(Calculator, TenMegabytesOfAnything_EndWithTheRightError) {
 TEST(Calculator, NumbersAndNamesAtTheLimitOfATokensText) {
     EXPECT_EQ(ValueOf(std::string(4095, '0')), 0);
     EXPECT_EQ(ValueOf(std::string(4093, '0') + "12"), 12);
+    EXPECT_EQ(ValueOf(std::string(4094, '0') + "12"), 12);
     EXPECT_EQ(ValueOf("1." + std::string(4093, '0')), 1);
     EXPECT_EQ(Compute(std::string(4097, '0')).error, 1);
     EXPECT_EQ(Compute(std::string(4097, '0')).column, 0);
