@@ -1,9 +1,10 @@
 // The calculator: class, plain function, and the record of its last error.
 #include <zrclb/calc.hpp>
 
-#include <algorithm>
-#include <cstring>
+#include <cstddef>
+#include <iterator>
 #include <new>
+#include <utility>
 
 #include <zrclb/heap.h>
 #include <zrclb/str.h>

@@ -1,6 +1,5 @@
 // Texts with places "[!expression]" that are replaced by their values.
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <limits>
 
