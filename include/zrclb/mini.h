@@ -63,9 +63,10 @@ typedef struct mini_file {
 
 /* ---- Open and close --------------------------------------------------------------------------------------------- */
 
-/* Loads the file `name` and gives a handle. The folder is that in `name`, else `dir`, else the current one. Without a file
- * name in `name`, the settings file of the installation is taken, folder and all; if there is none, the error
- * "zr_suche_datei did not find ZRINIFILE" is reported and the handle has no file. flags: 0 or MINI_READONLY.
+/* Loads the file `name` and gives a handle. The folder is that in `name`, else the first 255 characters of `dir`, else
+ * the current one. Without a file name in `name`, or with one that fio_divide finds too long, the settings file of the
+ * installation is taken, folder and all; if there is none, the error "zr_suche_datei did not find ZRINIFILE" is reported
+ * and the handle has no file. flags: 0 or MINI_READONLY.
  * A file that can't be opened is taken for an empty one, unless MINI_READONLY is set: null then. Null too where memory
  * does not even suffice for the handle. A line without "=" is passed over with the error "Incorrect entry's format. '=' is
  * not found. Dir,File=", folder, name; a header without a name, and all lines up to the next one, with the error

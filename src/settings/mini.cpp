@@ -20,6 +20,9 @@ namespace zr::settings {
 
 namespace {
 
+// Characters of a caller's folder. With more it would compose to nothing, and the current folder take its place.
+constexpr int folder_limit = 255;
+
 // Folder, drive included, and name of a file.
 struct FilePlace {
     char folder[platform::path_size];
@@ -50,7 +53,7 @@ void FindPlace(const char *dir, const char *name, FilePlace &out) {
     if (out.folder[0] != 0)
         return;
     if (dir != nullptr && dir[0] != 0)
-        str_ncpy(out.folder, dir, platform::path_limit);
+        str_ncpy(out.folder, dir, folder_limit);
     else
         fio_getcwd(out.folder, sizeof out.folder);
 }
