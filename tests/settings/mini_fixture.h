@@ -105,18 +105,24 @@ protected:
     std::list<Reference::Section> Content() const { return ContentOf(m_handle); }
     static std::list<Reference::Section> ContentOf(const mini_file *handle) {
         std::list<Reference::Section> sections;
+        const list_element *last = nullptr;
         for (const list_element *element = handle->sections.first; element != nullptr; element = element->next) {
             const auto *section = reinterpret_cast<const mini_section *>(element);
+            EXPECT_TRUE(section->state == 0 || section->state == 1) << section->state;
             sections.push_back({section->name, {}, section->state != 0});
+            const list_element *last_entry = nullptr;
             for (const list_element *each = section->entries.first; each != nullptr; each = each->next) {
                 const auto *entry = reinterpret_cast<const mini_entry *>(each);
                 sections.back().entries.push_back({entry->name, entry->value});
-                EXPECT_EQ(each == section->entries.last, each->next == nullptr);
-                EXPECT_EQ(each == section->entries.first, each->prev == nullptr);
+                EXPECT_EQ(each->prev, last_entry);
+                last_entry = each;
             }
+            EXPECT_EQ(section->entries.last, last_entry);
             EXPECT_EQ(static_cast<std::size_t>(section->entries.count), sections.back().entries.size());
-            EXPECT_EQ(element == handle->sections.last, element->next == nullptr);
+            EXPECT_EQ(element->prev, last);
+            last = element;
         }
+        EXPECT_EQ(handle->sections.last, last);
         EXPECT_EQ(static_cast<std::size_t>(handle->sections.count), sections.size());
         return sections;
     }

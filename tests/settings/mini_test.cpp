@@ -2,10 +2,13 @@
 #include <zrclb/mini.h>
 
 #include <climits>
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -31,7 +34,41 @@ protected:
 const auto malformed_text = "Incorrect entry's format. '=' is not found. Dir,File=";
 const auto nameless_text = "Section's name is not defined. Description is ignored";
 
+// ---- Records ------------------------------------------------------------------------------------------------------
+
+TEST_F(Mini, Records_HaveTheirFieldsInTheToldOrder) {
+    constexpr std::size_t pointer = sizeof(char *);
+    EXPECT_EQ(offsetof(mini_file, dir), 0U);
+    EXPECT_EQ(offsetof(mini_file, name), pointer);
+    EXPECT_EQ(offsetof(mini_file, flags), 2 * pointer);
+    EXPECT_GT(offsetof(mini_file, sections), offsetof(mini_file, flags));
+    EXPECT_EQ(offsetof(mini_section, prev), 0U);
+    EXPECT_EQ(offsetof(mini_section, next), pointer);
+    EXPECT_EQ(offsetof(mini_section, name), 2 * pointer);
+    EXPECT_EQ(offsetof(mini_section, entries), 3 * pointer);
+    EXPECT_EQ(offsetof(mini_section, state), 3 * pointer + sizeof(list_descriptor));
+    EXPECT_EQ(offsetof(mini_entry, prev), 0U);
+    EXPECT_EQ(offsetof(mini_entry, next), pointer);
+    EXPECT_EQ(offsetof(mini_entry, name), 2 * pointer);
+    EXPECT_EQ(offsetof(mini_entry, value), 3 * pointer);
+    EXPECT_EQ(sizeof(mini_file::flags), 4U);
+    EXPECT_EQ(sizeof(mini_section::state), 4U);
+}
+
 // ---- Opening ------------------------------------------------------------------------------------------------------
+
+TEST_F(Mini, OpenWithoutArguments_TakesTheSettingsFileOfTheInstallation) {
+    Write("zr\\zr.zrini", "[A]\r\nx=1\r\n");
+    m_handle = mini_open(nullptr, nullptr, 0);
+    ASSERT_NE(m_handle, nullptr);
+    EXPECT_EQ(m_handle->dir, Path("zr\\"));
+    EXPECT_STREQ(m_handle->name, "zr.zrini");
+    EXPECT_EQ(Value("A", "x"), "1");
+    EXPECT_EQ(mini_write_string(m_handle, "A", "x", "2"), 0);
+    EXPECT_EQ(mini_close(&m_handle), 1);
+    EXPECT_EQ(m_folder.Read("zr/zr.zrini"), "[A]\r\nx=2");
+    EXPECT_EQ(m_reports.Take(), Taken());
+}
 
 TEST_F(Mini, OpenWithoutName_TakesTheSettingsFileOfTheInstallation) {
     Write("zr\\bin\\zr.zrini", "[A]\r\nx=1\r\n");
@@ -92,6 +129,53 @@ TEST_F(Mini, Open_TakesTheFolderOfTheNameFirst) {
     }
 }
 
+TEST_F(Mini, OpenOfANameWithAFolder_TakesNothingOfTheOther) {
+    const struct {
+        const char *name, *expected_dir, *expected_name;
+    } rows[] = {{"D:\\y\\z.ini", "D:\\y\\", "z.ini"},
+                {"y\\z", "y\\", "z"},
+                {"\\z.ini", "\\", "z.ini"},
+                {"C:z.ini", "C:", "z.ini"}};
+    for (const auto &row : rows) {
+        m_handle = mini_open("C:\\x", row.name, 0);
+        ASSERT_NE(m_handle, nullptr) << row.name;
+        EXPECT_STREQ(m_handle->dir, row.expected_dir);
+        EXPECT_STREQ(m_handle->name, row.expected_name);
+        EXPECT_EQ(mini_close_ex(&m_handle), 1);
+    }
+}
+
+TEST_F(Mini, OpenWithLongFolder_NeverGetsToTheCurrentOne) {
+    const CurrentFolder folder(m_folder.Folder());
+    m_folder.Write("a.ini", "x=1");
+    for (const std::size_t size : {255U, 256U, 258U, 259U, 260U, 100000U}) {
+        for (const std::string &dir : {"C:\\" + std::string(size - 3, 'd'), std::string(size, 'd')}) {
+            EXPECT_EQ(mini_open(dir.c_str(), "a.ini", MINI_READONLY), nullptr) << size;
+            m_handle = mini_open(dir.c_str(), "a.ini", 0);
+            ASSERT_NE(m_handle, nullptr) << size;
+            EXPECT_EQ(m_handle->dir, dir.substr(0, 255));
+            EXPECT_EQ(mini_write_string(m_handle, "A", "a", "1"), 0);
+            EXPECT_EQ(mini_update_file(m_handle), 0) << size;
+            EXPECT_EQ(mini_delete_section(m_handle, "B"), -1) << size;
+            EXPECT_EQ(mini_delete_entry(m_handle, "B", "b"), -1) << size;
+            EXPECT_EQ(mini_close(&m_handle), 0);
+        }
+    }
+    EXPECT_EQ(m_folder.Read("a.ini"), "x=1");
+}
+
+TEST_F(Mini, OpenWithLongName_TakesWhatIsLeftOfIt) {
+    Write("zr\\zr.zrini", "x=1");
+    for (const std::size_t size : {255U, 256U, 260U, 100000U}) {
+        const std::string name(size, 'n');
+        m_handle = mini_open(Path("none").c_str(), name.c_str(), 0);
+        ASSERT_NE(m_handle, nullptr) << size;
+        EXPECT_EQ(m_handle->name, size > 255 ? "zr.zrini" : name) << size; // too long is no name
+        EXPECT_EQ(m_handle->dir, Path(size > 255 ? "zr\\" : "none")) << size;
+        EXPECT_EQ(mini_close_ex(&m_handle), 1);
+    }
+}
+
 TEST_F(Mini, Open_SetsTheFlagsOfAWholeLoad) {
     EXPECT_EQ(Open("x=1")->flags, 3);
     EXPECT_EQ(Reopen(MINI_READONLY)->flags, 7);
@@ -99,6 +183,7 @@ TEST_F(Mini, Open_SetsTheFlagsOfAWholeLoad) {
     EXPECT_EQ(Reopen(8)->flags, 11);
     EXPECT_EQ(MINI_ALL_LOADED, 1);
     EXPECT_EQ(MINI_PRELOAD, 2);
+    EXPECT_EQ(MINI_READONLY, 4);
 }
 
 TEST_F(Mini, OpenOfWhatIsNoFile_NeedsThePermissionToWrite) {
@@ -328,6 +413,8 @@ TEST_F(Mini, NullBuffer_GivesTheLengthUpTo9999) {
     zr_long size = -5;
     EXPECT_EQ(mini_read_string(m_handle, "s", "x", nullptr, &size), 0);
     EXPECT_EQ(size, 3);
+    EXPECT_EQ(mini_rw_string(0, m_handle, "s", "x", nullptr, &size), 0);
+    EXPECT_EQ(size, 3);
     EXPECT_EQ(mini_read_string(m_handle, "s", nullptr, nullptr, &size), 0);
     EXPECT_EQ(size, 5);
     EXPECT_EQ(mini_read_string(m_handle, "s", "none", nullptr, &size), 2);
@@ -378,6 +465,46 @@ TEST_F(Mini, Numbers_AreConvertedAsInLists) {
         EXPECT_EQ(mini_read_double(m_handle, "s", "long", &real), size > 2047 ? 3 : 0);
         EXPECT_EQ(number, size > 2047 ? 77 : 5);
         EXPECT_EQ(real, size > 2047 ? 77 : 5);
+    }
+}
+
+TEST_F(Mini, NumbersThatAreNotThere_LeaveTheOutputsAlone) {
+    Open("t=1\n[s]\na=2\n");
+    zr_long number = 77, count = 1;
+    double real = 77;
+    for (const auto &[section, entry, result] :
+         {std::tuple("u", "a", 1), std::tuple("s", "b", 2), std::tuple("s", " a", 2), std::tuple("S", "a", 1)}) {
+        EXPECT_EQ(mini_read_long(m_handle, section, entry, &number), result) << section << entry;
+        EXPECT_EQ(mini_read_double(m_handle, section, entry, &real), result) << section << entry;
+        EXPECT_EQ(mini_read_longs(m_handle, section, entry, &number, &count), result) << section << entry;
+        EXPECT_EQ(mini_read_doubles(m_handle, section, entry, &real, &count), result) << section << entry;
+    }
+    EXPECT_EQ(number, 77);
+    EXPECT_EQ(real, 77);
+    EXPECT_EQ(count, 1);
+    mini_write_string(m_handle, "s", "long", (std::string(2046, '1') + ",2").c_str());
+    count = 5;
+    EXPECT_EQ(mini_read_doubles(m_handle, "s", "long", &real, &count), 3);
+    EXPECT_EQ(count, 5);
+}
+
+TEST_F(Mini, NumbersOfASection_NeedItsNameTrimmedOnly) {
+    Open("t=1\n[s]\na=2\n");
+    for (const auto &[section, entry, expected] :
+         {std::tuple(" s\t", "a", 2), std::tuple("s", "a", 2), std::tuple(" ", "t", 1),
+          std::tuple(static_cast<const char *>(nullptr), "t", 1)}) {
+        zr_long number = 0, count = 1;
+        double real = 0;
+        EXPECT_EQ(mini_read_long(m_handle, section, entry, &number), 0);
+        EXPECT_EQ(number, expected);
+        EXPECT_EQ(mini_read_double(m_handle, section, entry, &real), 0);
+        EXPECT_EQ(real, expected);
+        number = 0;
+        EXPECT_EQ(mini_read_longs(m_handle, section, entry, &number, &count), 0);
+        EXPECT_EQ(number, expected);
+        real = 0;
+        EXPECT_EQ(mini_read_doubles(m_handle, section, entry, &real, &count), 0);
+        EXPECT_EQ(real, expected);
     }
 }
 
@@ -448,6 +575,46 @@ TEST_F(Mini, Path_IsExpandedUnderTheFolderOfTheHandle) {
     EXPECT_EQ(mini_read_path(m_handle, "s", "b", nullptr, &size), -1);
 }
 
+// Both families on one file: values as long as may be, outputs as short as may be.
+TEST_F(Mini, Paths_AreThoseOfTheOtherFamily) {
+    std::string bytes = "[s]\nempty=\nname=x\nup=..\\x\ndot=.\nvar=$INSTALLDIR$\n";
+    for (const std::size_t size : {255U, 256U, 258U, 259U, 260U, 261U})
+        bytes += "p" + std::to_string(size) + "=C:\\" + std::string(size - 3, 'p') + "\n";
+    for (const std::size_t size : {100U, 240U, 255U, 259U})
+        bytes += "r" + std::to_string(size) + "=.\\" + std::string(size - 2, 'r') + "\n";
+    Open(bytes);
+    int found = 0;
+    const auto sections = Content();
+    for (const auto &entry : sections.back().entries) {
+        for (const zr_long room : {0, 1, 2, 3, 257, 258, 259, 260, 261, 300}) {
+            char text[302], expected[302];
+            std::memset(text, '~', sizeof text);
+            std::memset(expected, '~', sizeof expected);
+            zr_long size = room, expected_size = room;
+            const int result = ini_read_path(m_path.c_str(), "s", entry.name.c_str(), expected, &expected_size);
+            EXPECT_EQ(mini_read_path(m_handle, " s ", entry.name.c_str(), text, &size), result) << entry.name << room;
+            EXPECT_EQ(size, expected_size) << entry.name << room;
+            EXPECT_EQ(std::string(text, sizeof text), std::string(expected, sizeof expected)) << entry.name << room;
+            found += result == 0 && size > 0 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(found, 20);
+}
+
+TEST_F(Mini, PathUnderAFolderWithoutSeparator_IsExpandedAllTheSame) {
+    Write("one\\a.ini", "[s]\na=.\\x\nb=y\n");
+    m_handle = mini_open(Path("one").c_str(), "a.ini", 0);
+    ASSERT_NE(m_handle, nullptr);
+    char text[260];
+    for (const auto &[entry, expected] : {std::pair("a", "one\\x"), std::pair("b", "one\\y")}) {
+        zr_long size = 259;
+        EXPECT_EQ(mini_read_path(m_handle, "s", entry, text, &size), 0);
+        EXPECT_EQ(text, Path(expected));
+    }
+    EXPECT_EQ(mini_write_path(m_handle, "s", "a", Path("one\\sub\\z").c_str()), 0);
+    EXPECT_EQ(Value("s", "a"), ".\\sub\\z");
+}
+
 TEST_F(Mini, GetString_IsNeverNull) {
     Open("t=0\n[s]\nx=1\ny=long\n[ u ]\nz=2");
     char buffer[4] = "~";
@@ -468,6 +635,13 @@ TEST_F(Mini, GetString_IsNeverNull) {
     EXPECT_EQ(mini_get_string(nullptr, "s", "x", buffer, &size), buffer);
     EXPECT_STREQ(buffer, "");
 
+    size = 3;
+    EXPECT_STREQ(mini_get_string(m_handle, nullptr, "t", buffer, &size), "0");
+    size = 3;
+    EXPECT_STREQ(mini_get_string(m_handle, "u", nullptr, buffer, &size), "z"); // the list of names
+    EXPECT_EQ(size, 2);
+    EXPECT_EQ(buffer[2], 0);
+
     const char *const text = mini_get_string(m_handle, "s", "x", nullptr, nullptr);
     EXPECT_STREQ(text, "1");
     EXPECT_EQ(mini_get_string(m_handle, "s", "x", nullptr, &size), text);
@@ -481,6 +655,12 @@ TEST_F(Mini, GetString_IsNeverNull) {
     EXPECT_EQ(m_handle->sections.count, 3); // a look in the file for what isn't there adds nothing
     EXPECT_STREQ(text, "1");
     mini_write_string(m_handle, "s", "other", "v");
+    EXPECT_EQ(mini_delete_entry(m_handle, "s", "y"), 0);
+    EXPECT_EQ(mini_rename_entry(m_handle, "s", "x", "new"), 0);
+    EXPECT_EQ(mini_rename_section(m_handle, "s", "n"), 0);
+    EXPECT_EQ(mini_unload_one_section(m_handle, "u"), 0);
+    EXPECT_EQ(mini_update_file(m_handle), 1);
+    EXPECT_EQ(mini_get_string(m_handle, "n", "new", nullptr, nullptr), text); // as long as nobody changes its value
     EXPECT_STREQ(text, "1");
 }
 
@@ -551,6 +731,36 @@ TEST_F(Mini, UnloadedSection_ComesBackFromTheFileOnlyWhereItIsTold) {
     EXPECT_EQ(Sections(), ",B,A");
 }
 
+TEST_F(Mini, SectionThatComesBack_IsReadAsAtTheLoad) {
+    Open("bad\n[A]\nx=1\n[]\nlost\n[B]\n;note\ny=2\nworse\n y = 3 \n[C]\nz\n");
+    m_reports.Take();
+    const auto before = Content();
+    EXPECT_EQ(mini_unload_one_section(m_handle, "B"), 0);
+    char buffer[9] = "~";
+    zr_long size = 8;
+    EXPECT_STREQ(mini_get_string(m_handle, "B", "y", buffer, &size), ""); // into a buffer from memory only
+    EXPECT_EQ(Sections(), ",A,C");
+    EXPECT_STREQ(mini_get_string(m_handle, "B", "y", nullptr, nullptr), "2");
+    const std::string folder = Path("") + "\\";
+    EXPECT_EQ(m_reports.Take(), (Taken{Error("Mini", malformed_text, folder.c_str(), "test.ini")})); // its own line
+    EXPECT_EQ(Content().back(), *std::next(before.begin(), 2)); // and not as a changed one
+    EXPECT_STREQ(mini_get_string(m_handle, "B", "y", nullptr, nullptr), "2");
+    EXPECT_EQ(m_reports.Take(), Taken()); // it was there now
+    EXPECT_EQ(mini_unload_one_section(m_handle, "B"), 0);
+    EXPECT_EQ(mini_write_string(m_handle, "B", " ", "v"), 2); // comes back all the same
+    EXPECT_EQ(Entries("B"), "y,y");
+    EXPECT_EQ(Sections(), ",A,C,B");
+    EXPECT_FALSE(Content().back().changed);
+    for (const char *other : {"delete", "rename", "list"}) {
+        EXPECT_EQ(mini_unload_one_section(m_handle, "C"), *other == 'd' ? 0 : 1);
+        EXPECT_EQ(*other == 'd'   ? mini_delete_entry(m_handle, "C", "none")
+                  : *other == 'r' ? mini_rename_entry(m_handle, "C", "none", "n")
+                                  : mini_get_entries(m_handle, "C", buffer, 8, ','),
+                  *other == 'l' ? 1 : 2);
+        EXPECT_EQ(mini_section_exists(m_handle, "C"), 0) << other;
+    }
+}
+
 TEST_F(Mini, UnloadedFile_IsWrittenEmpty) {
     Open("[A]\nx=1\n");
     EXPECT_EQ(mini_unload_all_sections(nullptr), -1);
@@ -583,7 +793,10 @@ TEST_F(Mini, NullArguments_AreTestedInTheirOrder) {
     double real = 7;
     char buffer[] = "~~~~";
     EXPECT_EQ(mini_read_string(nullptr, "s", "x", buffer, nullptr), -1);
+    EXPECT_EQ(mini_read_string(nullptr, "s", "x", buffer, &size), -1);
+    EXPECT_EQ(mini_read_string(nullptr, "s", "x", nullptr, &size), -1);
     EXPECT_EQ(mini_read_string(m_handle, "s", "x", buffer, nullptr), 3);
+    EXPECT_EQ(mini_read_string(m_handle, "s", "x", nullptr, nullptr), 3);
     EXPECT_EQ(mini_read_string(m_handle, "s", nullptr, buffer, nullptr), 3);
     EXPECT_EQ(mini_read_long(nullptr, "s", nullptr, nullptr), -1);
     EXPECT_EQ(mini_read_long(m_handle, "s", nullptr, nullptr), 3);
@@ -605,6 +818,9 @@ TEST_F(Mini, NullArguments_AreTestedInTheirOrder) {
     EXPECT_EQ(mini_get_entries(m_handle, nullptr, buffer, 4, ','), 3);
     EXPECT_EQ(mini_get_entries(m_handle, "s", nullptr, 4, ','), 3);
     EXPECT_EQ(mini_get_entries(m_handle, "none", nullptr, 4, ','), 3);
+    EXPECT_EQ(mini_get_sections(nullptr, nullptr, 4, ','), -1);
+    EXPECT_EQ(mini_get_entries(nullptr, nullptr, nullptr, 4, ','), -1);
+    EXPECT_EQ(mini_unload_one_section(nullptr, nullptr), -1);
     EXPECT_EQ(number, 7);
     EXPECT_EQ(real, 7);
     EXPECT_EQ(count, 1);

@@ -2,8 +2,11 @@
 #include <zrclb/mini.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <iostream>
 #include <random>
 #include <string>
 #include <vector>
@@ -14,6 +17,7 @@
 #include <zrclb/report.h>
 
 #include "frame/counted_allocation.h"
+#include "frame/log_hook.h"
 #include "frame/refused_heap.h"
 #include "platform/file_verbs.h"
 #include "platform/raw_output.h"
@@ -31,6 +35,21 @@ protected:
     static void SetUpTestSuite() { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
 
     static int DiskIsFull(std::intptr_t, std::uint64_t, const char *, std::size_t) { return 112; }
+
+    // Makes the process that ends tell what its log holds, and remove its folder.
+    static void TellAtTheEnd() {
+        zr::frame::LogHook hook;
+        hook.is_on = [] { return true; };
+        hook.path = [](char *out, std::size_t size) { return Give((s_folder / "log").string(), out, size) != 0; };
+        zr::frame::SetLogHook(hook);
+        std::atexit([] {
+            std::cerr << std::ifstream(s_folder / "log").rdbuf();
+            std::error_code ignored;
+            std::filesystem::remove_all(s_folder, ignored);
+        });
+    }
+
+    static inline std::filesystem::path s_folder;
 
     // What the file is after the handle has been closed.
     std::string Closed() {
@@ -106,6 +125,10 @@ TEST_F(MiniWrite, State_TellsOfChanges) {
     for (const auto &section : sections)
         changes += section.name + (section.changed ? "1" : "0");
     EXPECT_EQ(changes, "0A0B1C0");
+    const list_element *const of_b = m_handle->sections.last->prev;
+    EXPECT_EQ(reinterpret_cast<const mini_section *>(of_b)->state, 1);
+    EXPECT_EQ(mini_update_file(m_handle), 1);
+    EXPECT_EQ(Content(), sections); // an update leaves all in memory as it is
     EXPECT_EQ(reinterpret_cast<const mini_section *>(m_handle->sections.last)->entries.count, 0);
 }
 
@@ -193,8 +216,8 @@ TEST_F(MiniWrite, ListOverItsLimit_EndsABracketAndWritesNothing) {
 TEST_F(MiniWrite, Path_KeepsTheFormOfTheOldValue) {
     Open("[S]\nrel=.\\a\nvar=$INSTALLDIR$\\b\nplain=C:\\c\n");
     const std::string under_folder = Path("sub\\x.txt"), under_root = Path("zr\\bin\\y.dll");
-    const auto written = [&](const char *entry, const std::string &path) {
-        EXPECT_EQ(mini_write_path(m_handle, "S", entry, path.c_str()), 0);
+    const auto written = [&](const std::string &entry, const std::string &path) {
+        EXPECT_EQ(mini_write_path(m_handle, "S", entry.c_str(), path.c_str()), 0);
         return Value("S", entry);
     };
     EXPECT_EQ(written("rel", under_folder), ".\\sub\\x.txt");
@@ -220,6 +243,18 @@ TEST_F(MiniWrite, Path_KeepsTheFormOfTheOldValue) {
     size = 259;
     EXPECT_EQ(mini_read_path(m_handle, "S", "fresh", text, &size), 0);
     EXPECT_EQ(text, under_folder);
+    // An old value counts up to 260 characters; one that is longer is none.
+    for (const std::size_t length : {259U, 260U, 261U}) {
+        Set("S", "long", std::string(length, 'p'));
+        EXPECT_EQ(written("long", under_root), length > 260 ? "$INSTALLDIR$\\bin\\y.dll" : under_root) << length;
+    }
+    const std::string far_away = "C:\\" + std::string(256, 'f'), too_far = far_away + "f", absurd(4000, 'a');
+    for (const std::string &path : {far_away, too_far, absurd, ""s})
+        EXPECT_EQ(written("far" + std::to_string(path.size()), path), path);
+    mini_unload_one_section(m_handle, "S"); // the file has the old value of one that is not in memory
+    ini_write_string(m_path.c_str(), "S", "rel", ".\\a");
+    EXPECT_EQ(written("rel", "Q:\\z"), "Q:\\z");
+    EXPECT_EQ(written("rel", under_folder), under_folder);
 }
 
 TEST_F(MiniWrite, BothDirections_GoByTheFlag) {
@@ -520,6 +555,8 @@ TEST_F(MiniWrite, ReadOnlyFile_StaysAsItIs) {
 TEST_F(MiniWrite, UpdateKeepsThePermissionsOfTheFile) {
     Open(sample);
     const auto path = m_folder.Folder() / "test.ini";
+    using std::filesystem::perms; // that no new file has
+    std::filesystem::permissions(path, perms::owner_all | perms::others_read);
     const auto before = std::filesystem::status(path).permissions();
     Set("A", "a", "new");
     EXPECT_EQ(mini_update_file(m_handle), 1);
@@ -551,6 +588,17 @@ TEST_F(MiniWrite, MissingFolder_IsNoPlaceForAFile) {
     EXPECT_EQ(mini_update_file(m_handle), 0);
     EXPECT_EQ(Value("A", "a"), "1");
     EXPECT_EQ(mini_close(&m_handle), 0);
+}
+
+TEST_F(MiniWrite, FolderOfThatName_IsNoFileToUpdate) {
+    std::filesystem::create_directory(m_folder.Folder() / "test.ini");
+    Reopen();
+    Set("A", "a", "1");
+    EXPECT_EQ(mini_update_file(m_handle), 0);
+    EXPECT_EQ(mini_delete_section(m_handle, "A"), 0);
+    EXPECT_EQ(mini_delete_section(m_handle, "A"), -1);
+    EXPECT_EQ(mini_close(&m_handle), 0);
+    EXPECT_TRUE(std::filesystem::is_directory(m_folder.Folder() / "test.ini"));
 }
 
 TEST_F(MiniWrite, FaultOfTheTemporaryFile_LeavesTheFileAlone) {
@@ -607,6 +655,26 @@ TEST_F(MiniWrite, FaultOfTheTemporaryFile_LeavesAPartOfANewFile) {
     EXPECT_EQ(Bytes(), Stored("[A]\na=1"));
 }
 
+TEST_F(MiniWrite, DiskThatIsFullOnTheWay_LeavesWhatWasWrittenOfANewFile) {
+    static int writes;
+    Reopen();
+    for (int i = 0; i < 100; ++i)
+        Set("A", "e" + std::to_string(i), std::string(2000, 'v'));
+    services.write_output = [](std::intptr_t file, std::uint64_t at, const char *bytes, std::size_t size) {
+        return ++writes > 1 ? 112 : zr::platform::backend::WriteOutput(file, at, bytes, size);
+    };
+    writes = 0;
+    EXPECT_EQ(mini_update_file(m_handle), 0);
+    EXPECT_EQ(writes, 2); // the first failure ends it
+    services.write_output = zr::platform::backend::WriteOutput;
+    const std::string part = Bytes();
+    std::filesystem::remove(m_folder.Folder() / "test.ini");
+    EXPECT_EQ(mini_update_file(m_handle), 1);
+    EXPECT_GT(part.size(), 10000U);
+    EXPECT_LT(part.size(), Bytes().size());
+    EXPECT_TRUE(Bytes().starts_with(part));
+}
+
 TEST_F(MiniWrite, OpenWithoutMemory_GivesNull) {
     Open(sample);
     for (int others = 0; others < 3; ++others) { // the record, folder and name
@@ -645,14 +713,19 @@ TEST_F(MiniWrite, NoMemory_EndsTheProcess) {
         std::fprintf(stderr, "box[%s]", text);
         return 1;
     };
+    s_folder = m_folder.Folder();
     const auto end_of = [](int others, const auto &call) {
         EXPECT_EXIT(
             {
+                TellAtTheEnd();
                 const HeapRefusal refusal(others);
                 call();
                 std::fprintf(stderr, "it goes on");
             },
-            testing::ExitedWithCode(0), testing::HasSubstr("box[Insufficient of memory.]"))
+            testing::ExitedWithCode(0),
+            testing::AllOf(testing::HasSubstr("box[Insufficient of memory.]"), testing::HasSubstr("> EXIT    in "),
+                           testing::HasSubstr("\"Mini\" line "), testing::HasSubstr("  Insufficient of memory.!"),
+                           testing::Not(testing::HasSubstr("it goes on"))))
             << others;
     };
     for (int others = 3; others < 6; ++others) // text, block, records
@@ -661,7 +734,10 @@ TEST_F(MiniWrite, NoMemory_EndsTheProcess) {
         end_of(others, [this] { Set("A", "new", "1"); });
     end_of(0, [this] { Set("A", "a", "1"); });
     end_of(0, [this] { mini_rename_entry(m_handle, "A", "a", "n"); });
+    end_of(0, [this] { mini_rename_section(m_handle, "A", "N"); });
     mini_unload_all_sections(m_handle);
+    for (int others = 0; others < 3; ++others) // text, block, records of the section that comes back
+        end_of(others, [this] { mini_get_string(m_handle, "A", "a", nullptr, nullptr); });
     std::filesystem::remove(m_folder.Folder() / "test.ini");
     end_of(0, [this] { Set("A", "a", "1"); }); // section
 }

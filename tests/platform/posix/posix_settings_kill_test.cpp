@@ -1,5 +1,6 @@
 // A process that is killed at each of its system calls, while it rewrites a settings file; what this host has beside files.
 #include <zrclb/ini.h>
+#include <zrclb/mini.h>
 
 #include <filesystem>
 #include <fstream>
@@ -92,7 +93,9 @@ protected:
 
     // Kills the change at every call that it makes.
     void KillEverywhere(const std::string &before, const std::string &after) {
-        const auto change = [this] { ini_write_string(m_path.c_str(), "S", "x", "new"); };
+        KillEverywhere(before, after, [this] { ini_write_string(m_path.c_str(), "S", "x", "new"); });
+    }
+    void KillEverywhere(const std::string &before, const std::string &after, const std::function<void()> &change) {
         bool begun = false, complete = false;
         for (int others = 0;; ++others) {
             ASSERT_LT(others, 1000);
@@ -138,6 +141,17 @@ TEST_F(SettingsKill, FileThatIsCopiedInPieces_IsNewInFrontMeanwhile) {
 
 TEST_F(SettingsKill, FileThatComesToBe_IsMissingOrAPartMeanwhile) {
     KillEverywhere("none", "[S]\r\nx=new");
+}
+
+TEST_F(SettingsKill, FileHeldInMemory_IsOldThenNewInFrontThenNew) {
+    const auto update = [this] {
+        mini_file *settings = mini_open(nullptr, m_path.c_str(), 0);
+        mini_write_string(settings, "S", "x", "new");
+        mini_close(&settings);
+    };
+    KillEverywhere("; note\r\n\r\n[S]\r\nx=what was here\r\ny=1\r\n", "[S]\r\nx=new\r\ny=1", update);
+    KillEverywhere("[S]\r\nx=\r\ny=1", "[S]\r\nx=new\r\ny=1", update);
+    KillEverywhere("none", "[S]\r\nx=new", update);
 }
 
 // The host refuses room for the longer file; the shorter one had its own.
