@@ -11,7 +11,6 @@ namespace zr::settings {
 namespace {
 
 constexpr char source_tag[] = "Ini";
-constexpr int temporary_size = 256; // of the name, with its terminator
 
 // Whether something that has lines is there, though they can't be read.
 bool HoldsSomething(const char *path) {
@@ -37,7 +36,7 @@ bool IniRewrite::Open(const char *path, Missing missing) {
         return false;
     if (!m_in.Open(path) && (missing == Missing::fails || HoldsSomething(path)))
         return false;
-    if (fio_tmpnam(m_temporary, temporary_size) == nullptr)
+    if (fio_tmpnam(m_temporary, static_cast<int>(sizeof m_temporary)) == nullptr)
         return false;
     if (!m_out.Open(m_temporary))
         return false;

@@ -19,7 +19,6 @@ namespace zr::settings {
 namespace {
 
 constexpr std::size_t entry_limit = 2047; // characters of an entry's line
-constexpr int temporary_size = 256;       // of the name, with its terminator
 
 void PutSection(const MiniSection &section, IniOutput &out) {
     if (section.name_size == 0)
@@ -75,8 +74,8 @@ bool SaveThrough(const char *temporary, const MiniFile &file, const char *path) 
 } // namespace
 
 bool SaveFile(const MiniFile &file) {
-    char temporary[temporary_size];
-    if (fio_tmpnam(temporary, temporary_size) == nullptr)
+    char temporary[platform::path_size];
+    if (fio_tmpnam(temporary, static_cast<int>(sizeof temporary)) == nullptr)
         return false;
     const bool is_saved = SaveThrough(temporary, file, MiniPath(file).Text());
     platform::RemoveFile(temporary);

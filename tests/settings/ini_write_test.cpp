@@ -18,6 +18,8 @@
 #include "platform/raw_file.h"
 #include "platform/streams.h"
 #include "platform/temp_folder.h"
+#include "platform/temporary.h"
+#include "process_measures.h"
 #include "settings/reference_ini.h"
 
 namespace {
@@ -99,6 +101,27 @@ TEST_F(IniWrite, NewEntry_StandsAtTheEndOfItsSection) {
     EXPECT_EQ(Written("[A]\n", " A ", "c", "3"), Stored("[A]\n\n[ A ]\nc=3")); // such a name is never found
 }
 
+TEST_F(IniWrite, GivenNames_AreTakenAsTheyAre) {
+    EXPECT_EQ(Written("[A]\na=1\n", "A", " a ", "2"), Stored("[A]\na=1\n a =2\n"));
+    EXPECT_EQ(Written("[A]\n a =1\n", "A", " a ", "2"), Stored("[A]\na=1\n a =2\n")); // never found
+    const std::string text = "[A]\na=1\n";
+    EXPECT_EQ(ini_delete_entry(File(text), "A", " a"), 2);
+    EXPECT_EQ(ini_delete_entry(m_path.c_str(), " A", "a"), 1);
+    EXPECT_EQ(ini_delete_section(m_path.c_str(), "A "), 1);
+    EXPECT_EQ(ini_rename_entry(m_path.c_str(), " A ", "a ", "b"), 2); // this one trims its section, and no entry
+    EXPECT_EQ(ini_delete_entry(m_path.c_str(), "a", "a"), 1);
+    EXPECT_EQ(ini_delete_entry(m_path.c_str(), "A", "A"), 2);
+    EXPECT_EQ(ini_rename_section(m_path.c_str(), "a", "b"), 1);
+    EXPECT_EQ(Bytes(), Stored("[A]\na=1"));
+    EXPECT_EQ(ini_rename_entry(m_path.c_str(), " A ", "a", " b "), 0);
+    EXPECT_EQ(Bytes(), Stored("[A]\nb=1\n"));
+}
+
+TEST_F(IniWrite, LineFeedsInAValue_AreThoseOfATextStream) {
+    EXPECT_EQ(Written("[A]\na=1\n", "A", "a", "x\ny\r\nz\n"), "[A]\r\na=x\r\ny\r\r\nz\r\n\r\n");
+    EXPECT_EQ(Written("", "A", "a", "\n[B]\nb=2"), "[A]\r\na=\r\n[B]\r\nb=2");
+}
+
 TEST_F(IniWrite, Rewrite_NormalisesInFrontOfTheChangeOnly) {
     const std::string before =
         "\n ; top \n  t = 0  \nno sign\n\n[ A ] text\n\n a = 1 \n[B]\n  ; c \n\n b = 2\n x = 1 \n";
@@ -164,9 +187,13 @@ TEST_F(IniWrite, Numbers_HaveTheirForms) {
     EXPECT_EQ(ini_write_longs(file, "S", "ls", longs, 3), 0);
     EXPECT_EQ(ini_write_longs(file, "S", "none", nullptr, 0), 0);
     EXPECT_EQ(ini_write_longs(file, "S", "none", nullptr, 1), -1);
+    EXPECT_EQ(ini_write_longs(file, "S", "few", longs, -1), 0);
+    EXPECT_EQ(ini_write_doubles(file, "S", "less", nullptr, -2147483647 - 1), 0);
+    EXPECT_EQ(ini_write_doubles(file, "S", "less", nullptr, 1), -1);
     EXPECT_EQ(ini_set_data_version(file, 1, 2, 3, 4), 0);
-    EXPECT_EQ(Bytes(), Stored("[S]\nd=1.500000\nds=1.5,1e+300,-0.25\none=1.5\nl=-7\nls=1,-2147483648,3\nnone=\n\n"
-                              "[_Zr_Data_Version_Info_]\nVersion=1,2,3,4"));
+    EXPECT_EQ(Bytes(),
+              Stored("[S]\nd=1.500000\nds=1.5,1e+300,-0.25\none=1.5\nl=-7\nls=1,-2147483648,3\nnone=\nfew=\nless=\n\n"
+                     "[_Zr_Data_Version_Info_]\nVersion=1,2,3,4"));
     EXPECT_EQ(ini_write_double(file, "S", "d", -1e308), 0);
     double read = 0.0;
     EXPECT_EQ(ini_read_double(file, "S", "d", &read), 0);
@@ -223,6 +250,10 @@ TEST_F(IniWrite, BothDirections_GoByTheFlag) {
     text[0] = 0;
     EXPECT_EQ(ini_rw_string(0, file, "s", "t", text, &size), 0);
     EXPECT_STREQ(text, "abc");
+    EXPECT_EQ(ini_rw_string(0, file, "s", "t", text, nullptr), -1);
+    EXPECT_EQ(ini_rw_string(1, file, "s", "t", nullptr, nullptr), 0);
+    EXPECT_EQ(ini_rw_string(0, file, "s", "t", text, &size), 0);
+    EXPECT_STREQ(text, "");
     for (int write = 0; write < 2; ++write) {
         EXPECT_EQ(ini_rw_long(write, file, "s", "l", nullptr), 3);
         EXPECT_EQ(ini_rw_double(write, file, "s", "l", nullptr), 3);
@@ -287,6 +318,13 @@ TEST_F(IniWrite, Renaming_KeepsWhatBelongsToTheName) {
     EXPECT_EQ(Bytes(), Stored(long_name.substr(1) + "=1\n"));
     EXPECT_EQ(ini_rename_section(File("[A]\n"), "A", long_name.c_str()), 0);
     EXPECT_EQ(Bytes(), Stored("[" + long_name.substr(1) + "]\n"));
+}
+
+TEST_F(IniWrite, RenamingToANameThatIsThere_MakesTwoOfIt) {
+    EXPECT_EQ(ini_rename_section(File("[A]\na=1\n[B]\nb=2\n"), "A", "B"), 0);
+    EXPECT_EQ(Bytes(), Stored("[B]\na=1\n[B]\nb=2\n"));
+    EXPECT_EQ(ini_rename_entry(File("[A]\na=1\nb=2\n"), "A", "b", "a"), 0);
+    EXPECT_EQ(Bytes(), Stored("[A]\na=1\na=2\n"));
 }
 
 TEST_F(IniWrite, BlankNewName_GivesFive) {
@@ -364,6 +402,10 @@ TEST_F(IniWrite, Paths_HaveAtMost259Characters) {
         EXPECT_STREQ(value, length < 260 ? "v" : "-");
         EXPECT_EQ(ini_delete_section(path.c_str(), "S"), length < 260 ? 0 : -1) << length;
     }
+    const std::string over_long(100000, 'x');
+    EXPECT_NE(ini_write_string(over_long.c_str(), "S", "e", "v"), 0);
+    EXPECT_EQ(ini_write_path(over_long.c_str(), "S", "e", "v"), -1);
+    EXPECT_EQ(ini_rename_entry(over_long.c_str(), "S", "e", "f"), -1);
 }
 
 // A value that the reader can't have in one piece is written all the same.
@@ -396,6 +438,77 @@ TEST_F(IniWrite, LargeFiles_ComeOutWhole) {
     EXPECT_EQ(Bytes(), Stored("[A]\n" + front + "x=" + std::string(200000, 'v') + behind));
     EXPECT_EQ(ini_delete_section(m_path.c_str(), "A"), 0);
     EXPECT_EQ(Bytes(), "");
+}
+
+// Whether a blank line goes in front of a header is kept for each rewrite by itself.
+TEST_F(IniWrite, RewriteWithinARewrite_SpoilsNoBlankLines) {
+    static std::string other;
+    static int reads;
+    other = m_folder.Path("other.ini");
+    reads = 0;
+    services.read_raw = [](std::intptr_t file, char *out, std::size_t size) -> std::ptrdiff_t {
+        if (++reads == 2) {
+            EXPECT_EQ(ini_write_string(other.c_str(), "T", "b", "2"), 0);
+        }
+        return zr::platform::backend::ReadRaw(file, out, size);
+    };
+    const std::string comment = "; " + std::string(1000, 'c') + "\n";
+    std::string comments; // more than the first block
+    for (int i = 0; i < 20; ++i)
+        comments += comment;
+    m_folder.Write("other.ini", Stored("[S]\na=1\n"));
+    EXPECT_EQ(Written(comments + "[A]\na=1\n", "A", "a", "2"), Stored(comments + "[A]\na=2\n"));
+    EXPECT_EQ(m_folder.Read("other.ini"), Stored("[S]\na=1\n\n[T]\nb=2"));
+    reads = 0;
+    m_folder.Write("other.ini", "");
+    EXPECT_EQ(Written("x=1\n" + comments + "[A]\na=1\n", "A", "a", "2"), Stored("x=1\n" + comments + "\n[A]\na=2\n"));
+    EXPECT_EQ(m_folder.Read("other.ini"), Stored("[T]\nb=2"));
+}
+
+// The name of the temporary file is not cut, up to the longest that the system gives.
+TEST_F(IniWrite, TemporaryFolderOfALongPath_IsLeftEmpty) {
+    static std::string given;
+    const std::string parent = m_temporary.Folder().string();
+    services.temp_folder = [](char *out, std::size_t size) {
+        std::memcpy(out, given.c_str(), std::min(size, given.size() + 1));
+        return given.size();
+    };
+    for (const std::size_t length : {240U, 244U, 246U}) { // with the separator
+        const std::string folder = parent + "/" + std::string(length - parent.size() - 2, 't');
+        std::filesystem::create_directory(folder);
+        given = folder + "\\";
+        EXPECT_EQ(Written("[A]\na=1\n", "A", "a", "2"), Stored("[A]\na=2\n")) << length;
+        EXPECT_TRUE(std::filesystem::is_empty(folder)) << length;
+        std::filesystem::remove_all(folder);
+    }
+}
+
+// What a call opens it closes, whatever comes of it.
+TEST_F(IniWrite, EveryCall_ClosesItsFiles) {
+    const auto calls = [this] {
+        char text[9];
+        zr_long size = 8, none = -1;
+        const char *const file = File("[A]\nbad\na=1\n");
+        EXPECT_EQ(ini_read_string(file, "A", "a", text, &size), 0);
+        EXPECT_EQ(ini_read_string(file, "A", "b", text, &size), 2);
+        EXPECT_EQ(ini_read_string(file, "B", "b", text, &size), 1);
+        EXPECT_EQ(ini_read_string(file, "A", "a", text, &(size = 0)), 3);
+        EXPECT_EQ(ini_read_string(file, "A", nullptr, text, &(size = 8)), 0);
+        EXPECT_EQ(ini_read_string(file, "A", "a", text, &none), -1);
+        EXPECT_EQ(ini_write_string(file, "B", "b", "2"), 0);
+        EXPECT_EQ(ini_delete_entry(file, "A", "b"), 2);
+        EXPECT_EQ(ini_delete_section(file, "C"), 1);
+        EXPECT_EQ(ini_rename_entry(file, "C", "a", "b"), 1);
+        EXPECT_EQ(ini_rename_section(file, "C", "D"), 1);
+        services.temp_file_name = [](const char *, const char *, unsigned, char *) { return 0U; };
+        EXPECT_EQ(ini_write_string(file, "A", "a", "2"), -1);
+        EXPECT_EQ(ini_rename_section(file, "A", "B"), -1);
+        services.temp_file_name = zr::platform::backend::TempFileName;
+    };
+    calls(); // what the process opens once and keeps is open then
+    const auto before = ProcessMeasures::Now().handles;
+    calls();
+    EXPECT_EQ(ProcessMeasures::Now().handles, before);
 }
 
 // What is in front of the change is put line by line or, where it may stay as it is, many lines at once.

@@ -581,6 +581,22 @@ TEST_F(MiniWrite, TemporaryFile_IsNobodyElsesToRead) {
     EXPECT_EQ(permissions, std::filesystem::status(m_folder.Folder() / "private").permissions());
 }
 
+// The name of the temporary file is not cut, up to the longest that the system gives.
+TEST_F(MiniWrite, TemporaryFolderOfALongPath_IsLeftEmpty) {
+    const std::string parent = s_temporary;
+    for (const std::size_t length : {240U, 246U}) { // with the separator
+        s_temporary = parent + std::string(length - parent.size() - 1, 't') + "\\";
+        const std::filesystem::path folder = HostOf(s_temporary);
+        std::filesystem::create_directory(folder);
+        Open(sample);
+        Set("A", "a", "new");
+        EXPECT_EQ(mini_update_file(m_handle), 1) << length;
+        EXPECT_NE(Bytes(), sample) << length;
+        EXPECT_TRUE(std::filesystem::is_empty(folder)) << length;
+        std::filesystem::remove_all(folder);
+    }
+}
+
 TEST_F(MiniWrite, MissingFolder_IsNoPlaceForAFile) {
     const std::string path = Path("none\\x.ini");
     m_handle = mini_open(nullptr, path.c_str(), 0);
