@@ -23,15 +23,15 @@ constexpr int file_kind = 128;
 class ProjectFolder {
 public:
     explicit ProjectFolder(const char *folder) {
-        StoreText(before_, zr_GetProjDir(), proj_dir_limit);
+        StoreText(m_before, zr_GetProjDir(), proj_dir_limit);
         zr_SetProjDir(folder);
     }
-    ~ProjectFolder() { zr_SetProjDir(before_); }
+    ~ProjectFolder() { zr_SetProjDir(m_before); }
     ProjectFolder(const ProjectFolder &) = delete;
     ProjectFolder &operator=(const ProjectFolder &) = delete;
 
 private:
-    char before_[proj_dir_limit + 1];
+    char m_before[proj_dir_limit + 1];
 };
 
 } // namespace

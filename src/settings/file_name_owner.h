@@ -9,16 +9,16 @@ namespace zr::settings {
 class FileNameOwner {
 public:
     explicit FileNameOwner(const char *name, const char *dir = nullptr)
-        : handle_(zrFileCreateFileHandle(name, nullptr, dir, nullptr)) {}
-    ~FileNameOwner() { zrFileFreeFileHandle(handle_); }
+        : m_handle(zrFileCreateFileHandle(name, nullptr, dir, nullptr)) {}
+    ~FileNameOwner() { zrFileFreeFileHandle(m_handle); }
     FileNameOwner(const FileNameOwner &) = delete;
     FileNameOwner &operator=(const FileNameOwner &) = delete;
 
     // 0 if there was no memory, which has been reported.
-    zr_value Handle() const { return handle_; }
+    zr_value Handle() const { return m_handle; }
 
 private:
-    zr_value handle_;
+    zr_value m_handle;
 };
 
 } // namespace zr::settings
