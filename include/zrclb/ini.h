@@ -78,7 +78,7 @@ ZR_API int ini_initialize_clib(void) ZR_NOEXCEPT;
  * one is needed, one that can't be read, no temporary file, or no room for it. Other failures are the system's error
  * codes as fio_copy gives them, 5 for a file that is read-only; where the file could not be given the room it needs,
  * it is as it was. A line without "=" in the section, in front of the change, is lost and reported: the error
- * "Incorrect entry's format. '=' is not found.", tag "Ini".
+ * "Incorrect entry's format. '=' is not found.", tag "Ini". Reports of others: those of fio_tmpnam.
  */
 
 /* Sets an entry's value, or adds the entry at the end of its section, a missing section at the end of the file, a
@@ -88,7 +88,9 @@ ZR_API int ini_write_string(const char *file, const char *section, const char *e
 /* Stores a path in a portable form. Where the entry has a value of at most 260 characters, that value's form is kept:
  * relative to the folder of the file if it begins with ".", else behind the path variable that it begins with, else the
  * path as it is. A new entry gets the form behind a path variable that leaves the fewest folders, else the relative one,
- * neither of which may go up, else the path as it is. INI_NO_FILE without the file too, which is not made. Default file. */
+ * neither of which may go up, else the path as it is. Where file is a name without a folder nothing is relative to it: a new
+ * entry then takes the form behind a variable also if it goes up. INI_NO_FILE without the file too, which is not made.
+ * Default file. */
 ZR_API int ini_write_path(const char *file, const char *section, const char *entry, const char *value) ZR_NOEXCEPT;
 
 /* The same with the number as text: "%ld", and "%lf", which keeps six decimals and no more. Default file. */

@@ -35,7 +35,8 @@ extern "C" {
  * - A null or empty section or entry gives the path of the settings file, too, and 0 whether there is one or not.
  * - Section "System" with entry "Exe", in any case: as zr_GetBinFile.
  * - Else the entry of the settings file lists folders, divided by ";", taken in order; they may begin with a path variable,
- *   and relative ones lie under the folder of the settings file. If none has the file: -1, out untouched.
+ *   and relative ones lie under the folder of the settings file. One that is nothing, a variable that isn't known, is the
+ *   current folder. If none has the file: -1, out untouched.
  * - Without such an entry the registry value with the name of file is the folder. Without one: -1. A value whose folder lacks
  *   the file counts as found all the same, 0, and out stays untouched. */
 ZR_API int zr_suche_datei(const char *section, const char *entry, const char *file, char *out) ZR_NOEXCEPT;
@@ -78,8 +79,8 @@ ZR_API const char *zr_GetBinExtDir(void) ZR_NOEXCEPT;
 ZR_API const char *zr_GetBinExt32Dir(void) ZR_NOEXCEPT;
 ZR_API const char *zr_GetBinExt64Dir(void) ZR_NOEXCEPT;
 
-/* Puts file under the folder of that name and writes the path to out[0..259]: 1, or 0 if it is too long ("Buffer zu klein",
- * out untouched) or after the error "Null-Pointer". The disk isn't looked at. */
+/* Puts file under the folder of that name, or leaves it bare if that isn't known, and writes the path to out[0..259]: 1, or 0
+ * if it is too long ("Buffer zu klein", out untouched) or after the error "Null-Pointer". The disk isn't looked at. */
 ZR_API int zr_GetBin32File(const char *file, char *out) ZR_NOEXCEPT;
 ZR_API int zr_GetBin64File(const char *file, char *out) ZR_NOEXCEPT;
 ZR_API int zr_GetBinExt32File(const char *file, char *out) ZR_NOEXCEPT;
@@ -129,7 +130,7 @@ ZR_API int zr_BuildFullPath(const char *path, const char *base, char *out) ZR_NO
  * equal numbers the first in the order of rule 5; if the path itself has fewer, that is out, and the result still 1.
  * 1, or 0: for a null or empty path (out is empty) or null out; where no way leads from base to path (another drive),
  * out is then the absolute path; and if the way goes up from a path variable and allow_up is 0, or the form has more
- * than 259 characters, out is then path. */
+ * than 259 characters, out is then path. A way that is ".." and no more isn't taken for one up. */
 ZR_API int zr_BuildRelativePathEx(const char *path, const char *base, char *out, int allow_up) ZR_NOEXCEPT;
 
 /* The same with allow_up 1. */

@@ -9,6 +9,7 @@
 
 #include <zrclb/installation.h>
 
+#include "platform/file_verbs.h"
 #include "settings/installation_fixture.h"
 
 namespace {
@@ -92,9 +93,12 @@ TEST_F(IniPath, WhatIsNotThere_IsToldByItsCode) {
 }
 
 TEST_F(IniPath, Value_HasAtMost260Characters) {
-    WriteEntry(std::string(260, 'x')); // of which 259 are those of a path
-    EXPECT_EQ(Value().substr(0, 2), "0<");
-    Reports();
+    std::string value;
+    while (value.size() < 260)
+        value += "folder 10\\";
+    WriteEntry(value); // of which 259 are those of a path: neither a folder nor a root goes with it
+    EXPECT_EQ(Value(), Hit(value.substr(0, 259)));
+    EXPECT_EQ(Reports(), Texts{"Buffer zu klein"});
     WriteEntry(std::string(261, 'x'));
     EXPECT_EQ(Value(), Hit("untouched", INI_NO_ROOM));
     EXPECT_EQ(Reports(), Texts{});
@@ -108,6 +112,11 @@ TEST_F(IniPath, PathOfJustTheSize_LosesItsLastCharacter) {
     EXPECT_EQ(ReadInto(1), "3 1 ");
     EXPECT_EQ(ReadInto(0), "3 0 ");
     EXPECT_EQ(ReadInto(-1), "-1 -1 ");
+    zr_long size = 7;
+    EXPECT_EQ(ini_read_path(File().c_str(), "S", "e", nullptr, &size), INI_NO_ROOM);
+    EXPECT_EQ(size, 7);
+    WriteEntry(std::string(261, 'x')); // the value itself is too long
+    EXPECT_EQ(ReadInto(270), "3 270 ");
     WriteEntry("");
     EXPECT_EQ(ReadInto(1), std::string("0 0 ") + '\0');
     EXPECT_EQ(ReadInto(0), "0 0 ");
@@ -138,6 +147,10 @@ TEST_F(IniPath, StoredPath_KeepsTheFormOfTheOldOne) {
     EXPECT_EQ(Store(Path("etc\\sub\\x")), Hit(".\\sub\\x"));
     EXPECT_EQ(Store(Path("zr\\x")), Hit("..\\zr\\x"));
     EXPECT_EQ(Store("Q:\\x\\..\\y"), Hit("Q:\\x\\..\\y")); // no way leads there: as it is
+    for (const char *old : {"..\\old", ".", ".hidden"}) {
+        WriteEntry(old);
+        EXPECT_EQ(Store(Path("etc\\x")), Hit(".\\x"));
+    }
     WriteEntry("$PROJDIR$\\old");
     EXPECT_EQ(Store(Path("proj\\x")), Hit("$PROJDIR$\\x"));
     EXPECT_EQ(Store(Path("zr\\x")), Hit("$PROJDIR$\\..\\zr\\x"));
@@ -171,6 +184,31 @@ TEST_F(IniPath, NewPath_GetsItsShortestForm) {
     const std::string over_long = "C:\\" + std::string(300, 'x');
     EXPECT_EQ(store(over_long), Hit(over_long)); // no path, but a text
     EXPECT_EQ(Reports(), Texts{});
+}
+
+// A bare name tells no folder: nothing is relative to it.
+TEST_F(IniPath, FileWithoutAFolder_TakesFormsBehindVariablesOnly) {
+    const CurrentFolder here(m_folder.Folder());
+    zr_SetProjDir(Path("proj").c_str());
+    const auto store = [&](const std::string &old, const std::string &path) {
+        Write("plain.ini", "[S]\n" + old);
+        EXPECT_EQ(ini_write_path("plain.ini", "S", "e", path.c_str()), 0);
+        return Stored("plain.ini");
+    };
+    EXPECT_EQ(store("e=.\\old\n", Path("x")), Path("x"));
+    EXPECT_EQ(store("e=$PROJDIR$\\old\n", Path("x")), "$PROJDIR$\\..\\x");
+    EXPECT_EQ(store("", Path("proj\\x")), "$PROJDIR$\\x");
+    EXPECT_EQ(store("", Path("x")), "$INSTALLDIR$\\..\\x"); // the form of no folder: any variable's, which may go up
+    EXPECT_EQ(store("", "Q:\\x"), "Q:\\x");
+}
+
+TEST_F(IniPath, FileThatCannotBeWritten_IsTold) {
+    WriteEntry("x");
+    ASSERT_EQ(zr::platform::SetAttributes(File().c_str(), zr::platform::attribute_read_only), 0);
+    EXPECT_EQ(ini_write_path(File().c_str(), "S", "e", "y"), 5);
+    EXPECT_EQ(zr_schreibe_pfad_ex(File().c_str(), "S", "e", "y"), -1);
+    EXPECT_EQ(Stored(), "x");
+    ASSERT_EQ(zr::platform::SetAttributes(File().c_str(), zr::platform::attribute_normal), 0);
 }
 
 TEST_F(IniPath, OldValueOfMoreThan260Characters_IsNone) {
@@ -229,7 +267,7 @@ TEST_F(IniPath, SearchedSettingsFile_TakesPathsToo) {
 TEST_F(IniPath, SystemExe_IsNotWrittenIntoTheSettingsFile) {
     const char *told = "Pfad System / Exe wird nicht mehr geschrieben.";
     EXPECT_EQ(zr_schreibe_pfad("System", "Exe", "x"), -1);
-    EXPECT_EQ(Reports(), (Texts{not_found, not_found, not_found}));
+    EXPECT_EQ(m_reports.Take(), zr::test::Reports(3, zr::test::Error("Zr", not_found)));
     Write("zr\\zr.zrini", "[System]\nExe=old\n");
     EXPECT_EQ(zr_schreibe_pfad("System", "Exe", "x"), 0);
     EXPECT_EQ(m_reports.Take(), zr::test::Reports{zr::test::Message("Zr", told)});

@@ -50,6 +50,23 @@ TEST_F(Installation, FolderOfTheRegistryMayBeginWithAPathVariable) {
     EXPECT_EQ(SearchFile(nullptr, nullptr, nullptr), Hit(Path("zr\\etc\\zr.zrini")));
 }
 
+// As installers like to write it.
+TEST_F(Installation, FoldersOfTheRegistryMayEndInASeparator) {
+    Write("zr2\\etc\\zr.zrini", "[P]\nRel=a\n");
+    Write("zr2\\one\\file.txt");
+    s_registry["zr.ini"] = Path("zr2\\etc\\");
+    s_registry["InstallDir"] = Path("zr2\\");
+    s_registry["file.txt"] = "$INSTALLDIR$\\one\\";
+    EXPECT_EQ(SearchFile(nullptr, nullptr, nullptr), Hit(Path("zr2\\etc\\zr.zrini")));
+    EXPECT_EQ(SearchPath("P", "Rel"), Hit(Path("zr2\\etc\\a")));
+    EXPECT_EQ(zr_GetInstallDir(), Path("zr2\\"));
+    EXPECT_EQ(zr_GetBinExt32Dir(), Path("zr2\\binExt"));
+    EXPECT_EQ(SearchFile("S", "e", "file.txt"), Hit(Path("zr2\\one\\file.txt")));
+    EXPECT_EQ(FullPath("$INSTALLDIR$\\x"), Hit(Path("zr2\\x"), 1));
+    EXPECT_EQ(Relative(Path("zr2\\x"), "$INSTALLDIR$"), Hit("$INSTALLDIR$\\x", 1));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
 TEST_F(Installation, SettingsFileInTheInstallRootComesSecond) {
     Write("zr\\zr.zrini");
     Write("zr\\bin\\zr.zrini");
@@ -69,7 +86,7 @@ TEST_F(Installation, SettingsFileIsKeptOnceFoundAndSearchedAgainUntilThen) {
     EXPECT_EQ(m_reports.Take(),
               (zr::test::Reports{zr::test::Error("Zr", not_found), zr::test::Error("Zr", not_found)}));
     EXPECT_EQ(SearchPath("System", "Exe"), Hit("untouched", -1));
-    EXPECT_EQ(Reports(), (Texts{not_found, not_found, not_found}));
+    EXPECT_EQ(m_reports.Take(), zr::test::Reports(3, zr::test::Error("Zr", not_found)));
     Write("zr\\zr.zrini");
     EXPECT_EQ(SearchFile(nullptr, nullptr, nullptr), Hit(Path("zr\\zr.zrini")));
     std::filesystem::remove(m_folder.Folder() / "zr/zr.zrini");
@@ -126,6 +143,17 @@ TEST_F(Installation, FileIsSearchedInTheFoldersOfTheEntryInOrder) {
     EXPECT_EQ(Reports(), Texts{});
 }
 
+// A folder that is nothing, by a variable that nobody knows, is the current one.
+TEST_F(Installation, FolderOfNothingInAListIsTheCurrentOne) {
+    Write("zr\\zr.zrini", "[Search]\nText=$PROJDIR$;two\n");
+    Write("zr\\two\\file.txt");
+    const CurrentFolder here(m_folder.Folder());
+    EXPECT_EQ(SearchFile("Search", "Text", "file.txt"), Hit(Path("zr\\two\\file.txt")));
+    Write("file.txt");
+    EXPECT_EQ(SearchFile("Search", "Text", "file.txt"), Hit("file.txt"));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
 TEST_F(Installation, SearchDoesNotDisturbAWalkThroughAText) {
     Write("zr\\zr.zrini", "[Search]\nText=one;two;three\n");
     char text[] = "a b c";
@@ -151,13 +179,16 @@ TEST_F(Installation, WithoutEntryARegistryValueIsTheFolder) {
 }
 
 TEST_F(Installation, PathsOfEntriesAreExpanded) {
-    Write("zr\\zr.zrini", "[P]\nRel=a\\..\\b\nVar=$INSTALLDIR$\\c\nAbs=" + Path("d") + "\n");
+    Write("zr\\zr.zrini",
+          "[P]\nRel=a\\..\\b\nVar=$INSTALLDIR$\\c\nAbs=" + Path("d") + "\nLong=" + std::string(261, 'x') + "\n");
     Write("other.ini", "[P]\nRel=a\n");
     EXPECT_EQ(SearchPath("P", "Rel"), Hit(Path("zr\\b")));
     EXPECT_EQ(SearchPath("P", "Var"), Hit(Path("zr\\c")));
     EXPECT_EQ(SearchPath("P", "Abs"), Hit(Path("d")));
     EXPECT_EQ(SearchPath("P", "None"), Hit("untouched", -1));
     EXPECT_EQ(SearchPath("None", "Rel"), Hit("untouched", -1));
+    EXPECT_EQ(SearchPath("P", "Long"), Hit("untouched", -1));
+    EXPECT_EQ(SearchPath("P", nullptr), Hit("untouched", -1));
     const auto search = [&](const char *file, const char *entry) {
         return Out([&](char *out) { return zr_suche_pfad_ex(file, "P", entry, out); });
     };
@@ -177,12 +208,27 @@ TEST_F(Installation, InstallRootIsThatOfTheRegistry) {
     EXPECT_EQ(Reports(), Texts{});
 }
 
+TEST_F(Installation, InstallRootInTheHostsFormIsInTheLibrarysOne) {
+    s_registry["InstallDir"] = (m_folder.Folder() / "zr").generic_string();
+    const std::string long_form = zr_GetInstallDir();
+    if (HostOf("C:\\x") != "C:\\x") { // elsewhere a slash stays one
+        EXPECT_EQ(long_form, Path("zr"));
+    }
+    EXPECT_TRUE(std::filesystem::equivalent(HostOf(long_form), m_folder.Folder() / "zr"));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
 TEST_F(Installation, WrongInstallRootIsReportedAndPassedOver) {
     s_registry["InstallDir"] = Path("nowhere");
     EXPECT_EQ(zr_GetInstallDir(), Path("zr"));
     EXPECT_EQ(m_reports.Take(), zr::test::Reports{zr::test::Error("Zr", "InstallDir nicht korrekt gesetzt.")});
     EXPECT_EQ(zr_GetInstallDir(), Path("zr"));
     EXPECT_EQ(Reports(), Texts{});
+    zr::settings::ForgetInstallation();
+    s_module.clear();
+    EXPECT_STREQ(zr_GetInstallDir(), "");
+    EXPECT_EQ(Reports(),
+              (Texts{"InstallDir nicht korrekt gesetzt.", "Fehler beim Ermitteln des Installations-Ordners"}));
 }
 
 TEST_F(Installation, InstallRootTakesItsLongForm) {
@@ -195,7 +241,7 @@ TEST_F(Installation, InstallRootTakesItsLongForm) {
     s_registry["InstallDir"] = Path("zr");
     s_module = Path("zr");
     EXPECT_STREQ(zr_GetInstallDir(), "C:\\long");
-    for (const std::size_t length : {0U, 260U, 300U}) {
+    for (const std::size_t length : {0U, 1U, 259U, 260U, 300U}) {
         static std::size_t answer;
         answer = length;
         zr::settings::ForgetInstallation();
@@ -203,8 +249,33 @@ TEST_F(Installation, InstallRootTakesItsLongForm) {
             std::strcpy(out, "C:\\long");
             return answer;
         };
-        EXPECT_EQ(zr_GetInstallDir(), Path("zr"));
+        EXPECT_EQ(zr_GetInstallDir(), length == 1 || length == 259 ? "C:\\long" : Path("zr"));
     }
+}
+
+TEST_F(Installation, RootAboveTheLibraryTakesItsLongFormAndTheLibrarysFolderDoesNot) {
+    zr::platform::services.long_path = [](const char *path, char *out, std::size_t) {
+        std::strcpy(out, (std::string(path) + " long").c_str());
+        return std::strlen(out);
+    };
+    EXPECT_EQ(zr_GetInstallDir(), Path("zr long"));
+    EXPECT_EQ(zr_GetBinDir(), Path("zr\\bin"));
+    EXPECT_EQ(zr_GetBin64Dir(), Path("zr\\bin64"));
+    EXPECT_EQ(zr_GetBinExt64Dir(), Path("zr long\\binExt64"));
+}
+
+// Programs stand beside the library, extensions below the root, wherever that is.
+TEST_F(Installation, RootOfTheRegistryMovesTheExtensionsAlone) {
+    s_registry["InstallDir"] = Path("");
+    EXPECT_EQ(zr_GetInstallDir(), Path(""));
+    EXPECT_EQ(zr_GetBinDir(), Path("zr\\bin"));
+    EXPECT_EQ(zr_GetBin32Dir(), Path("zr\\bin"));
+    EXPECT_EQ(zr_GetBin64Dir(), Path("zr\\bin64"));
+    EXPECT_EQ(zr_GetBinExt32Dir(), Path("binExt"));
+    EXPECT_EQ(zr_GetBinExt64Dir(), Path("binExt64"));
+    EXPECT_EQ(Out([](char *out) { return zr_GetBinExt64File("a", out); }), Hit(Path("binExt64\\a"), 1));
+    EXPECT_EQ(Out([](char *out) { return zr_GetBin64File("a", out); }), Hit(Path("zr\\bin64\\a"), 1));
+    EXPECT_EQ(Reports(), Texts{});
 }
 
 TEST_F(Installation, FoldersOfProgramsStandBesideAndBelow) {
@@ -236,14 +307,20 @@ TEST_F(Installation, FolderThatCannotBeFoundIsReportedEachTime) {
         EXPECT_STREQ(zr_GetBinDir(), "");
         EXPECT_EQ(m_reports.Take(), zr::test::Reports{zr::test::Error("Zr", bin.c_str())});
     }
-    EXPECT_STREQ(zr_GetBin32Dir(), "");
+    const auto reports_of = [&](const char *(*getter)()) {
+        EXPECT_STREQ(getter(), "");
+        return m_reports.Take();
+    };
+    const auto both = [](const std::string &first, const char *second) {
+        return zr::test::Reports{zr::test::Error("Zr", first.c_str()), zr::test::Error("Zr", second)};
+    };
+    EXPECT_EQ(reports_of(zr_GetBin32Dir), both(bin, "Fehler beim Ermitteln des bin32-Ordners"));
+    EXPECT_EQ(reports_of(zr_GetBin64Dir), both(bin, "Fehler beim Ermitteln des bin64-Ordners"));
+    EXPECT_EQ(reports_of(zr_GetBinExtDir), both(root, "Fehler beim Ermitteln des binExt32-Ordners"));
+    EXPECT_EQ(reports_of(zr_GetBinExt64Dir), both(root, "Fehler beim Ermitteln des binExt64-Ordners"));
+    // Without a folder the file stands for itself.
+    EXPECT_EQ(Out([](char *out) { return zr_GetBin32File("a", out); }), Hit("a", 1));
     EXPECT_EQ(Reports(), (Texts{bin, "Fehler beim Ermitteln des bin32-Ordners"}));
-    EXPECT_STREQ(zr_GetBin64Dir(), "");
-    EXPECT_EQ(Reports(), (Texts{bin, "Fehler beim Ermitteln des bin64-Ordners"}));
-    EXPECT_STREQ(zr_GetBinExtDir(), "");
-    EXPECT_EQ(Reports(), (Texts{root, "Fehler beim Ermitteln des binExt32-Ordners"}));
-    EXPECT_STREQ(zr_GetBinExt64Dir(), "");
-    EXPECT_EQ(Reports(), (Texts{root, "Fehler beim Ermitteln des binExt64-Ordners"}));
     s_module = Path("zr\\bin\\zrclb.dll");
     EXPECT_EQ(zr_GetBin32Dir(), Path("zr\\bin"));
 }
