@@ -11,6 +11,7 @@
 #include "platform/known_folders.h"
 #include "platform/modules.h"
 #include "platform/temp_folder.h"
+#include "process_measures.h"
 #include "registry_values.h"
 
 namespace {
@@ -81,6 +82,23 @@ TEST(Registry, ValueNeedsRoomForItsTerminator) {
     EXPECT_EQ(ValueOf(key, "long", 255), "none");
     EXPECT_EQ(ValueOf(key, "long", 1), "none");
     EXPECT_EQ(ValueOf(key, "long", 0), "none");
+}
+
+TEST(Registry, IsClosedAgainByEveryCall) {
+    const std::string key = FreshKey();
+    RegistryValues values(key);
+    values.Set("a", "text");
+    const auto read = [&] {
+        EXPECT_EQ(ValueOf(key, "a"), "<text>");
+        EXPECT_EQ(ValueOf(key, "a", 4), "none");
+        EXPECT_EQ(ValueOf(key, "b"), "none");
+        EXPECT_EQ(ValueOf(key + "x", "a"), "none");
+    };
+    read(); // what the system keeps from the first time on
+    const auto before = ProcessMeasures::Now().handles;
+    for (int i = 0; i < 5; ++i)
+        read();
+    EXPECT_EQ(ProcessMeasures::Now().handles, before);
 }
 
 TEST(KnownFolders, AreAbsoluteAndWithoutSeparatorAtTheEnd) {

@@ -54,6 +54,7 @@ protected:
         if (stored && !entry) {
             answer.text.assign(buffer.data(), static_cast<std::size_t>(length));
             EXPECT_EQ(buffer[static_cast<std::size_t>(length)], 0);
+            EXPECT_TRUE(answer.result == 0 || buffer.back() == 0); // a name that was cut has its end, too
         } else if (stored) {
             answer.text = buffer.data();
         } else {
@@ -142,6 +143,8 @@ TEST_F(IniRead, Value_LongerThanTheBufferIsCut) {
     size = 9;
     EXPECT_EQ(ini_read_string(file, "s", "a", nullptr, &size), 0);
     EXPECT_EQ(size, 4);
+    EXPECT_EQ(ini_read_string(file, "s", "a", nullptr, &(size = 3)), 3);
+    EXPECT_EQ(size, 3);
 }
 
 TEST_F(IniRead, BadArguments_GiveNoFile) {

@@ -73,6 +73,19 @@ TEST(RegistryFile, LinesAreReadByTheirRules) {
     EXPECT_EQ(ValueIn("[HKEY_CLASSES_ROOTxKey]\na=1\n"), "none");
 }
 
+TEST(RegistryFile, EachHiveHasItsOwnKeys) {
+    const TempFolder folder;
+    folder.Write("r.ini", "[HKEY_CURRENT_USER\\Key]\na=user\n[HKEY_LOCAL_MACHINE\\Key]\na=machine\n"
+                          "[HKEY_CLASSES_ROOT\\Key]\na=root\n");
+    const Environment named("ZR_REGISTRY", folder.Path("r.ini").c_str());
+    char out[256];
+    EXPECT_TRUE(ReadRegistryText(RegistryHive::current_user, "Key", "a", out, sizeof out));
+    EXPECT_STREQ(out, "user");
+    EXPECT_TRUE(ReadRegistryText(RegistryHive::local_machine, "Key", "a", out, sizeof out));
+    EXPECT_STREQ(out, "machine");
+    EXPECT_EQ(ValueOf("Key", "a"), "<root>");
+}
+
 TEST(RegistryFile, CommentsAreNoValues) {
     const TempFolder folder;
     folder.Write("r.ini", "[HKEY_CLASSES_ROOT\\Key]\n;a=1\n #b=2\n");
