@@ -419,7 +419,7 @@ TEST_F(FrameSettings, ProgramOfTheSettingAloneReserves) {
 }
 
 TEST_F(FrameSettings, OverLongProgramIsNone) {
-    for (const std::size_t length : {260, 510, 511, 512, 600, 2000}) {
+    for (const std::size_t length : {260U, 510U, 511U, 512U, 600U, 2000U}) {
         s_program = "C:\\bin\\" + std::string(200, 'p');
         WriteSystem("AllocMByte=1\nAllocProg=" + std::string(length, 'p'));
         EXPECT_EQ(Reserved(), Sizes{}) << length;
