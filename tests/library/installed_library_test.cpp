@@ -1,5 +1,6 @@
 // The library in an installation of its own, loaded from there by a program that knows nothing else of it.
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -7,6 +8,8 @@
 #include <string>
 
 #include <gtest/gtest.h>
+
+#include <zrclb/version.h>
 
 #include "child_process.h"
 #include "platform/temp_folder.h"
@@ -82,6 +85,15 @@ TEST_F(InstalledLibrary, AnswersFromSettingsThatTheRegistryNames) {
     const std::string log = m_folder.Read("etc/zrlog.txt");
     EXPECT_NE(log.find("\r\n>ERROR  in " + host + "["), std::string::npos) << log;
     EXPECT_NE(log.find(" \"Host\" line 7:\r\n  reported by the host!\r\n"), std::string::npos) << log;
+    // Record and texts of the library's own file.
+    char version[80];
+    std::snprintf(version, sizeof version, "%d.%02d%d", ZR_VERSION_MAJOR, ZR_VERSION_MINOR, ZR_VERSION_PATCH);
+    EXPECT_EQ(answers["version"], version);
+    EXPECT_EQ(answers["fits"], "0");
+    EXPECT_NE(log.find("  The version of module (Frame 4,2,x,x) is incompatible"), std::string::npos) << log;
+    EXPECT_NE(log.find("  Die Daten Plan entsprechen Version 5,1."), std::string::npos) << log;
+    EXPECT_NE(log.find("Das Modul Frame kann nur mit Daten bis einschl. Version 4,2 arbeiten."), std::string::npos)
+        << log;
 }
 
 TEST_F(InstalledLibrary, AnswersFromTheFolderAboveItsOwnWithoutTheRegistry) {

@@ -13,6 +13,7 @@
 #include <zrclb/installation.h>
 #include <zrclb/report.h>
 #include <zrclb/str.h>
+#include <zrclb/system.h>
 
 #include "loaded_library.h"
 #include "process_measures.h"
@@ -42,6 +43,10 @@ void Answer(const std::string &path, std::ostream &out) {
     char letters[] = "\x81\xE1";
     out << "letters=" << (*ZR_FUNCTION(library, dos_to_win)(letters, 0) == '\xFC' ? "desktop" : "old") << "\n";
     out << "beeps=" << ZR_FUNCTION(library, ini_initialize_clib)() << "\n";
+    char version[80] = "";
+    ZR_FUNCTION(library, zr_get_tek_version)(version, sizeof version);
+    out << "version=" << version << "\n";
+    out << "fits=" << ZR_FUNCTION(library, zr_base_check_version)("Plan", 5, 1, "Frame", 4, 2) << "\n";
     ZR_FUNCTION(library, zr_error)("reported by the host", nullptr, nullptr, "Host", 7);
 }
 

@@ -1,10 +1,11 @@
 // Versions, the kind of system, users and environment variables.
 #include <zrclb/system.h>
 
-#include <array>
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -131,6 +132,18 @@ TEST_F(System, DataOfALaterMajorVersion_ReportedInBothLanguages) {
                                     "Bitte aktualisieren Sie das Modul."}));
 }
 
+TEST_F(System, DataOfALaterVersion_ReportedAsErrors) {
+    EXPECT_EQ(zr_base_check_version("D", 4, 1, "M", 4, 0), 0);
+    EXPECT_EQ(zr_base_check_version("D", 5, 1, "M", 4, 2), 0);
+    const zr::test::Reports reports = m_reports.Take();
+    ASSERT_EQ(reports.size(), 4U);
+    for (const zr::test::Report &report : reports) {
+        EXPECT_EQ(report.kind, zr::test::Report::Error);
+        EXPECT_EQ(report.tag, "Zr");
+        EXPECT_EQ(report.texts.size(), 1U) << report;
+    }
+}
+
 TEST_F(System, NullNames_EmptyPlacesInTheReports) {
     EXPECT_EQ(zr_base_check_version(nullptr, 2147483647, -2147483647 - 1, nullptr, -1, 7), 0);
     EXPECT_EQ(TakeReports(), (Texts{"Zr|The version of module ( -1,7,x,x) is incompatible with data unit version ( "
@@ -165,14 +178,23 @@ TEST_F(System, NamesWithPercentSigns_StandAsTheyAre) {
 }
 
 TEST_F(System, TextThatCannotBeLoaded_GivesAnEmptyReport) {
+    static LibraryText asked;
     services.library_text = [](LibraryText text, char *out, std::size_t size) -> std::size_t {
-        EXPECT_EQ(text, LibraryText::data_of_later_minor);
+        asked = text;
         EXPECT_EQ(size, 1024U);
         out[0] = 0;
         return 0;
     };
     EXPECT_EQ(zr_base_check_version("D", 4, 1, "M", 4, 0), 0);
-    EXPECT_EQ(TakeReports().at(1), "Zr|");
+    EXPECT_EQ(asked, LibraryText::data_of_later_minor);
+    Texts reports = TakeReports();
+    ASSERT_EQ(reports.size(), 2U);
+    EXPECT_EQ(reports[1], "Zr|");
+    EXPECT_EQ(zr_base_check_version("D", 5, 0, "M", 4, 0), 0);
+    EXPECT_EQ(asked, LibraryText::data_of_later_major);
+    reports = TakeReports();
+    ASSERT_EQ(reports.size(), 2U);
+    EXPECT_EQ(reports[1], "Zr|");
 }
 
 // ---- The version text
@@ -282,6 +304,14 @@ TEST_F(System, Kinds_RowByRow) {
             << row.platform << " " << row.major << "." << row.minor;
 }
 
+TEST_F(System, Kinds_HaveNames) {
+    const int names[] = {ZR_SYSTEM_UNKNOWN, ZR_SYSTEM_32S,   ZR_SYSTEM_NT_3,  ZR_SYSTEM_9X,
+                         ZR_SYSTEM_NT_4,    ZR_SYSTEM_NT_50, ZR_SYSTEM_NT_51, ZR_SYSTEM_NT_60,
+                         ZR_SYSTEM_NT_61,   ZR_SYSTEM_NT_62, ZR_SYSTEM_LATER};
+    const int numbers[] = {0, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
+    EXPECT_TRUE(std::equal(std::begin(names), std::end(names), std::begin(numbers), std::end(numbers)));
+}
+
 TEST_F(System, Win32_IsWorkedOutOnce) {
     services.system_version = [](SystemVersion &out) {
         ++s_calls;
@@ -383,6 +413,33 @@ TEST_F(System, SetUserName_NullDoesNothing) {
     EXPECT_STREQ(zr_GetUserName(), "Anna");
 }
 
+TEST_F(System, SetUserName_WithoutSettingsFileChangesNothing) {
+    ReplaceUsers("system", "HOST\\system");
+    zr_SetUserName("Berta");
+    EXPECT_STREQ(zr_GetUserName(), "system");
+    zr_SetUserName("Berta");
+    EXPECT_STREQ(zr_GetUserName(), "system");
+}
+
+TEST_F(System, SetUserName_TheNameMayBeTheAnswer) {
+    WriteSettings("[System]\nUser=Anna Berg\n");
+    zr_SetUserName(zr_GetUserName());
+    EXPECT_STREQ(zr_GetUserName(), "Anna Berg");
+    zr_SetUserName(zr_GetUserName() + 5);
+    EXPECT_STREQ(zr_GetUserName(), "Berg");
+    system_answers = {};
+    EXPECT_STREQ(zr_GetUserName(), "Berg");
+}
+
+TEST_F(System, SetUserName_LeavesTheLoginAlone) {
+    ReplaceUsers("anna", "HOST\\anna");
+    WriteSettings("[System]\n");
+    EXPECT_STREQ(zr_GetUserLogin(), "HOST\\anna");
+    zr_SetUserName("Berta");
+    EXPECT_STREQ(zr_GetUserLogin(), "HOST\\anna");
+    EXPECT_STREQ(zr_GetUserName(), "Berta");
+}
+
 TEST_F(System, SetUserName_EmptyNameIsLookedForAgain) {
     ReplaceUsers("system", "");
     WriteSettings("[System]\nUser=Anna\n");
@@ -399,6 +456,8 @@ TEST_F(System, SetUserName_KeepsAtMost511Characters) {
     }
     zr_SetUserName((std::string(510, 'u') + " v").c_str());
     EXPECT_EQ(zr_GetUserName(), std::string(510, 'u'));
+    zr_SetUserName((std::string(10, ' ') + std::string(600, 'u')).c_str()); // cut first, then trimmed
+    EXPECT_EQ(zr_GetUserName(), std::string(501, 'u'));
 }
 
 TEST_F(System, SetUserName_ThatCannotBeWrittenChangesNothing) {
