@@ -289,6 +289,19 @@ TEST_F(IniRead, LongLines_ComeApartAt2046Characters) {
     EXPECT_EQ(Value(std::string(2046, ' ') + "[t]\nb=2\n", "t", "b"), "2");
 }
 
+// In front of the section, where nothing but headers is looked for.
+TEST_F(IniRead, LongLinesInFrontOfTheSection_ArePassedOver) {
+    for (const std::size_t length : {2046U, 8190U, 16384U, 18431U, 18432U, 100000U, 2046U * 50, 2046U * 50 + 1}) {
+        const std::string line(length, 'v');
+        for (const char *rest : {"\n[t]\nb=2\n", "[t]\nb=2\n", "  [t]\r\nb=2", "\r\n[t]\r\nb=2"}) {
+            File("[s]\n" + line + rest);
+            EXPECT_EQ(Read("t", "b", 9), ReferenceIni().Read(m_path, "t", "b", 9)) << length << rest;
+        }
+    }
+    EXPECT_EQ(Value("[s]\na=" + std::string(100000, 'v') + "\n[t]\nb=2\n", "t", "b"), "2");
+    EXPECT_EQ(Value(std::string(2046 * 50, 'v') + "[t]\nb=2\n", "t", "b"), "2");
+}
+
 TEST_F(IniRead, BytesOfStreams_CountAsTheStreamHasThem) {
     EXPECT_EQ(Value("[s]\r\na=1\r\n", "s", "a"), "1");
     EXPECT_EQ(Value("[s]\na=1\rb=2\n", "s", "a"), "1\rb=2");

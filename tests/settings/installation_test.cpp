@@ -67,6 +67,17 @@ TEST_F(Installation, FoldersOfTheRegistryMayEndInASeparator) {
     EXPECT_EQ(Reports(), Texts{});
 }
 
+TEST_F(Installation, RelativeFoldersOfTheRegistryStartInTheCurrentOne) {
+    const CurrentFolder here(m_folder.Folder());
+    Write("reg\\zr.zrini");
+    Write("one\\file.txt");
+    s_registry["zr.ini"] = "reg";
+    s_registry["file.txt"] = "one";
+    EXPECT_EQ(SearchFile(nullptr, nullptr, nullptr), Hit(Path("reg\\zr.zrini")));
+    EXPECT_EQ(SearchFile("S", "e", "file.txt"), Hit(Path("one\\file.txt")));
+    EXPECT_EQ(Reports(), Texts{});
+}
+
 TEST_F(Installation, SettingsFileInTheInstallRootComesSecond) {
     Write("zr\\zr.zrini");
     Write("zr\\bin\\zr.zrini");
@@ -321,6 +332,8 @@ TEST_F(Installation, FolderThatCannotBeFoundIsReportedEachTime) {
     // Without a folder the file stands for itself.
     EXPECT_EQ(Out([](char *out) { return zr_GetBin32File("a", out); }), Hit("a", 1));
     EXPECT_EQ(Reports(), (Texts{bin, "Fehler beim Ermitteln des bin32-Ordners"}));
+    EXPECT_EQ(Out([](char *out) { return zr_GetBinFile("", out); }), Hit("", 0));
+    Reports();
     s_module = Path("zr\\bin\\zrclb.dll");
     EXPECT_EQ(zr_GetBin32Dir(), Path("zr\\bin"));
 }

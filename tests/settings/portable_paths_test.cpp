@@ -159,7 +159,9 @@ TEST_F(PortablePaths, FullPath_TakesItsBaseWithoutADrive) {
     EXPECT_EQ(FullPath("$INSTALLDIR$\\..\\x", "Q:\\a"), Hit(Path("x"), 1));
     EXPECT_EQ(FullPath("", "C:\\a"), Hit("", 1));
     EXPECT_EQ(FullPath(""), Hit("", 1));
-    EXPECT_EQ(FullPath("   "), Hit("   ", 1));   // has no full path
+    EXPECT_EQ(FullPath("   "), Hit("   ", 1)); // has no full path
+    EXPECT_EQ(FullPath("Q:", "C:\\a"), Hit("Q:\\", 1));
+    EXPECT_EQ(FullPath("Q:x", "C:\\a"), Hit("Q:\\x", 1));
     EXPECT_EQ(FullPath("Q:x"), Hit("Q:\\x", 1)); // a drive that isn't there has no current folder but its root
     EXPECT_EQ(Reports(), Texts{});
 }

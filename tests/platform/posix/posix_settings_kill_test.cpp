@@ -191,6 +191,16 @@ TEST_F(SettingsKill, TemporaryFile_IsReadByItsOwnerAlone) {
     EXPECT_EQ(status.st_mode & 0777, 0640U);
 }
 
+// One that comes to be is nobody's secret yet: it has the permissions of any new file.
+TEST_F(SettingsKill, NewFile_HasTheUsualPermissions) {
+    m_folder.Write("ordinary", "");
+    ASSERT_EQ(ini_write_string(m_path.c_str(), "S", "x", "new"), 0);
+    struct stat ordinary, made;
+    ASSERT_EQ(stat(m_folder.Path("ordinary").c_str(), &ordinary), 0);
+    ASSERT_EQ(stat(m_path.c_str(), &made), 0);
+    EXPECT_EQ(made.st_mode & 0777, ordinary.st_mode & 0777);
+}
+
 // A link stays one, and so does the second name of a file.
 TEST_F(SettingsKill, LinksToTheFile_Stay) {
     m_folder.Write("test.ini", "[S]\r\nx=old");
