@@ -474,7 +474,8 @@ def samples():
       |1 AND 0|1 OR 0|0 OR 0|1 AND 1|2 AND -3|1 OR 0 AND 0|0 AND 0 OR 1|1 and 1|1 Or 0|1 AND NOT 0|NOT 0|NOT 2|NOT 1+1|not not 5
       |NOT 0.0|NOT -0|NOT (1>2)|NOT 0 ? 4 : 5|1 AND 2 < 3|1<2 AND 2<3|MIN(3,1,2)|MAX(3)|MIN(3)|MAX(1,3,2)|MAX(-1,-3)|MIN(1,1)
       |min(3,7)+max(2,5)|MIN(MAX(1,2),MIN(3.5,4))|MAX(1 ? 2 : 3, 1)|MIN((1),(2))|ABS(-7.5)|ABS(7.5)|ABS(-0)|abs(1-3)|SQRT(4)|SQRT(0)
-      |SQRT(2)|SQRT(-0)|sqrt(3*3+4*4)*2-abs(-7.5)|Sqrt(0.01)|PI|pi*2|-Pi|PI/2|2*PI*0.5|SIN (30)|AND(5)|OR(5)+1|1+AND(9)|-\\5|NOT\\(30)
+      |SQRT(2)|SQRT(-0)|sqrt(3*3+4*4)*2-abs(-7.5)|Sqrt(0.01)|PI|pi*2|-Pi|PI/2|2*PI*0.5|SIN (30)|AND(5)|OR(5)+1|1+AND(9)|(AND(5))|ABS(OR(5))|MIN(3,AND(5))
+      |MAX(-3,OR(5))|MIN(AND(5),2)|1 ? AND(5) : 3|0 ? 3 : AND(5)|2*AND(5)|2^OR(5)|1 OR AND(5)|NOT AND(5)|-\\5|NOT\\(30)
       |SIN(0)|SIN(30)|SIN(90)|SIN(-30)|SIN(360)|SIN(1e6)|COS(0)|COS(60)|COS(180)|COS(33.3)|TAN(45)|TAN(10)|TAN(-80)|COT(45)|COT(10)|COT(-45)
       |ASN(1)|ASN(0.5)|ASN(-1)|ASN(0.1)|ACS(1)|ACS(0.5)|ACS(-1)|ACS(0.1)|ACS(0)|ATN(1)|ATN(0)|ATN(1000)|ATN(-0.3)|ACT(1)|ACT(2)|ACT(-0.5)
       |ACT(0)|EXP(0)|EXP(1)|EXP(-1)|EXP(10.5)|EXP(700)|EXP(-700)|EXP(1000)|LGT(1)|LGT(2)|LGT(EXP(1))|LGT(10)|LGT(0.001)|LGT(0)|LGT(-1)
