@@ -401,6 +401,13 @@ TEST(Calculator, NothingIsReadBehindTheEnd) {
     std::memcpy(ended_by_ff.get(), "1+2\xFF", 4); // no terminator
     CZrCalculator calculator;
     EXPECT_EQ(Compute(calculator, ended_by_ff.get()), (Outcome{0, 0, 3, 3}));
+    for (const char *open_end : {"\"ab\xFF", "'ab\xFF", "2e1\xFF", "abc\xFF"}) {
+        std::memcpy(ended_by_ff.get(), open_end, 4);
+        const bool good = *open_end == '2';
+        EXPECT_EQ(Compute(calculator, ended_by_ff.get()),
+                  good ? (Outcome{0, 0, 3, 20}) : (Outcome{1, 0, 0, callers_value}))
+            << open_end;
+    }
 }
 
 TEST(Calculator, EveryByteAlone_AsTheReference) {
