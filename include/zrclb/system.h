@@ -3,7 +3,8 @@
  * 1. Texts are zero-terminated bytes in code page 1252. A null text that is not spoken of counts as empty.
  * 2. Answers that are kept are found out at the first call and hold for the process; an empty answer is not kept, so
  *    the next call looks again. A text that is returned is the library's, and valid until the answer changes.
- * 3. Reports carry the tag "Zr".
+ * 3. Reports carry the tag "Zr". Functions that look for the settings file report what zr_suche_datei reports where there
+ *    is none.
  * 4. Threads: one at a time, for what is kept and for the environment. zr_base_check_version and zr_WinExec: any.
  */
 #ifndef ZRCLB_SYSTEM_H
@@ -69,7 +70,7 @@ ZR_API int zr_WinExec(const char *command_line, unsigned short show) ZR_NOEXCEPT
 ZR_API const char *zr_GetUserName(void) ZR_NOEXCEPT;
 
 /* Writes that entry and, if this succeeds, makes the first 511 characters of name, without the blanks at both ends, the
- * answer of zr_GetUserName. Where it can't be written, nothing changes and nothing is reported. Null: nothing. */
+ * answer of zr_GetUserName. Where it can't be written, nothing changes, without a report of its own. Null: nothing. */
 ZR_API void zr_SetUserName(const char *name) ZR_NOEXCEPT;
 
 /* The name under which the user has logged in, "DOMAIN\user", at most 511 characters of it; on Linux with the host's

@@ -69,6 +69,11 @@ TEST_F(MiniWrite, NewFile_ComesToBeAtTheUpdate) {
     Reopen();
     EXPECT_EQ(Set("S", "e", "v"), 0);
     EXPECT_FALSE(FileExists());
+    EXPECT_EQ(mini_delete_section(m_handle, "none"), -1);
+    EXPECT_EQ(mini_rename_section(m_handle, "S", "T"), 0);
+    EXPECT_EQ(mini_rename_section(m_handle, "T", "S"), 0);
+    EXPECT_FALSE(FileExists());
+    EXPECT_EQ(m_reports.Take(), zr::test::Reports()); // a file that is still to come is no error
     EXPECT_EQ(mini_update_file(m_handle), 1);
     EXPECT_EQ(Bytes(), Stored("[S]\ne=v"));
     EXPECT_EQ(Set({}, "top", "0"), 0);
@@ -487,7 +492,9 @@ TEST_F(MiniWrite, RenamedSection_HasItsNameInTheFileAtOnce) {
         EXPECT_THAT(Bytes(), testing::EndsWith(Stored("[B]\nb=2")));
     }
     std::filesystem::remove(m_folder.Folder() / "test.ini");
+    m_reports.Take();
     EXPECT_EQ(mini_rename_section(m_handle, "B", "C"), 0); // the file can't follow
+    EXPECT_EQ(m_reports.Take(), zr::test::Reports());
     EXPECT_FALSE(FileExists());
     EXPECT_EQ(Sections(), ",T,N,C");
 }

@@ -86,6 +86,14 @@ protected:
             return Give(s_login, out, size) != 0;
         };
     }
+    // What the search for the settings file reports where there is none.
+    Texts TextsOfNoSettingsFile() {
+        char path[260];
+        EXPECT_NE(zr_suche_datei(nullptr, nullptr, nullptr, path), 0);
+        Texts reports = Reports();
+        EXPECT_FALSE(reports.empty());
+        return reports;
+    }
     void WriteSettings(const std::string &text) const { Write("zr\\zr.zrini", text); }
 
     static inline Texts s_debugger;
@@ -415,8 +423,11 @@ TEST_F(System, SetUserName_NullDoesNothing) {
 
 TEST_F(System, SetUserName_WithoutSettingsFileChangesNothing) {
     ReplaceUsers("system", "HOST\\system");
+    const Texts expected = TextsOfNoSettingsFile();
     zr_SetUserName("Berta");
+    EXPECT_EQ(Reports(), expected);
     EXPECT_STREQ(zr_GetUserName(), "system");
+    EXPECT_EQ(Reports(), expected);
     zr_SetUserName("Berta");
     EXPECT_STREQ(zr_GetUserName(), "system");
 }
