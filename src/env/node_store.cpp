@@ -1,8 +1,10 @@
 // Chunks of nodes, single nodes, and the end of trees.
 #include "env/node_store.h"
 
+#include <array>
 #include <atomic>
 #include <cstring>
+#include <mutex>
 #include <new>
 
 #include "env/name_index.h"
@@ -23,9 +25,38 @@ constexpr std::size_t kLongestInline = 2048;
 // What an open chunk counts beside its nodes, so that it outlives the nodes that end before it is closed.
 constexpr std::uint32_t kOpen = 1u << 30;
 
+// The end of a chunk is never handed out: a text may be copied to it in whole strides, past its own end.
+constexpr std::size_t kStride = 16;
+constexpr std::size_t kSlack = 2 * kStride;
+
 struct Chunk {
     std::atomic<std::uint32_t> live;
 };
+
+// Empty chunks for the next reading: fresh memory costs as much as what is then done with it.
+constinit std::mutex SpareGuard;
+constinit std::array<void *, 128> SpareChunks{};
+constinit std::size_t SpareCount = 0;
+
+void *NewChunkMemory() {
+    {
+        const std::lock_guard guard(SpareGuard);
+        if (SpareCount != 0)
+            return SpareChunks[--SpareCount];
+    }
+    return ::operator new (kChunkSize, std::align_val_t{kChunkSpan});
+}
+
+void DeleteChunkMemory(void *pMemory) {
+    {
+        const std::lock_guard guard(SpareGuard);
+        if (SpareCount != SpareChunks.size()) {
+            SpareChunks[SpareCount++] = pMemory;
+            return;
+        }
+    }
+    ::operator delete (pMemory, std::align_val_t{kChunkSpan});
+}
 
 constexpr std::size_t Rounded(std::size_t size) {
     return (size + kGrain - 1) / kGrain * kGrain;
@@ -38,7 +69,7 @@ Chunk *ChunkOf(void *pNode) {
 void Release(Chunk *pChunk, std::uint32_t uCount) {
     if (pChunk->live.fetch_sub(uCount, std::memory_order_acq_rel) == uCount) {
         pChunk->~Chunk();
-        ::operator delete (pChunk, std::align_val_t{kChunkSpan});
+        DeleteChunkMemory(pChunk);
     }
 }
 
@@ -70,11 +101,11 @@ void CZrEnvNodeStore::Batch::CloseChunk() {
 char *CZrEnvNodeStore::Batch::Take(std::size_t size) {
     size = Rounded(size);
     if (static_cast<std::size_t>(m_pEnd - m_pNext) < size) {
-        void *pMemory = ::operator new (kChunkSize, std::align_val_t{kChunkSpan});
+        void *pMemory = NewChunkMemory();
         CloseChunk();
         m_pChunk = new (pMemory) Chunk{{kOpen}};
         m_pNext = static_cast<char *>(pMemory) + Rounded(sizeof(Chunk));
-        m_pEnd = static_cast<char *>(pMemory) + kChunkSize;
+        m_pEnd = static_cast<char *>(pMemory) + kChunkSize - kSlack;
     }
     char *pTaken = m_pNext;
     m_pNext += size;
@@ -100,6 +131,26 @@ CZrEnvDataElement *CZrEnvNodeStore::Batch::MakeData(std::string_view name, std::
     ++m_uNodes;
     return new (pPlace) CZrEnvDataElement(
         szName, szValue, InChunk | LibraryType | KindData | (ownName ? OwnsName : 0u) | (ownValue ? OwnsData : 0u));
+}
+
+// Name, value and what stands between them are one text here, copied in whole strides, at least two: most need no more.
+CZrEnvDataElement *CZrEnvNodeStore::Batch::MakeDataOfLine(std::string_view name, std::string_view value,
+                                                          const char *pReadable) {
+    const char *pLine = name.data();
+    const auto valueAt = static_cast<std::size_t>(value.data() - pLine);
+    const std::size_t size = valueAt + value.size();
+    if (valueAt > name.size() + 2 || size > kLongestInline ||
+        static_cast<std::size_t>(pReadable - pLine) < size + kSlack)
+        return MakeData(name, value);
+    char *pPlace = Take(sizeof(CZrEnvDataElement) + size + 1);
+    char *pText = pPlace + sizeof(CZrEnvDataElement);
+    std::memcpy(pText, pLine, 2 * kStride);
+    for (std::size_t at = 2 * kStride; at < size; at += kStride)
+        std::memcpy(pText + at, pLine + at, kStride);
+    pText[name.size()] = '\0';
+    pText[size] = '\0';
+    ++m_uNodes;
+    return new (pPlace) CZrEnvDataElement(pText, pText + valueAt, InChunk | LibraryType | KindData);
 }
 
 CZrEnvBlock *CZrEnvNodeStore::Batch::MakeBlock(std::string_view name) {
@@ -133,17 +184,6 @@ CZrEnvBlock *CZrEnvNodeStore::NewBlock(std::string_view name) {
         return nullptr;
     char *szName = PutText(static_cast<char *>(pPlace) + sizeof(CZrEnvBlock), name);
     return ::new (pPlace) CZrEnvBlock(szName, LibraryType | KindBlock);
-}
-
-void CZrEnvNodeStore::Append(CZrEnvBlock &block, CZrEnvElement *pElem) {
-    pElem->m_pParent = &block;
-    pElem->m_pSucc = nullptr;
-    if (block.m_pLast)
-        block.m_pLast->m_pSucc = pElem;
-    else
-        block.m_pFirst = pElem;
-    block.m_pLast = pElem;
-    ++block.m_uCount;
 }
 
 void CZrEnvNodeStore::ReleaseSlot(void *pNode, std::uint32_t uCount) {
@@ -181,14 +221,20 @@ void CZrEnvNodeStore::DestroyChildren(CZrEnvBlock &block) {
             pChunk = ChunkOf(pElem);
             uEnded = 0;
         }
+        ++uEnded;
         if (pBlock)
             pBlock->~CZrEnvBlock();
-        else
+        else if (pElem->m_uFlags & (OwnsName | OwnsData)) // of the others the chunk holds all there is
             static_cast<CZrEnvDataElement *>(pElem)->CZrEnvDataElement::~CZrEnvDataElement();
-        ++uEnded;
     }
     if (pChunk)
         Release(pChunk, uEnded);
+}
+
+void CZrEnvNodeStore::DropSpareChunks() {
+    const std::lock_guard guard(SpareGuard);
+    while (SpareCount != 0)
+        ::operator delete (SpareChunks[--SpareCount], std::align_val_t{kChunkSpan});
 }
 
 } // namespace Zr

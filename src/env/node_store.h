@@ -50,6 +50,8 @@ public:
 
         // Names and values are stored as given, up to their first zero byte not included: callers pass none.
         CZrEnvDataElement *MakeData(std::string_view name, std::string_view value);
+        // The same for a value that stands behind the name in one text, of which the bytes up to pReadable may be read.
+        CZrEnvDataElement *MakeDataOfLine(std::string_view name, std::string_view value, const char *pReadable);
         CZrEnvBlock *MakeBlock(std::string_view name);
         CZrEnvSection *MakeSection(std::string_view name);
 
@@ -67,13 +69,25 @@ public:
     };
 
     // Appends a fresh, detached node to a block's sequence: constant time, no test.
-    static void Append(CZrEnvBlock &block, CZrEnvElement *pElem);
+    static void Append(CZrEnvBlock &block, CZrEnvElement *pElem) {
+        pElem->m_pParent = &block;
+        pElem->m_pSucc = nullptr;
+        if (block.m_pLast)
+            block.m_pLast->m_pSucc = pElem;
+        else
+            block.m_pFirst = pElem;
+        block.m_pLast = pElem;
+        ++block.m_uCount;
+    }
 
     // Ends all children with all that is below them, without recursion, and leaves the block empty.
     static void DestroyChildren(CZrEnvBlock &block);
 
     // Gives the memory of an ended node back to its chunk.
     static void ReleaseSlot(void *pNode, std::uint32_t uCount = 1);
+
+    // Gives back the chunks that are kept for the next reading.
+    static void DropSpareChunks();
 
     static bool IsBlock(const CZrEnvElement *pElem) { return (pElem->m_uFlags & KindBlock) != 0; }
 };

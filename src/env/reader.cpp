@@ -10,7 +10,6 @@
 #include "env/reader.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -19,6 +18,7 @@
 
 #include <zrclb/report.h>
 
+#include "env/reader_text.h"
 #include "platform/files.h"
 #include "platform/streams.h"
 
@@ -28,43 +28,6 @@ namespace {
 
 constexpr char Tag[] = "ZrEnv";
 constexpr char ModeMark[] = "__ZR_ENV_READ_MODE__";
-
-// What a run of ordinary characters stops at.
-enum Stop : unsigned char {
-    StopAlways = 1, // LF, CR, zero, 0xFF and backslash: one of the levels may have something to do
-    StopEqual = 2,
-    StopBracket = 4
-};
-
-constexpr std::array<unsigned char, 256> MakeStops() {
-    std::array<unsigned char, 256> stops{};
-    stops['\n'] = stops['\r'] = stops[0] = stops[0xFF] = stops['\\'] = StopAlways;
-    stops['='] = StopEqual;
-    stops[']'] = StopBracket;
-    return stops;
-}
-
-constexpr std::array<unsigned char, 256> Stops = MakeStops();
-
-bool StopsAt(char cChar, unsigned char uStops) {
-    return (Stops[static_cast<unsigned char>(cChar)] & uStops) != 0;
-}
-
-bool IsBlank(int iChar) {
-    return iChar == ' ' || iChar == '\t';
-}
-
-std::string_view WithoutTrailingBlanks(const char *pFirst, const char *pLast) {
-    while (pLast != pFirst && IsBlank(pLast[-1]))
-        --pLast;
-    return {pFirst, static_cast<std::size_t>(pLast - pFirst)};
-}
-
-// Whether the backslash at pAt stands in a line-end mark that lies whole in [pFirst, pLast).
-bool InMark(const char *pAt, const char *pFirst, const char *pLast) {
-    return pAt - pFirst >= 2 && pLast - pAt >= 4 && pAt[-2] == '<' && pAt[-1] == '<' &&
-           (pAt[1] == 'n' || pAt[1] == 'r') && pAt[2] == '>' && pAt[3] == '>';
-}
 
 struct CloseStream {
     void operator()(std::FILE *pStream) const { std::fclose(pStream); }
@@ -88,9 +51,11 @@ public:
     ~PlaceKeeper() {
         if (!m_pEnv)
             return;
-        const CZrEnvReaderSource::Place place = m_Source.LastPlace();
-        m_pEnv->m_lErrorLine = m_eResult == ENV_OK ? 0 : Saturated(place.uLine);
-        m_pEnv->m_lErrorColumn = m_eResult == ENV_OK ? 0 : Saturated(place.uColumn);
+        // Telling the place counts the lines of the whole text, so only a failure asks for it.
+        const CZrEnvReaderSource::Place place =
+            m_eResult == ENV_OK ? CZrEnvReaderSource::Place{0, 0} : m_Source.LastPlace();
+        m_pEnv->m_lErrorLine = Saturated(place.uLine);
+        m_pEnv->m_lErrorColumn = Saturated(place.uColumn);
     }
     EZrEnvError Keep(EZrEnvError eResult) { return m_eResult = eResult; }
 
@@ -428,9 +393,7 @@ int CZrEnvReader::AccumulateString(int iFirst, char cTerminator) {
 void CZrEnvReader::AppendRun(unsigned char uStops) {
     const char *pFirst = m_Source.Next();
     const char *pLimit = m_Source.Limit();
-    const char *pLast = pFirst;
-    while (pLast != pLimit && !StopsAt(*pLast, uStops))
-        ++pLast;
+    const char *pLast = FindStop(pFirst, pLimit, uStops);
     Append(pFirst, static_cast<std::size_t>(pLast - pFirst));
     m_Source.SetNext(pLast);
 }
@@ -494,136 +457,6 @@ std::string_view CZrEnvReader::ReplaceMarks() {
     std::memmove(pOut, pIn, uRest);
     m_uUsed = static_cast<std::size_t>(pOut - pText) + uRest;
     return {pText, m_uUsed};
-}
-
-// ---- The plain way
-
-// A walk over the block's bytes. At each stop the source could go on from pNext with this line start.
-struct CZrEnvReader::Item {
-    const char *pNext;
-    const char *pLimit;
-    bool bAtLineStart;
-
-    // To the first character of an item, over blanks, line ends and comments. False if the block ends before, or at a
-    // carriage return that is not part of a line end.
-    bool Find();
-    // Over a line end; false if there is none.
-    bool TakeLineEnd();
-};
-
-bool CZrEnvReader::Item::TakeLineEnd() {
-    const std::ptrdiff_t lLeft = pLimit - pNext;
-    if (lLeft > 0 && *pNext == '\n')
-        pNext += 1;
-    else if (lLeft > 1 && *pNext == '\r' && pNext[1] == '\n')
-        pNext += 2;
-    else
-        return false;
-    bAtLineStart = true;
-    return true;
-}
-
-bool CZrEnvReader::Item::Find() {
-    while (pNext != pLimit) {
-        if (IsBlank(*pNext)) {
-            ++pNext;
-        } else if (*pNext == ';' && bAtLineStart) {
-            const void *pEnd = std::memchr(pNext, '\n', static_cast<std::size_t>(pLimit - pNext));
-            if (!pEnd)
-                return false;
-            pNext = static_cast<const char *>(pEnd) + 1;
-        } else if (*pNext != '\n' && *pNext != '\r') {
-            return true;
-        } else if (!TakeLineEnd()) {
-            return false;
-        }
-    }
-    return false;
-}
-
-// Takes as many items of the section as lie plain in the source's block, and gives the block that is open then. A token
-// has not been fetched before and is not fetched after. The first byte of a stream's block, to which other rules apply,
-// has been taken by then, as only Get fills a block.
-CZrEnvBlock *CZrEnvReader::ReadPlainItems(CZrEnvBlock *pBlock, const CZrEnvSection &section) {
-    if (m_iPushedBack != 0 || !m_Pending.Empty())
-        return pBlock;
-    Item item{m_Source.Next(), m_Source.Limit(), m_bAtLineStart};
-    while (item.Find()) {
-        if (*item.pNext == '}') {
-            if (pBlock == &section)
-                break;
-            pBlock = pBlock->GetParent();
-            ++item.pNext;
-            item.bAtLineStart = false;
-        } else if (CZrEnvBlock *pOpen = ReadPlainItem(item, pBlock)) {
-            pBlock = pOpen;
-        } else {
-            break;
-        }
-    }
-    m_Source.SetNext(item.pNext);
-    m_bAtLineStart = item.bAtLineStart;
-    return pBlock;
-}
-
-// The data line or block head at the item's first character, appended to the block. The block that is open then; null,
-// with nothing done, if it is neither or not plain.
-CZrEnvBlock *CZrEnvReader::ReadPlainItem(Item &item, CZrEnvBlock *pBlock) {
-    bool bMarked = false;
-    const char *pName = item.pNext;
-    const char *pEqual = PlainRun(pName, item.pLimit, StopAlways | StopEqual, bMarked);
-    if (*pName == '[' || pEqual == pName || pEqual == item.pLimit || *pEqual != '=')
-        return nullptr;
-    const char *pValue = pEqual + 1;
-    while (pValue != item.pLimit && IsBlank(*pValue))
-        ++pValue;
-    if (pValue == item.pLimit)
-        return nullptr;
-    const std::string_view name = WithoutTrailingBlanks(pName, pEqual);
-    if (*pValue == '{') {
-        item.pNext = pValue + 1;
-        item.bAtLineStart = false;
-        CZrEnvBlock *pInner = m_Batch.MakeBlock(name);
-        CZrEnvNodeStore::Append(*pBlock, pInner);
-        return pInner;
-    }
-    bMarked = false;
-    Item end = item;
-    end.pNext = PlainRun(pValue, item.pLimit, StopAlways, bMarked);
-    std::string_view value = WithoutTrailingBlanks(pValue, end.pNext);
-    if (!end.TakeLineEnd())
-        return nullptr;
-    if (bMarked) {
-        m_uUsed = 0;
-        m_bCut = false;
-        Append(value.data(), value.size());
-        value = ReplaceMarks();
-    }
-    CZrEnvNodeStore::Append(*pBlock, m_Batch.MakeData(name, value));
-    item = end;
-    return pBlock;
-}
-
-// The first character of [pFirst, pLimit) that is one of the stops, other than backslashes that are plain characters:
-// all of them when lines aren't wrapped, else those in front of a character that can neither be a fold's nor hide one.
-// Marked if a line-end mark was passed.
-const char *CZrEnvReader::PlainRun(const char *pFirst, const char *pLimit, unsigned char uStops, bool &rbMarked) const {
-    const char *pNext = pFirst;
-    for (;;) {
-        while (pNext != pLimit && !StopsAt(*pNext, uStops))
-            ++pNext;
-        if (pNext == pLimit || *pNext != '\\')
-            return pNext;
-        if (m_eMode != eEnvReadNotWrapped) {
-            if (pNext + 1 == pLimit)
-                return pNext;
-            const char cBehind = pNext[1];
-            if (cBehind == '\\' || cBehind == ' ' || cBehind == '\n' || cBehind == '\r')
-                return pNext;
-        }
-        rbMarked = rbMarked || InMark(pNext, pFirst, pLimit);
-        ++pNext;
-    }
 }
 
 } // namespace Zr

@@ -2,6 +2,7 @@
 #include "library/load.h"
 
 #include "env/env_lock.h"
+#include "env/node_store.h"
 #include "frame/invalid_parameter.h"
 #include "frame/log.h"
 #include "frame/log_hook.h"
@@ -37,6 +38,7 @@ void LibraryUnload() {
     loaded = false;
     // Later calls of the C library must not reach code that is about to leave the process.
     platform::InstallInvalidParameterReporter(nullptr);
+    Zr::CZrEnvNodeStore::DropSpareChunks();
     frame::LogSection().Delete();
     env::Section().Delete();
     frame::MessageBoxSection().Delete();
