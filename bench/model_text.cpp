@@ -88,6 +88,10 @@ private:
         m_Model.env += indent + name + " ={\r\n";
         m_Model.xml += indent + "<" + name + ">\n";
         m_Model.info += indent + name + "\n" + indent + "{\n";
+        m_Model.key_file += "[";
+        for (std::size_t i = 0; i < m_Path.size(); ++i)
+            m_Model.key_file += (i ? "/" : "") + m_Path[i];
+        m_Model.key_file += "]\n";
         std::set<std::string> used(m_BlockNames.begin(), m_BlockNames.end());
         for (int i = 0; i < counts[level]; ++i)
             AddLeaf(Fresh(m_LeafNames, used), indent + "  ");
@@ -122,6 +126,7 @@ private:
         m_Model.env += indent + name + " =" + value + "\r\n";
         m_Model.xml += indent + "<" + name + ">" + value + "</" + name + ">\n";
         m_Model.info += indent + name + " " + (quoted ? "\"" + value + "\"" : value) + "\n";
+        m_Model.key_file += name + "=" + value + "\n";
         ++m_Model.leaves;
     }
 

@@ -22,6 +22,7 @@ struct ModelText {
     std::string env;             // the library's own format, not wrapped
     std::string xml;             // elements with text content
     std::string info;            // property_tree's INFO
+    std::string key_file;        // GKeyFile: a group for each block, its names joined by slashes
     std::vector<Target> targets; // up to 100,000 of the doubles, in random order
 };
 

@@ -73,7 +73,7 @@ const CZrEnvBlock *CZrEnvBlock::ToEnvBlock() const {
 CZrEnvNameIndex *CZrEnvBlock::LookUpIndex() const {
     if (!m_pIndex && m_uCount > kWalkAtMost) {
         try {
-            m_pIndex = new CZrEnvNameIndex(m_pFirst);
+            m_pIndex = CZrEnvNameIndex::Make(m_pFirst, m_uCount);
         } catch (const std::bad_alloc &) {
             return nullptr;
         }
@@ -83,7 +83,7 @@ CZrEnvNameIndex *CZrEnvBlock::LookUpIndex() const {
 
 CZrEnvNameIndex &CZrEnvBlock::OrderedIndex() const {
     if (!m_pIndex) { // none is kept before it is complete
-        auto pIndex = std::make_unique<CZrEnvNameIndex>(nullptr);
+        std::unique_ptr<CZrEnvNameIndex> pIndex(CZrEnvNameIndex::Make(nullptr, 0));
         pIndex->MakeOrdered(m_pFirst);
         m_pIndex = pIndex.release();
     } else if (!m_pIndex->IsOrdered()) {

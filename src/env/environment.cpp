@@ -308,7 +308,7 @@ CZrEnvSection *CZrEnv::GetSection(const char *szName) const {
     CZrEnvElement *pFound = nullptr;
     if (!m_pSectionIndex && m_lSectionCount > kWalkAtMost) {
         try {
-            m_pSectionIndex = new CZrEnvNameIndex(m_pFirstSection);
+            m_pSectionIndex = CZrEnvNameIndex::Make(m_pFirstSection, static_cast<std::size_t>(m_lSectionCount));
         } catch (const std::bad_alloc &) {
             m_pSectionIndex = nullptr; // the walk below finds it too
         }

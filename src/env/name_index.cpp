@@ -2,8 +2,10 @@
 #include "env/name_index.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <memory>
+#include <new>
 
 namespace Zr {
 
@@ -63,14 +65,22 @@ bool CZrEnvNameIndex::Less::operator()(std::string_view a, const CZrEnvElement *
     return pB->GetName() && Compare(pB->GetName(), a) > 0;
 }
 
-CZrEnvNameIndex::CZrEnvNameIndex(CZrEnvElement *pFirst) {
-    try {
-        for (CZrEnvElement *pElem = pFirst; pElem; pElem = pElem->m_pSucc)
-            InsertHashed(pElem);
-    } catch (...) {
-        DropHash();
-        throw;
-    }
+// ---- Making and ending
+
+void *CZrEnvNameIndex::operator new(std::size_t uSize, std::size_t uSlots) {
+    return ::operator new(uSize + uSlots * sizeof(Slot));
+}
+
+CZrEnvNameIndex::CZrEnvNameIndex(std::size_t uSlots) : m_pSlots(FirstSlots()), m_uMask(uSlots - 1) {
+    std::uninitialized_fill_n(m_pSlots, uSlots, Slot{0});
+}
+
+CZrEnvNameIndex *CZrEnvNameIndex::Make(CZrEnvElement *pFirst, std::size_t uNames) {
+    const std::size_t uSlots = SlotsFor(uNames);
+    std::unique_ptr<CZrEnvNameIndex> pIndex(new (uSlots) CZrEnvNameIndex(uSlots));
+    for (CZrEnvElement *pElem = pFirst; pElem; pElem = pElem->m_pSucc)
+        pIndex->InsertHashed(pElem);
+    return pIndex.release();
 }
 
 CZrEnvNameIndex::~CZrEnvNameIndex() {
@@ -78,24 +88,29 @@ CZrEnvNameIndex::~CZrEnvNameIndex() {
 }
 
 void CZrEnvNameIndex::DropHash() {
-    for (const Slot slot : m_Slots)
-        delete GroupIn(slot);
-    m_Slots = {};
+    if (!m_pSlots)
+        return;
+    for (std::size_t at = 0; at <= m_uMask; ++at)
+        delete GroupIn(m_pSlots[at]);
+    if (m_pSlots != FirstSlots())
+        delete[] m_pSlots;
+    m_pSlots = nullptr;
     m_uUsed = 0;
 }
 
 void CZrEnvNameIndex::MakeOrdered(CZrEnvElement *pFirst) {
-    Ordered ordered;
+    auto pOrdered = std::make_unique<Ordered>();
     for (CZrEnvElement *pElem = pFirst; pElem; pElem = pElem->m_pSucc)
-        ordered.insert(pElem);
-    m_Ordered.swap(ordered);
-    m_bOrdered = true;
+        pOrdered->insert(pElem);
+    m_pOrdered = std::move(pOrdered);
     DropHash();
 }
 
+// ---- Either form
+
 void CZrEnvNameIndex::Insert(CZrEnvElement *pElem) {
-    if (m_bOrdered)
-        m_Ordered.insert(pElem);
+    if (m_pOrdered)
+        m_pOrdered->insert(pElem);
     else
         InsertHashed(pElem);
 }
@@ -104,51 +119,51 @@ void CZrEnvNameIndex::Insert(CZrEnvElement *pElem) {
 // namesakes.
 void CZrEnvNameIndex::InsertBefore(CZrEnvElement *pElem, CZrEnvElement *pBefore) {
     const Less less;
-    const auto at = std::find(m_Ordered.begin(), m_Ordered.end(), pBefore);
-    if (at != m_Ordered.end()) {
-        if (!less(*at, pElem) && (at == m_Ordered.begin() || !less(pElem, *std::prev(at)))) {
-            m_Ordered.insert(at, pElem);
+    const auto at = std::find(m_pOrdered->begin(), m_pOrdered->end(), pBefore);
+    if (at != m_pOrdered->end()) {
+        if (!less(*at, pElem) && (at == m_pOrdered->begin() || !less(pElem, *std::prev(at)))) {
+            m_pOrdered->insert(at, pElem);
             return;
         }
         const auto behind = std::next(at);
-        if (!less(pElem, *at) && (behind == m_Ordered.end() || !less(*behind, pElem))) {
-            m_Ordered.insert(behind, pElem);
+        if (!less(pElem, *at) && (behind == m_pOrdered->end() || !less(*behind, pElem))) {
+            m_pOrdered->insert(behind, pElem);
             return;
         }
     }
-    m_Ordered.insert(m_Ordered.lower_bound(pElem), pElem);
+    m_pOrdered->insert(m_pOrdered->lower_bound(pElem), pElem);
 }
 
 CZrEnvNameIndex::Ordered::iterator CZrEnvNameIndex::EntryOf(CZrEnvElement *pElem) {
-    const auto range = m_Ordered.equal_range(pElem);
+    const auto range = m_pOrdered->equal_range(pElem);
     const auto at = std::find(range.first, range.second, pElem);
-    return at == range.second ? m_Ordered.end() : at;
+    return at == range.second ? m_pOrdered->end() : at;
 }
 
 bool CZrEnvNameIndex::Remove(CZrEnvElement *pElem) {
-    if (!m_bOrdered)
+    if (!m_pOrdered)
         return RemoveHashed(pElem);
     const auto at = EntryOf(pElem);
-    if (at == m_Ordered.end())
+    if (at == m_pOrdered->end())
         return false;
-    m_Ordered.erase(at);
+    m_pOrdered->erase(at);
     return true;
 }
 
 void CZrEnvNameIndex::Forget(CZrEnvElement *pElem) {
-    std::erase_if(m_Ordered, [pElem](const CZrEnvElement *pEntry) { return pEntry == pElem; });
+    std::erase_if(*m_pOrdered, [pElem](const CZrEnvElement *pEntry) { return pEntry == pElem; });
 }
 
 void CZrEnvNameIndex::Replace(CZrEnvElement *pOld, CZrEnvElement *pNew) {
     const auto at = EntryOf(pOld);
-    if (at == m_Ordered.end()) {
-        m_Ordered.insert(pNew);
+    if (at == m_pOrdered->end()) {
+        m_pOrdered->insert(pNew);
         m_bStale = true;
         return;
     }
-    auto entry = m_Ordered.extract(at);
+    auto entry = m_pOrdered->extract(at);
     entry.value() = pNew;
-    m_Ordered.insert(std::move(entry));
+    m_pOrdered->insert(std::move(entry));
 }
 
 // Whether an entry in the range of a name bears it: one that stayed behind may stand between those of any name.
@@ -158,17 +173,15 @@ bool CZrEnvNameIndex::Fits(const CZrEnvElement *pElem, std::string_view name) co
 
 CZrEnvElement *CZrEnvNameIndex::Find(std::string_view name, zr_long lPos) const {
     const std::size_t steps = lPos > 1 ? static_cast<std::size_t>(lPos) - 1 : 0;
-    if (m_bOrdered) {
+    if (m_pOrdered) {
         std::size_t left = steps;
-        auto [at, end] = m_Ordered.equal_range(name);
+        auto [at, end] = m_pOrdered->equal_range(name);
         for (; at != end; ++at)
             if (Fits(*at, name) && left-- == 0)
                 return *at;
         return nullptr;
     }
-    if (m_Slots.empty())
-        return nullptr;
-    const Slot slot = m_Slots[Place(name)];
+    const Slot slot = m_pSlots[Place(name, Hash(name))];
     if (!slot)
         return nullptr;
     if (const Group *pGroup = GroupIn(slot))
@@ -177,18 +190,35 @@ CZrEnvElement *CZrEnvNameIndex::Find(std::string_view name, zr_long lPos) const 
 }
 
 std::size_t CZrEnvNameIndex::Count(std::string_view name) const {
-    if (m_bOrdered) {
-        const auto [at, end] = m_Ordered.equal_range(name);
+    if (m_pOrdered) {
+        const auto [at, end] = m_pOrdered->equal_range(name);
         return static_cast<std::size_t>(
             std::count_if(at, end, [=, this](const CZrEnvElement *pElem) { return Fits(pElem, name); }));
     }
-    if (m_Slots.empty())
-        return 0;
-    const Slot slot = m_Slots[Place(name)];
+    const Slot slot = m_pSlots[Place(name, Hash(name))];
     if (!slot)
         return 0;
     const Group *pGroup = GroupIn(slot);
     return pGroup ? pGroup->size() : 1;
+}
+
+// ---- The hash form
+
+// At most four fifths are used: what is looked for mostly stands in the line of memory where it should.
+std::size_t CZrEnvNameIndex::SlotsFor(std::size_t uNames) {
+    return std::bit_ceil(std::max<std::size_t>(8, uNames + uNames / 4 + 1));
+}
+
+CZrEnvNameIndex::Slot CZrEnvNameIndex::Tag(std::uint64_t uHash) {
+    return static_cast<Slot>(uHash) & ~AddressBits;
+}
+
+// An address that leaves no room for the rest of a slot cannot stand in one, as if there were no memory for it.
+CZrEnvNameIndex::Slot CZrEnvNameIndex::SlotOf(const void *pTarget, bool bGroup, Slot tag) {
+    const auto address = reinterpret_cast<Slot>(pTarget);
+    if ((address & ~AddressBits) != 0)
+        throw std::bad_alloc();
+    return address | tag | (bGroup ? 1 : 0);
 }
 
 const char *CZrEnvNameIndex::NameIn(Slot slot) {
@@ -196,52 +226,66 @@ const char *CZrEnvNameIndex::NameIn(Slot slot) {
     return (pGroup ? pGroup->elems[pGroup->head] : ElementIn(slot))->m_szName;
 }
 
+bool CZrEnvNameIndex::Bears(Slot slot, std::string_view name) {
+    const char *szName = NameIn(slot);
+    return std::strncmp(szName, name.data(), name.size()) == 0 && szName[name.size()] == '\0';
+}
+
 // Where a name stands, or the free slot where it would.
-std::size_t CZrEnvNameIndex::Place(std::string_view name) const {
-    const std::size_t mask = m_Slots.size() - 1;
-    std::size_t at = static_cast<std::size_t>(Hash(name)) & mask;
-    while (m_Slots[at] && name != NameIn(m_Slots[at]))
-        at = (at + 1) & mask;
+std::size_t CZrEnvNameIndex::Place(std::string_view name, std::uint64_t uHash) const {
+    const Slot tag = Tag(uHash);
+    std::size_t at = static_cast<std::size_t>(uHash) & m_uMask;
+    while (m_pSlots[at] && ((m_pSlots[at] & ~AddressBits) != tag || !Bears(m_pSlots[at], name)))
+        at = (at + 1) & m_uMask;
     return at;
 }
 
 void CZrEnvNameIndex::Grow() {
-    std::vector<Slot> old(std::max<std::size_t>(16, m_Slots.size() * 2));
-    old.swap(m_Slots);
-    for (const Slot slot : old)
-        if (slot)
-            m_Slots[Place(NameIn(slot))] = slot;
+    const std::size_t uSlots = SlotsFor(2 * m_uUsed);
+    std::unique_ptr<Slot[]> pSlots(new Slot[uSlots]());
+    for (std::size_t at = 0; at <= m_uMask; ++at) {
+        if (!m_pSlots[at])
+            continue;
+        std::size_t place = static_cast<std::size_t>(Hash(NameIn(m_pSlots[at]))) & (uSlots - 1);
+        while (pSlots[place])
+            place = (place + 1) & (uSlots - 1);
+        pSlots[place] = m_pSlots[at];
+    }
+    if (m_pSlots != FirstSlots())
+        delete[] m_pSlots;
+    m_pSlots = pSlots.release();
+    m_uMask = uSlots - 1;
 }
 
 // A nameless child is found by no name.
 void CZrEnvNameIndex::InsertHashed(CZrEnvElement *pElem) {
     if (!pElem->m_szName)
         return;
-    if (m_uUsed * 2 >= m_Slots.size())
+    if (SlotsFor(m_uUsed + 1) > m_uMask + 1)
         Grow();
-    Slot &slot = m_Slots[Place(pElem->m_szName)];
+    const std::uint64_t hash = Hash(pElem->m_szName);
+    Slot &slot = m_pSlots[Place(pElem->m_szName, hash)];
     if (!slot) {
-        slot = reinterpret_cast<Slot>(pElem);
+        slot = SlotOf(pElem, false, Tag(hash));
         ++m_uUsed;
     } else if (Group *pGroup = GroupIn(slot)) {
         pGroup->elems.push_back(pElem);
     } else {
         auto group = std::make_unique<Group>();
         group->elems = {ElementIn(slot), pElem};
-        slot = reinterpret_cast<Slot>(group.release()) + 1;
+        slot = SlotOf(group.get(), true, Tag(hash));
+        group.release();
     }
 }
 
 bool CZrEnvNameIndex::RemoveHashed(CZrEnvElement *pElem) {
     if (!pElem->m_szName)
         return true;
-    if (m_Slots.empty())
-        return false;
-    const std::size_t place = Place(pElem->m_szName);
-    const Slot slot = m_Slots[place];
-    Group *pGroup = GroupIn(slot);
+    const std::uint64_t hash = Hash(pElem->m_szName);
+    const std::size_t place = Place(pElem->m_szName, hash);
+    Group *pGroup = GroupIn(m_pSlots[place]);
     if (!pGroup) {
-        if (ElementIn(slot) != pElem)
+        if (ElementIn(m_pSlots[place]) != pElem)
             return false;
         CloseGap(place);
         return true;
@@ -258,7 +302,7 @@ bool CZrEnvNameIndex::RemoveHashed(CZrEnvElement *pElem) {
         pGroup->head = 0;
     }
     if (pGroup->size() == 1) {
-        m_Slots[place] = reinterpret_cast<Slot>(pGroup->elems[pGroup->head]);
+        m_pSlots[place] = SlotOf(pGroup->elems[pGroup->head], false, Tag(hash));
         delete pGroup;
     }
     return true;
@@ -266,15 +310,14 @@ bool CZrEnvNameIndex::RemoveHashed(CZrEnvElement *pElem) {
 
 // Moves later slots of the run up, so that no search ends early at the gap.
 void CZrEnvNameIndex::CloseGap(std::size_t gap) {
-    const std::size_t mask = m_Slots.size() - 1;
-    for (std::size_t at = (gap + 1) & mask; m_Slots[at]; at = (at + 1) & mask) {
-        const std::size_t home = static_cast<std::size_t>(Hash(NameIn(m_Slots[at]))) & mask;
-        if (((at - home) & mask) >= ((at - gap) & mask)) {
-            m_Slots[gap] = m_Slots[at];
+    for (std::size_t at = (gap + 1) & m_uMask; m_pSlots[at]; at = (at + 1) & m_uMask) {
+        const std::size_t home = static_cast<std::size_t>(Hash(NameIn(m_pSlots[at]))) & m_uMask;
+        if (((at - home) & m_uMask) >= ((at - gap) & m_uMask)) {
+            m_pSlots[gap] = m_pSlots[at];
             gap = at;
         }
     }
-    m_Slots[gap] = 0;
+    m_pSlots[gap] = 0;
     --m_uUsed;
 }
 

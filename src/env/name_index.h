@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <set>
 #include <string_view>
 #include <vector>
@@ -22,15 +23,17 @@ namespace Zr {
 
 class CZrEnvNameIndex {
 public:
-    // The hash form over a sequence of siblings. std::bad_alloc on no memory.
-    explicit CZrEnvNameIndex(CZrEnvElement *pFirst);
+    // The hash form over a sequence of siblings, with room for so many names at once. std::bad_alloc on no memory. The
+    // caller deletes it.
+    static CZrEnvNameIndex *Make(CZrEnvElement *pFirst, std::size_t uNames);
     CZrEnvNameIndex(const CZrEnvNameIndex &other) = delete;
     CZrEnvNameIndex &operator=(const CZrEnvNameIndex &other) = delete;
     ~CZrEnvNameIndex();
+    static void operator delete(void *pMemory) { ::operator delete(pMemory); }
 
     // Gives up the hash form for the ordered one. On std::bad_alloc the hash form stays.
     void MakeOrdered(CZrEnvElement *pFirst);
-    bool IsOrdered() const { return m_bOrdered; }
+    bool IsOrdered() const { return m_pOrdered != nullptr; }
 
     // Behind all namesakes. On std::bad_alloc nothing is inserted; a hash form is then no longer complete.
     void Insert(CZrEnvElement *pElem);
@@ -47,7 +50,7 @@ public:
     // The lPos-th of that name, from 1; less than 1 counts as 1.
     CZrEnvElement *Find(std::string_view name, zr_long lPos) const;
     std::size_t Count(std::string_view name) const;
-    std::size_t EntryCount() const { return m_Ordered.size(); } // ordered form only
+    std::size_t EntryCount() const { return m_pOrdered->size(); } // ordered form only
 
 private:
     struct Less {
@@ -64,13 +67,28 @@ private:
         std::size_t head = 0;
         std::size_t size() const { return elems.size() - head; }
     };
-    // 0 for a free slot, the address of an element, or that of a group plus 1.
+    // A slot is 0 while it is free. Else it holds an address, in the lowest bit whether that is an element's or a group's,
+    // and, where an address leaves the uppermost bits free, a part of the hash there: most names that differ from the one
+    // that is looked for are passed without being touched.
     using Slot = std::uintptr_t;
+    static constexpr unsigned TagBits = sizeof(Slot) == 8 ? 16 : 0;
+    static constexpr Slot AddressBits = ~Slot{0} >> TagBits;
 
-    static CZrEnvElement *ElementIn(Slot slot) { return reinterpret_cast<CZrEnvElement *>(slot); }
-    static Group *GroupIn(Slot slot) { return (slot & 1) ? reinterpret_cast<Group *>(slot - 1) : nullptr; }
+    explicit CZrEnvNameIndex(std::size_t uSlots);
+    static void *operator new(std::size_t uSize, std::size_t uSlots);
+    static void operator delete(void *pMemory, std::size_t) { ::operator delete(pMemory); }
+
+    static std::size_t SlotsFor(std::size_t uNames);
+    static Slot Tag(std::uint64_t uHash);
+    static Slot SlotOf(const void *pTarget, bool bGroup, Slot tag);
+    static CZrEnvElement *ElementIn(Slot slot) { return reinterpret_cast<CZrEnvElement *>(slot & AddressBits); }
+    static Group *GroupIn(Slot slot) {
+        return (slot & 1) ? reinterpret_cast<Group *>((slot & AddressBits) - 1) : nullptr;
+    }
     static const char *NameIn(Slot slot);
-    std::size_t Place(std::string_view name) const;
+    static bool Bears(Slot slot, std::string_view name);
+    Slot *FirstSlots() { return reinterpret_cast<Slot *>(this + 1); }
+    std::size_t Place(std::string_view name, std::uint64_t uHash) const;
     void InsertHashed(CZrEnvElement *pElem);
     bool RemoveHashed(CZrEnvElement *pElem);
     void CloseGap(std::size_t gap);
@@ -79,11 +97,11 @@ private:
     Ordered::iterator EntryOf(CZrEnvElement *pElem);
     bool Fits(const CZrEnvElement *pElem, std::string_view name) const;
 
-    bool m_bOrdered = false;
-    bool m_bStale = false; // an entry has stayed behind at an old place
+    Slot *m_pSlots; // a power of two of them, some free: at first right behind this object; null in the ordered form
+    std::size_t m_uMask;
     std::size_t m_uUsed = 0;
-    std::vector<Slot> m_Slots; // a power of two, at most half of them used
-    Ordered m_Ordered;
+    bool m_bStale = false; // an entry has stayed behind at an old place
+    std::unique_ptr<Ordered> m_pOrdered;
 };
 
 } // namespace Zr
