@@ -19,15 +19,10 @@ constexpr std::size_t kChunkSpan = 64 * 1024;
 constexpr std::size_t kChunkSize = kChunkSpan - 64;
 constexpr std::size_t kGrain = alignof(void *);
 
-// Longer texts of a batch get arrays of their own.
-constexpr std::size_t kLongestInline = 2048;
-
 // What an open chunk counts beside its nodes, so that it outlives the nodes that end before it is closed.
 constexpr std::uint32_t kOpen = 1u << 30;
 
-// The end of a chunk is never handed out: a text may be copied to it in whole strides, past its own end.
 constexpr std::size_t kStride = 16;
-constexpr std::size_t kSlack = 2 * kStride;
 
 struct Chunk {
     std::atomic<std::uint32_t> live;
@@ -105,7 +100,7 @@ char *CZrEnvNodeStore::Batch::Take(std::size_t size) {
         CloseChunk();
         m_pChunk = new (pMemory) Chunk{{kOpen}};
         m_pNext = static_cast<char *>(pMemory) + Rounded(sizeof(Chunk));
-        m_pEnd = static_cast<char *>(pMemory) + kChunkSize - kSlack;
+        m_pEnd = static_cast<char *>(pMemory) + kChunkSize - ReadableBehind;
     }
     char *pTaken = m_pNext;
     m_pNext += size;
@@ -113,8 +108,8 @@ char *CZrEnvNodeStore::Batch::Take(std::size_t size) {
 }
 
 CZrEnvDataElement *CZrEnvNodeStore::Batch::MakeData(std::string_view name, std::string_view value) {
-    const bool ownName = name.size() > kLongestInline;
-    const bool ownValue = value.size() > kLongestInline;
+    const bool ownName = name.size() > LongestInChunk / 2;
+    const bool ownValue = value.size() > LongestInChunk / 2;
     const std::size_t nameSize = ownName ? 0 : name.size() + 1;
     const std::size_t valueSize = ownValue ? 0 : value.size() + 1;
     char *pPlace = Take(sizeof(CZrEnvDataElement) + nameSize + valueSize);
@@ -134,13 +129,14 @@ CZrEnvDataElement *CZrEnvNodeStore::Batch::MakeData(std::string_view name, std::
 }
 
 // Name, value and what stands between them are one text here, copied in whole strides, at least two: most need no more.
+// Beyond its end that writes into what of the chunk is not handed out yet.
 CZrEnvDataElement *CZrEnvNodeStore::Batch::MakeDataOfLine(std::string_view name, std::string_view value,
                                                           const char *pReadable) {
     const char *pLine = name.data();
     const auto valueAt = static_cast<std::size_t>(value.data() - pLine);
     const std::size_t size = valueAt + value.size();
-    if (valueAt > name.size() + 2 || size > kLongestInline ||
-        static_cast<std::size_t>(pReadable - pLine) < size + kSlack)
+    if (valueAt > name.size() + 2 || size > LongestInChunk ||
+        static_cast<std::size_t>(pReadable - pLine) < size + ReadableBehind)
         return MakeData(name, value);
     char *pPlace = Take(sizeof(CZrEnvDataElement) + size + 1);
     char *pText = pPlace + sizeof(CZrEnvDataElement);
@@ -154,7 +150,7 @@ CZrEnvDataElement *CZrEnvNodeStore::Batch::MakeDataOfLine(std::string_view name,
 }
 
 CZrEnvBlock *CZrEnvNodeStore::Batch::MakeBlock(std::string_view name) {
-    const bool ownName = name.size() > kLongestInline;
+    const bool ownName = name.size() > LongestInChunk;
     char *pPlace = Take(sizeof(CZrEnvBlock) + (ownName ? 0 : name.size() + 1));
     char *szName = ownName ? OwnText(name) : PutText(pPlace + sizeof(CZrEnvBlock), name);
     ++m_uNodes;
@@ -162,7 +158,7 @@ CZrEnvBlock *CZrEnvNodeStore::Batch::MakeBlock(std::string_view name) {
 }
 
 CZrEnvSection *CZrEnvNodeStore::Batch::MakeSection(std::string_view name) {
-    const bool ownName = name.size() > kLongestInline;
+    const bool ownName = name.size() > LongestInChunk;
     char *pPlace = Take(sizeof(CZrEnvSection) + (ownName ? 0 : name.size() + 1));
     char *szName = ownName ? OwnText(name) : PutText(pPlace + sizeof(CZrEnvSection), name);
     ++m_uNodes;

@@ -29,6 +29,11 @@ public:
         LibraryType = 128 // exactly one of the library's own classes, made here
     };
 
+    // Of the texts in a chunk none is longer, name and value of one node together included, and behind each of them so
+    // many bytes of the chunk may be read.
+    static constexpr std::size_t LongestInChunk = 2048;
+    static constexpr std::size_t ReadableBehind = 32;
+
     // Single nodes. The name is stored as given, without any check. Null on no memory.
     static CZrEnvDataElement *NewData(std::string_view name); // without value
     static CZrEnvBlock *NewBlock(std::string_view name);

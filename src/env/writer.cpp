@@ -3,9 +3,14 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <limits>
 #include <new>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 #include <zrclb/report.h>
 
@@ -34,6 +39,29 @@ std::size_t RunLength(const char *szText) {
     while (!Stops[static_cast<unsigned char>(*pNext)])
         ++pNext;
     return static_cast<std::size_t>(pNext - szText);
+}
+
+// The characters up to the first stop, put at pOut; pText goes to the stop. Whole strides are read and written, the last
+// one beyond the stop.
+char *CopyRun(char *pOut, const char *&pText) {
+#ifdef __SSE2__
+    for (;; pOut += 16, pText += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(pText));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), bytes);
+        const __m128i stops = _mm_or_si128(
+            _mm_cmpeq_epi8(bytes, _mm_setzero_si128()),
+            _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n')), _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\r'))));
+        if (const auto uStops = static_cast<unsigned>(_mm_movemask_epi8(stops))) {
+            pText += std::countr_zero(uStops);
+            return pOut + std::countr_zero(uStops);
+        }
+    }
+#else
+    const std::size_t uRun = RunLength(pText);
+    std::memcpy(pOut, pText, uRun);
+    pText += uRun;
+    return pOut + uRun;
+#endif
 }
 
 struct CloseStream {
@@ -127,7 +155,7 @@ void CZrEnvWriter::PutElement(const CZrEnvElement &element) {
     const Kind eKind = KindOf(element);
     if (eKind == Kind::Data) {
         const char *szData = DataOf(element)->m_szData;
-        if (!szData)
+        if (!szData || PutPlainLine(element.m_szName, szData, element.m_uFlags))
             return;
         PutIndent();
         PutText(element.m_szName);
@@ -139,6 +167,32 @@ void CZrEnvWriter::PutElement(const CZrEnvElement &element) {
     } else {
         PutBlockHead(element, eKind);
     }
+}
+
+// A data line as it stands, if that is known to be right: not folded, without marks, with room for it, and with texts
+// that whole strides may be read from. False, with nothing done, for any other.
+bool CZrEnvWriter::PutPlainLine(const char *szName, const char *szData, std::uint32_t uFlags) {
+    using Store = CZrEnvNodeStore;
+    constexpr std::size_t uMost = 2 * (Store::LongestInChunk + Store::ReadableBehind) + sizeof " =\\\r\n";
+    constexpr std::uint32_t uAsked = Store::InChunk | Store::OwnsName | Store::OwnsData;
+    if (m_bWrap || (uFlags & uAsked) != Store::InChunk || m_uCapacity - m_uCount < uMost + m_uIndent || !m_bOk)
+        return false;
+    char *pOut = m_pBuffer.get() + m_uCount;
+    std::memset(pOut, ' ', m_uIndent - 1);
+    pOut = CopyRun(pOut + m_uIndent - 1, szName);
+    *pOut++ = ' ';
+    *pOut++ = '=';
+    pOut = CopyRun(pOut, szData);
+    if (*szName != '\0' || *szData != '\0')
+        return false;
+    if (pOut[-1] == '\\')
+        *pOut++ = '\\';
+    if (!m_pStream)
+        *pOut++ = '\r';
+    *pOut++ = '\n';
+    m_uCount = static_cast<std::uint32_t>(pOut - m_pBuffer.get());
+    m_cLast = '\n';
+    return true;
 }
 
 void CZrEnvWriter::PutBlockHead(const CZrEnvElement &element, Kind eKind) {

@@ -35,6 +35,7 @@ private:
     void PutMode();
     void PutSection(const CZrEnvSection &section);
     void PutElement(const CZrEnvElement &element);
+    bool PutPlainLine(const char *szName, const char *szData, std::uint32_t uFlags);
     void PutBlockHead(const CZrEnvElement &element, Kind eKind);
     void PutBlockEnd(const CZrEnvBlock &block);
     static Kind KindOf(const CZrEnvElement &element);
