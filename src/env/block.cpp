@@ -233,7 +233,7 @@ void CZrEnvBlock::ElemNameChanged(CZrEnvElement *pElem) {
 
 CZrEnvElement *CZrEnvBlock::Find(std::string_view name, zr_long lPos) const {
     if (const CZrEnvNameIndex *pIndex = LookUpIndex())
-        return pIndex->Find(name, lPos);
+        return pIndex->Find(name, lPos, m_uCount);
     if (lPos < 1)
         lPos = 1;
     for (CZrEnvElement *pElem = m_pFirst; pElem; pElem = pElem->m_pSucc)

@@ -314,7 +314,7 @@ CZrEnvSection *CZrEnv::GetSection(const char *szName) const {
         }
     }
     if (m_pSectionIndex) {
-        pFound = m_pSectionIndex->Find(szName, 1);
+        pFound = m_pSectionIndex->Find(szName, 1, static_cast<std::size_t>(m_lSectionCount));
     } else {
         pFound = m_pFirstSection;
         while (pFound && !(pFound->m_szName && std::strcmp(pFound->m_szName, szName) == 0))

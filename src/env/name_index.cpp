@@ -171,7 +171,10 @@ bool CZrEnvNameIndex::Fits(const CZrEnvElement *pElem, std::string_view name) co
     return !m_bStale || (pElem->GetName() && name == pElem->GetName());
 }
 
-CZrEnvElement *CZrEnvNameIndex::Find(std::string_view name, zr_long lPos) const {
+// In a large tree each step of a look-up waits for memory: the slot is asked for before the index itself has come.
+CZrEnvElement *CZrEnvNameIndex::Find(std::string_view name, zr_long lPos, std::size_t uNames) const {
+    const std::uint64_t hash = Hash(name);
+    __builtin_prefetch(FirstSlots() + (static_cast<std::size_t>(hash) & (SlotsFor(uNames) - 1)));
     const std::size_t steps = lPos > 1 ? static_cast<std::size_t>(lPos) - 1 : 0;
     if (m_pOrdered) {
         std::size_t left = steps;
@@ -181,7 +184,7 @@ CZrEnvElement *CZrEnvNameIndex::Find(std::string_view name, zr_long lPos) const 
                 return *at;
         return nullptr;
     }
-    const Slot slot = m_pSlots[Place(name, Hash(name))];
+    const Slot slot = m_pSlots[Place(name, hash)];
     if (!slot)
         return nullptr;
     if (const Group *pGroup = GroupIn(slot))
@@ -226,7 +229,9 @@ const char *CZrEnvNameIndex::NameIn(Slot slot) {
     return (pGroup ? pGroup->elems[pGroup->head] : ElementIn(slot))->m_szName;
 }
 
+// The name mostly stands right behind its element.
 bool CZrEnvNameIndex::Bears(Slot slot, std::string_view name) {
+    __builtin_prefetch(reinterpret_cast<const char *>(slot & AddressBits) + sizeof(CZrEnvDataElement));
     const char *szName = NameIn(slot);
     return std::strncmp(szName, name.data(), name.size()) == 0 && szName[name.size()] == '\0';
 }

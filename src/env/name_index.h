@@ -47,8 +47,8 @@ public:
     // move an element behind its namesakes. Needs memory only if pOld's entry is not found.
     void Replace(CZrEnvElement *pOld, CZrEnvElement *pNew);
 
-    // The lPos-th of that name, from 1; less than 1 counts as 1.
-    CZrEnvElement *Find(std::string_view name, zr_long lPos) const;
+    // The lPos-th of that name, from 1; less than 1 counts as 1. For how many names the index was made is a mere hint.
+    CZrEnvElement *Find(std::string_view name, zr_long lPos, std::size_t uNames) const;
     std::size_t Count(std::string_view name) const;
     std::size_t EntryCount() const { return m_pOrdered->size(); } // ordered form only
 
@@ -88,6 +88,7 @@ private:
     static const char *NameIn(Slot slot);
     static bool Bears(Slot slot, std::string_view name);
     Slot *FirstSlots() { return reinterpret_cast<Slot *>(this + 1); }
+    const Slot *FirstSlots() const { return reinterpret_cast<const Slot *>(this + 1); }
     std::size_t Place(std::string_view name, std::uint64_t uHash) const;
     void InsertHashed(CZrEnvElement *pElem);
     bool RemoveHashed(CZrEnvElement *pElem);
