@@ -82,10 +82,11 @@ char *OwnText(std::string_view text) {
 } // namespace
 
 CZrEnvNodeStore::Batch::~Batch() {
-    CloseChunk();
+    m_Leaves.Close();
+    m_Blocks.Close();
 }
 
-void CZrEnvNodeStore::Batch::CloseChunk() {
+void CZrEnvNodeStore::Batch::Arena::Close() {
     if (m_pChunk)
         Release(static_cast<Chunk *>(m_pChunk), kOpen - m_uNodes);
     m_pChunk = nullptr;
@@ -93,11 +94,11 @@ void CZrEnvNodeStore::Batch::CloseChunk() {
 }
 
 // A part of a chunk for one node. Requests are far smaller than a chunk.
-char *CZrEnvNodeStore::Batch::Take(std::size_t size) {
+char *CZrEnvNodeStore::Batch::Arena::Take(std::size_t size) {
     size = Rounded(size);
     if (static_cast<std::size_t>(m_pEnd - m_pNext) < size) {
         void *pMemory = NewChunkMemory();
-        CloseChunk();
+        Close();
         m_pChunk = new (pMemory) Chunk{{kOpen}};
         m_pNext = static_cast<char *>(pMemory) + Rounded(sizeof(Chunk));
         m_pEnd = static_cast<char *>(pMemory) + kChunkSize - ReadableBehind;
@@ -112,7 +113,7 @@ CZrEnvDataElement *CZrEnvNodeStore::Batch::MakeData(std::string_view name, std::
     const bool ownValue = value.size() > LongestInChunk / 2;
     const std::size_t nameSize = ownName ? 0 : name.size() + 1;
     const std::size_t valueSize = ownValue ? 0 : value.size() + 1;
-    char *pPlace = Take(sizeof(CZrEnvDataElement) + nameSize + valueSize);
+    char *pPlace = m_Leaves.Take(sizeof(CZrEnvDataElement) + nameSize + valueSize);
     char *pText = pPlace + sizeof(CZrEnvDataElement);
     char *szName = ownName ? OwnText(name) : PutText(pText, name);
     char *szValue = nullptr;
@@ -123,7 +124,7 @@ CZrEnvDataElement *CZrEnvNodeStore::Batch::MakeData(std::string_view name, std::
             delete[] szName;
         throw;
     }
-    ++m_uNodes;
+    ++m_Leaves.m_uNodes;
     return new (pPlace) CZrEnvDataElement(
         szName, szValue, InChunk | LibraryType | KindData | (ownName ? OwnsName : 0u) | (ownValue ? OwnsData : 0u));
 }
@@ -138,30 +139,30 @@ CZrEnvDataElement *CZrEnvNodeStore::Batch::MakeDataOfLine(std::string_view name,
     if (valueAt > name.size() + 2 || size > LongestInChunk ||
         static_cast<std::size_t>(pReadable - pLine) < size + ReadableBehind)
         return MakeData(name, value);
-    char *pPlace = Take(sizeof(CZrEnvDataElement) + size + 1);
+    char *pPlace = m_Leaves.Take(sizeof(CZrEnvDataElement) + size + 1);
     char *pText = pPlace + sizeof(CZrEnvDataElement);
     std::memcpy(pText, pLine, 2 * kStride);
     for (std::size_t at = 2 * kStride; at < size; at += kStride)
         std::memcpy(pText + at, pLine + at, kStride);
     pText[name.size()] = '\0';
     pText[size] = '\0';
-    ++m_uNodes;
+    ++m_Leaves.m_uNodes;
     return new (pPlace) CZrEnvDataElement(pText, pText + valueAt, InChunk | LibraryType | KindData);
 }
 
 CZrEnvBlock *CZrEnvNodeStore::Batch::MakeBlock(std::string_view name) {
     const bool ownName = name.size() > LongestInChunk;
-    char *pPlace = Take(sizeof(CZrEnvBlock) + (ownName ? 0 : name.size() + 1));
+    char *pPlace = m_Blocks.Take(sizeof(CZrEnvBlock) + (ownName ? 0 : name.size() + 1));
     char *szName = ownName ? OwnText(name) : PutText(pPlace + sizeof(CZrEnvBlock), name);
-    ++m_uNodes;
+    ++m_Blocks.m_uNodes;
     return new (pPlace) CZrEnvBlock(szName, InChunk | LibraryType | KindBlock | (ownName ? OwnsName : 0u));
 }
 
 CZrEnvSection *CZrEnvNodeStore::Batch::MakeSection(std::string_view name) {
     const bool ownName = name.size() > LongestInChunk;
-    char *pPlace = Take(sizeof(CZrEnvSection) + (ownName ? 0 : name.size() + 1));
+    char *pPlace = m_Blocks.Take(sizeof(CZrEnvSection) + (ownName ? 0 : name.size() + 1));
     char *szName = ownName ? OwnText(name) : PutText(pPlace + sizeof(CZrEnvSection), name);
-    ++m_uNodes;
+    ++m_Blocks.m_uNodes;
     return new (pPlace)
         CZrEnvSection(szName, InChunk | LibraryType | KindBlock | KindSection | (ownName ? OwnsName : 0u));
 }

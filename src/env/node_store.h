@@ -61,16 +61,20 @@ public:
         CZrEnvSection *MakeSection(std::string_view name);
 
     private:
-        struct Place;
-        template <class Node>
-        Node *Make(std::string_view name, std::string_view value, bool hasValue);
-        char *Take(std::size_t size);
-        void CloseChunk();
+        // An open chunk.
+        struct Arena {
+            char *Take(std::size_t size);
+            void Close();
 
-        char *m_pNext = nullptr;
-        char *m_pEnd = nullptr;
-        void *m_pChunk = nullptr;
-        std::uint32_t m_uNodes = 0; // made in the open chunk
+            char *m_pNext = nullptr;
+            char *m_pEnd = nullptr;
+            void *m_pChunk = nullptr;
+            std::uint32_t m_uNodes = 0; // made in the open chunk
+        };
+
+        // Blocks stand close together, apart from the leaves: look-ups go from block to block, to few leaves.
+        Arena m_Leaves;
+        Arena m_Blocks;
     };
 
     // Appends a fresh, detached node to a block's sequence: constant time, no test.
