@@ -4,7 +4,6 @@
 #include <array>
 #include <atomic>
 #include <cstring>
-#include <mutex>
 #include <new>
 
 #include "env/name_index.h"
@@ -28,29 +27,38 @@ struct Chunk {
     std::atomic<std::uint32_t> live;
 };
 
-// Empty chunks for the next reading: fresh memory costs as much as what is then done with it.
-constinit std::mutex SpareGuard;
+// Empty chunks for the next reading: fresh memory costs as much as what is then done with it. Whoever finds another thread
+// at them goes without.
 constinit std::array<void *, 128> SpareChunks{};
 constinit std::size_t SpareCount = 0;
+constinit std::atomic_flag SparesInUse;
+
+class SpareGuard {
+public:
+    SpareGuard() : m_bMine(!SparesInUse.test_and_set(std::memory_order_acquire)) {}
+    ~SpareGuard() {
+        if (m_bMine)
+            SparesInUse.clear(std::memory_order_release);
+    }
+    SpareGuard(const SpareGuard &) = delete;
+    SpareGuard &operator=(const SpareGuard &) = delete;
+    explicit operator bool() const { return m_bMine; }
+
+private:
+    bool m_bMine;
+};
 
 void *NewChunkMemory() {
-    {
-        const std::lock_guard guard(SpareGuard);
-        if (SpareCount != 0)
-            return SpareChunks[--SpareCount];
-    }
+    if (const SpareGuard guard; guard && SpareCount != 0)
+        return SpareChunks[--SpareCount];
     return ::operator new (kChunkSize, std::align_val_t{kChunkSpan});
 }
 
 void DeleteChunkMemory(void *pMemory) {
-    {
-        const std::lock_guard guard(SpareGuard);
-        if (SpareCount != SpareChunks.size()) {
-            SpareChunks[SpareCount++] = pMemory;
-            return;
-        }
-    }
-    ::operator delete (pMemory, std::align_val_t{kChunkSpan});
+    if (const SpareGuard guard; guard && SpareCount != SpareChunks.size())
+        SpareChunks[SpareCount++] = pMemory;
+    else
+        ::operator delete (pMemory, std::align_val_t{kChunkSpan});
 }
 
 constexpr std::size_t Rounded(std::size_t size) {
@@ -229,8 +237,8 @@ void CZrEnvNodeStore::DestroyChildren(CZrEnvBlock &block) {
 }
 
 void CZrEnvNodeStore::DropSpareChunks() {
-    const std::lock_guard guard(SpareGuard);
-    while (SpareCount != 0)
+    const SpareGuard guard;
+    while (guard && SpareCount != 0)
         ::operator delete (SpareChunks[--SpareCount], std::align_val_t{kChunkSpan});
 }
 
