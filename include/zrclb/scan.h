@@ -23,7 +23,7 @@ typedef struct ZrScanToken {
     char text[ZR_SCAN_TEXT_SIZE];
     double doubleValue; /* of kind 8 */
     zr_long longValue;  /* of kinds 7 and 9; position of a keyword in the caller's list; length of a name or string */
-    zr_long row;        /* of the first character */
+    zr_long row;        /* of the first character; left as it was, as column is, by a "." that a sign has left over */
     zr_long column;
     zr_long user; /* what the user function answered for names and symbols, else 0 */
 } ZrScanToken;

@@ -142,6 +142,7 @@ private:
         token.text[0] = c;
         token.text[1] = 0;
     }
+
     Source m_source;
     const CharacterTable &m_characters;
     const Keywords &m_keywords;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -77,6 +78,13 @@ TEST_F(ScanTraceFile, ATextWithoutTerminator_IsTracedToItsEnd) {
     EXPECT_EQ(TraceOf(SCAN_TRACE, string(5000, 'n')), "S1  [ 0: 0]\tidentifier <" + string(4096, 'n') +
                                                           ">\r\n"
                                                           "S1  [ 0:5000]\teof        < >\r\n");
+}
+
+TEST_F(ScanTraceFile, ANumberWithoutTerminator_HasItsValueBehindIt) {
+    const string zeros(4095, '0');
+    EXPECT_EQ(TraceOf(SCAN_TRACE, zeros + "7"), "S1  [ 0: 0]\tlong       <" + zeros +
+                                                    "7>  7\r\n"
+                                                    "S1  [ 0:4096]\teof        < >\r\n");
 }
 
 TEST_F(ScanTraceFile, LargeNumbers_AreWrittenInFull) {
@@ -226,18 +234,22 @@ TEST_F(ScanTraceFile, Labels) {
         trace.Open();
         token->row = 123;
         token->column = 4567;
-        for (zr_long kind : {0, 9, 10, 11, 12, 42, 43, 44})
+        for (zr_long kind : {0, 6, 9, 10, 43, 44})
+            trace.Write(kind, *token);
+        for (zr_long kind = 11; kind <= 42; ++kind)
             trace.Write(kind, *token);
         token->longValue = -7;
         token->doubleValue = -0.25;
         for (zr_long kind : {5, 7, 8})
             trace.Write(kind, *token);
     }
+    std::vector<string> lines = {"** void ** <t>", "identifier <t>", "char       <t>",
+                                 "string     <t>", "eol        <t>", "eof        <t>"};
+    lines.insert(lines.end(), 32, "symbol     <t>");
+    lines.insert(lines.end(), {"keyword    <t> #-7", "long       <t>  -7", "double     <t>  -0.250000"});
     string expected;
-    for (const char *line :
-         {"** void ** <t>", "char       <t>", "string     <t>", "symbol     <t>", "symbol     <t>", "symbol     <t>",
-          "eol        <t>", "eof        <t>", "keyword    <t> #-7", "long       <t>  -7", "double     <t>  -0.250000"})
-        expected += string("S1  [123:4567]\t") + line + "\r\n";
+    for (const string &line : lines)
+        expected += "S1  [123:4567]\t" + line + "\r\n";
     EXPECT_EQ(folder.Read("trc"), expected);
 }
 

@@ -1,14 +1,18 @@
 // The scanner: options, kinds, texts, errors, places, keywords, characters, limits; and beside the plain reference.
+#include <algorithm>
 #include <climits>
 #include <clocale>
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <fstream>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -16,6 +20,7 @@
 #include <zrclb/scan.h>
 #include <zrclb/scan.hpp>
 
+#include "child_process.h"
 #include "env/report_capture.h"
 #include "expressions/scanner.h"
 #include "expressions/scanner_comparison.h"
@@ -28,6 +33,32 @@ using scan_test::Comparison;
 using std::string;
 
 constexpr zr_long untouched = 77;
+
+// What a second process does: reads from a source that throws. Its code is 0 if that ends it.
+[[noreturn]] void ReadFromAThrowingSource(const string &how) {
+    std::set_terminate([] { std::_Exit(0); });
+    try {
+        const auto token = std::make_unique<ZrScanToken>();
+        CZrScanner *scanner = scan_open([]() -> int { throw 1; }, 0, nullptr);
+        zr_long kind = 0;
+        char c = 0;
+        if (how == "token")
+            scan_token(scanner, &kind, token.get());
+        else
+            scan_character(scanner, &kind, &c);
+    } catch (...) {
+        std::_Exit(2);
+    }
+    std::_Exit(1);
+}
+
+// It never gets to the tests.
+const struct SecondProcess {
+    SecondProcess() {
+        if (!ChildProcess::Argument().empty())
+            ReadFromAThrowingSource(ChildProcess::Argument());
+    }
+} second_process;
 
 // What the scanners of these tests read: ints, and behind them the end.
 std::vector<int> characters;
@@ -168,6 +199,27 @@ TEST_F(Scanner, UserFunction_IsAskedForNamesAndSymbolsBeforeMoreIsRead) {
     EXPECT_EQ(end.user, static_cast<zr_long>(characters.size()));
 }
 
+TEST_F(Scanner, UserFunction_IsAskedOnceForAToken) {
+    static zr_long asked;
+    asked = 0;
+    SetSource("a if <= ^ ** ~\n\x7f \" `q' 'c' 1 + " + string(5000, 'n') + " >x");
+    const char *keywords[] = {"if", nullptr};
+    handle = scan_open_with_userdata(
+        Next, [] { return ++asked; }, SCAN_COMPOSE_RELATIONS | SCAN_STAR_POWER | SCAN_KEEP_EOL | SCAN_HASH_STYLE,
+        keywords);
+    const zr_long expected[][2] = {{6, 1},  {5, 2}, {25, 3}, {22, 4}, {22, 0}, {41, 5}, {43, 6}, {0, 7},  {42, 0},
+                                   {11, 0}, {9, 0}, {7, 0},  {18, 0}, {6, 8},  {24, 9}, {6, 10}, {44, 11}};
+    for (const auto &[kind, user] : expected) {
+        const Token token = Read();
+        EXPECT_EQ(token.kind, kind) << user;
+        EXPECT_EQ(token.user, user) << kind;
+    }
+    zr_long kind = untouched;
+    char c = 'Q';
+    scan_character(handle, &kind, &c);
+    EXPECT_EQ(asked, 11);
+}
+
 TEST_F(Scanner, SignedNumbers_TakeTheSignOfASumToo) {
     EXPECT_EQ(All(0, "a+1"), "6:a 18:+ 7:1");
     EXPECT_EQ(All(SCAN_SIGNED_NUMBERS, "a+1"), "6:a 7:1");
@@ -175,6 +227,9 @@ TEST_F(Scanner, SignedNumbers_TakeTheSignOfASumToo) {
     EXPECT_EQ(First(SCAN_SIGNED_NUMBERS, "+12").text, "12");
     EXPECT_EQ(First(SCAN_SIGNED_NUMBERS, "-.5").double_value, -0.5);
     EXPECT_EQ(First(SCAN_SIGNED_NUMBERS, "-.5").text, "-.5");
+    EXPECT_EQ(First(SCAN_SIGNED_NUMBERS, "+.5").double_value, 0.5);
+    EXPECT_EQ(First(SCAN_SIGNED_NUMBERS, "+.5").text, ".5");
+    EXPECT_EQ(First(0, "+.5").kind, 18);
     EXPECT_TRUE(std::signbit(First(SCAN_SIGNED_NUMBERS, "-0.0").double_value));
     EXPECT_EQ(All(SCAN_SIGNED_NUMBERS, "- 1 -x --1"), "19:- 7:1 19:- 6:x 19:- 7:-1");
 }
@@ -188,6 +243,7 @@ TEST_F(Scanner, SignAndDot_OweTheDot) {
     const Token dot = Read();
     EXPECT_EQ(taken, before); // the source is not looked at
     EXPECT_EQ(dot.error, 0);
+    EXPECT_EQ(dot.user, 0);
     EXPECT_EQ(dot.row, untouched);
     EXPECT_EQ(dot.column, untouched);
     EXPECT_EQ(Read().column, 3);
@@ -338,6 +394,8 @@ TEST_F(Scanner, NumberAtTheLimit_IsConvertedWithoutATerminator) {
     EXPECT_EQ(First(0, "0." + string(4094, '0')).error, 0);
     EXPECT_EQ(First(0, "0." + string(4095, '0')).error, 10);
     EXPECT_EQ(First(0, string(4096, '0') + "e1").error, 10);
+    EXPECT_EQ(First(0, string(4096, '0') + "e").error, 10); // rather than without digits
+    EXPECT_EQ(First(0, string(4095, '0') + "e").error, 6);
     EXPECT_EQ(First(0, string(4096, '0') + ".").error, 10);
     EXPECT_EQ(First(0, string(4094, '0') + "e+1").error, 10);
 }
@@ -407,12 +465,19 @@ TEST_F(Scanner, ControlCharacters_AreBlanks) {
                      "c"),
               "6:a 6:b 6:c");
     EXPECT_EQ(All(0, "\"a\tb\rc\""), "10:a b c");
+    for (char c = 1; c < ' '; ++c) {
+        const char *expected = c == '\n' ? "6:a 43:  9:\n" : "6:a 9: ";
+        EXPECT_EQ(All(SCAN_KEEP_EOL, string("a") + c + "'" + c + "'"), expected) << int{c};
+    }
 }
 
 TEST_F(Scanner, Folding_ChangesWhatIsRead) {
     EXPECT_EQ(All(SCAN_UPPER, "abc 'x' \"Str\" [`"), "6:ABC 9:X 10:STR 31:[ 0:`");
     EXPECT_EQ(All(SCAN_LOWER, "ABC 'X' \"Str\" @Z"), "6:abc 9:x 10:str 34:@ 6:z");
-    EXPECT_EQ(All(SCAN_LOWER | SCAN_UPPER, "aB"), "6:ab"); // lower wins
+    EXPECT_EQ(All(SCAN_LOWER | SCAN_UPPER, "aB"), "6:ab");           // lower wins
+    EXPECT_EQ(All(SCAN_UPPER, "'\\n' '\\x4a'"), "!7!9:\\N 9:\\X4A"); // of an escape, too
+    EXPECT_EQ(All(SCAN_UPPER | SCAN_STRING_ESCAPES, "\"a\\nb\""), "10:A\\NB");
+    EXPECT_EQ(All(SCAN_LOWER, "'\\N'"), "9:\\n");
     const char *keywords[] = {"ABC", nullptr};
     EXPECT_EQ(First(SCAN_UPPER, "abc", keywords).kind, 5);
     EXPECT_EQ(First(SCAN_LOWER, "ABC", keywords).kind, 6);
@@ -427,6 +492,14 @@ TEST_F(Scanner, Umlauts_AreLettersByOption) {
     EXPECT_EQ(All(0, "\x84\x8e"), "0:\x84 0:\x8e");
     EXPECT_EQ(All(SCAN_UPPER, "\x84"), "0:\x84"); // nor do they fold
     EXPECT_EQ(All(SCAN_LOWER, "\"\x8e\x99\x9a\""), "10:\x8e\x99\x9a");
+    for (int c = 0x7F; c <= 0xFF; ++c) { // no others are
+        const bool is_letter = (lower + upper).find(static_cast<char>(c)) != string::npos;
+        const string text(1, static_cast<char>(c));
+        EXPECT_EQ(First(SCAN_UMLAUTS, text).kind, is_letter ? 6 : 0) << c;
+        EXPECT_EQ(First(0, text).kind, 0) << c;
+        EXPECT_TRUE(is_letter || First(SCAN_UMLAUTS | SCAN_UPPER, text).text == text) << c;
+        EXPECT_TRUE(is_letter || First(SCAN_UMLAUTS | SCAN_LOWER, text).text == text) << c;
+    }
 }
 
 TEST_F(Scanner, BytesOfASignedSource_AreClassifiedByRange) {
@@ -456,6 +529,21 @@ TEST_F(Scanner, Characters_MayBeAnyInt) {
     EXPECT_EQ(Read().text, " ");
     EXPECT_EQ(Read().text, " ");
     EXPECT_EQ(All(), "10:A 6:A 0:b");
+}
+
+// Nor are those what their low bytes mean.
+TEST_F(Scanner, CharactersBeyondBytes_HaveNoMeaning) {
+    constexpr zr_long options = SCAN_UMLAUTS | SCAN_COMPOSE_RELATIONS | SCAN_STAR_POWER | SCAN_BLOCK_COMMENT |
+                                SCAN_LINE_COMMENT | SCAN_APOSTROPHE_NAMES | SCAN_KEEP_EOL;
+    for (const char c : {' ', '\n', '1', '.', '<', '*', '/', '\\', '"', '\'', '!', '_', '\x84'}) {
+        const int byte = static_cast<unsigned char>(c);
+        Open(options, std::vector<int>{'<', 256 + byte, '*', 65536 + byte, '/', 256 + byte, '1', 256 + byte});
+        EXPECT_EQ(All(), string("23:< 0:") + c + " 20:* 0:" + c + " 21:/ 0:" + c + " 7:1 0:" + c) << byte;
+        Open(options | SCAN_STRING_ESCAPES, std::vector<int>{'"', 256 + byte, 'n', '"', 'a'});
+        EXPECT_EQ(All(), string("10:") + c + "n 6:a") << byte;
+        Open(SCAN_HASH_STYLE, std::vector<int>{'`', 256 + byte, '\'', '\'', 'b', 256 + byte, 'c'});
+        EXPECT_EQ(All(), string("11:") + c + " !3!9:b 0:" + c + " 6:c") << byte;
+    }
 }
 
 TEST_F(Scanner, TheEnd_IsZeroOrMinusOne) {
@@ -534,8 +622,14 @@ TEST_F(Scanner, Strings_EndAtTheirQuote) {
 TEST_F(Scanner, StringEscapes_AreTaken) {
     for (const zr_long option : {0x20000, 0x40000, 0x60000}) {
         EXPECT_EQ(All(option, "\"a\\nb\" \"\\\\\" \"\\q\""), "10:a\nb 10:\\\\ 10:\\q");
-        EXPECT_EQ(All(option, "\"a\\\"b"), "10:a\\\" 6:b"); // the quote closes all the same
+        EXPECT_EQ(All(option, "\"a\\\"b"), "10:a\\\" 6:b");      // the quote closes all the same
+        EXPECT_EQ(All(option, "\"a\\\nb\" c"), "10:a\\\nb 6:c"); // nor does the line end there
+        EXPECT_EQ(All(option, "\"a\\\\\nb"), "!4!10:a\\\\ 6:b");
     }
+    const Token open = First(SCAN_STRING_ESCAPES, "\"a\\"); // the end is what the backslash escapes
+    EXPECT_EQ(open.error, 4);
+    EXPECT_EQ(open.text, "a\\");
+    EXPECT_EQ(open.long_value, 3);
     Open(SCAN_STRING_ESCAPES, "\"a\\nb\" c"); // the line feed counts for the place
     EXPECT_EQ(Read().long_value, 3);
     const Token behind = Read();
@@ -552,6 +646,11 @@ TEST_F(Scanner, JoinedStrings_AreOne) {
     EXPECT_EQ(First(SCAN_STRING_JOIN, "\"ab\"\\").error, 4);
     EXPECT_EQ(First(SCAN_STRING_JOIN, "\"ab\"\\xcd\"").text, "abcd"); // whatever stands where the quote should
     EXPECT_EQ(All(SCAN_STRING_JOIN, "\"ab\n\\\"cd\""), "!4!10:ab 77:\\ 10:cd"); // none behind an error
+    EXPECT_EQ(All(SCAN_STRING_JOIN, "\"ab\" \\\"cd\""), "10:ab 77:\\ 10:cd");   // nor behind a blank
+    EXPECT_EQ(All(SCAN_STRING_JOIN, "\"ab\"\\\"cd\n\"e\""), "!4!10:abcd 10:e");
+    // A line feed that is a token is no blank: it stands where the quote should.
+    EXPECT_EQ(All(SCAN_STRING_JOIN | SCAN_KEEP_EOL, "\"ab\"\\ \ncd\" e"), "10:abcd 6:e");
+    EXPECT_EQ(All(SCAN_STRING_JOIN | SCAN_HASH_STYLE, "`a'\\`b'"), "11:a 77:\\ 11:b"); // of double quotes only
 }
 
 TEST_F(Scanner, AMillionJoinedStrings_AreReadInALoop) {
@@ -598,6 +697,7 @@ TEST_F(Scanner, NameAtTheLimit_IsLookedUpNoMore) {
         EXPECT_EQ(token.text, full);
         EXPECT_EQ(token.long_value, 0);
         EXPECT_EQ(token.double_value, 0.0);
+        EXPECT_EQ(token.user, static_cast<zr_long>(length + 1));
         const Token next = Read();
         EXPECT_EQ(next.error, 0);
         EXPECT_EQ(next.column, static_cast<zr_long>(length + 1));
@@ -621,8 +721,12 @@ TEST_F(Scanner, Places_CountFromZero) {
         EXPECT_EQ(token.row, place[0]) << token.text;
         EXPECT_EQ(token.column, place[1]) << token.text;
     }
-    Read();
-    EXPECT_EQ(raw->column, 7); // the end stays where it is
+    for (int i = 0; i < 2; ++i) { // the end stays where it is
+        const Token end = Read();
+        EXPECT_EQ(end.kind, 44);
+        EXPECT_EQ(end.row, 3);
+        EXPECT_EQ(end.column, 7);
+    }
 }
 
 TEST_F(Scanner, Keywords_GiveTheirPlaceInTheCallersList) {
@@ -659,9 +763,34 @@ TEST_F(Scanner, FewKeywords_AreFound) {
     EXPECT_EQ(First(0, "a", none).kind, 6);
     EXPECT_EQ(First(0, "a", one).kind, 5);
     EXPECT_EQ(First(0, "b", one).kind, 6);
+    EXPECT_EQ(First(0, "a", two).kind, 5);
     EXPECT_EQ(First(0, "a", two).long_value, 1);
+    EXPECT_EQ(First(0, "b", two).kind, 5);
     EXPECT_EQ(First(0, "b", two).long_value, 0);
     EXPECT_EQ(First(0, "ab", two).kind, 6);
+}
+
+// The first and the last of the sorted list are looked at ahead, then the middle ones.
+TEST_F(Scanner, RepeatedKeywords_GiveTheOneThatABisectionMeets) {
+    const struct {
+        std::vector<const char *> keywords;
+        const char *name;
+        zr_long place;
+    } cases[] = {{{"rr", "rr", nullptr}, "rr", 0},
+                 {{"zz", "rr", "rr", "rr", nullptr}, "rr", 1},
+                 {{"rr", "aa", "rr", "rr", nullptr}, "rr", 3},
+                 {{"rr", "rr", "aa", "zz", "rr", nullptr}, "rr", 1},
+                 {{"rr", "aa", "rr", "bb", "rr", "rr", "zz", nullptr}, "rr", 2}};
+    for (const auto &[keywords, name, place] : cases) {
+        std::vector<const char *> list = keywords;
+        const Token token = First(0, name, list.data());
+        EXPECT_EQ(token.kind, 5) << keywords.size();
+        EXPECT_EQ(token.long_value, place) << keywords.size();
+    }
+    const char *cases_of_one[] = {"zz", "Rr", "aa", "rR", "RR", nullptr};
+    EXPECT_EQ(First(SCAN_KEYWORDS_NOCASE, "rr", cases_of_one).long_value, 3);
+    EXPECT_EQ(First(0, "Rr", cases_of_one).long_value, 1);
+    EXPECT_EQ(First(0, "RR", cases_of_one).long_value, 4);
 }
 
 TEST_F(Scanner, LongKeywords_AreComparedToTheirEnd) {
@@ -708,6 +837,7 @@ TEST_F(Scanner, KeywordsNoCase_LeaveUmlautsAsTheyAre) {
     EXPECT_EQ(First(SCAN_UMLAUTS | SCAN_KEYWORDS_NOCASE, "M\x8eR", keywords).kind, 6);
     EXPECT_EQ(First(SCAN_UMLAUTS | SCAN_KEYWORDS_NOCASE | SCAN_LOWER, "M\x8eR", keywords).kind,
               5); // folded as it was read
+    EXPECT_EQ(First(SCAN_UMLAUTS, "\xe1", keywords).kind, 5);
     EXPECT_EQ(First(SCAN_UMLAUTS, "\xe1", keywords).long_value, 1);
 }
 
@@ -770,6 +900,11 @@ TEST_F(Scanner, NoSource_IsAnEmptyInput) {
     EXPECT_EQ(raw->user, 0); // nor is there a user function
 }
 
+TEST(ScannerSource, ThatThrows_EndsTheProcess) {
+    EXPECT_TRUE(ChildProcess("token").Passes());
+    EXPECT_TRUE(ChildProcess("character").Passes());
+}
+
 class ScanCharacters : public Scanner {
 protected:
     // Classes and characters, "class:character", of so many calls.
@@ -815,7 +950,27 @@ TEST_F(ScanCharacters, MixWithTokens) {
     EXPECT_EQ(token.column, 4);
 }
 
+TEST_F(ScanCharacters, LeaveAnOwedDotToTheTokens) {
+    Open(SCAN_SIGNED_NUMBERS, "+.xy");
+    EXPECT_EQ(Read().kind, 18);
+    EXPECT_EQ(Characters(1, false), "1:x");
+    EXPECT_EQ(Read().kind, 16);
+    EXPECT_EQ(Read().text, "y");
+}
+
+// A reset lets the character stand that was read ahead: the call that looks for comments sees it.
+TEST_F(ScanCharacters, AfterAReset) {
+    for (const bool comments : {false, true}) {
+        Open(SCAN_LINE_COMMENT, "a/bc");
+        Read();
+        scan_reset(handle);
+        EXPECT_EQ(Characters(2, comments), comments ? "1:b 1:c" : "4:  1:b");
+    }
+}
+
 // The class form.
+static_assert(std::is_abstract_v<IZrScannerGetChar>);
+
 class TextSource : public IZrScannerGetChar {
 public:
     explicit TextSource(const char *text) : text_(text) {}
@@ -889,6 +1044,10 @@ TEST_F(Scanner, NoMemoryForTheScanner_GivesNull) {
         EXPECT_EQ(scan_open(Next, 0, nullptr), nullptr);
         EXPECT_TRUE(refusal.Met());
     }
+    zr::test::HeapRefusal refusal(0);
+    EXPECT_EQ(scan_open_with_userdata(Next, Taken, 0, nullptr), nullptr);
+    EXPECT_TRUE(refusal.Met());
+    EXPECT_EQ(taken, 0U);
 }
 
 TEST_F(Scanner, NoMemoryForTheKeywords_LeavesAScannerWithoutThem) {
@@ -1008,9 +1167,12 @@ protected:
         if (!text.starts_with("["))
             return 0;
         const std::size_t end = text.find("] ");
-        for (const auto &[name, option] : names) {
-            if ((" " + text.substr(1, end - 1) + " ").find(" " + name + " ") != string::npos)
-                options |= option;
+        std::istringstream words(text.substr(1, end - 1));
+        for (string word; words >> word;) {
+            const auto known =
+                std::find_if(names.begin(), names.end(), [&](const auto &name) { return name.first == word; });
+            EXPECT_NE(known, names.end()) << word;
+            options |= known != names.end() ? known->second : 0;
         }
         text.erase(0, end + 2);
         return options;
