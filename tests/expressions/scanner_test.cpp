@@ -346,6 +346,8 @@ TEST_F(Scanner, NumbersOfAnyLength_AreTheNearestDoubles) {
             ASSERT_EQ(token.long_value, expected) << number;
         }
     }
+    // Sixteen digits are no double of their own: nothing that is reckoned from one is right.
+    EXPECT_EQ(First(0, "91399620.84340797").double_value, 91399620.84340797);
 }
 
 TEST_F(Scanner, AnEarlierOverflow_DoesNotSpoilALaterZero) {
@@ -682,6 +684,10 @@ TEST_F(Scanner, StringAtTheLimit_HasNoTerminator) {
     // Want of room shows late behind an escape, so that the next part is read still.
     EXPECT_EQ(All(0xE0000, "\"" + string(4096, 's') + "\\\\\"\\\"t\" x").substr(4103), "6:x");
     EXPECT_EQ(All(0xE0000, "\"" + string(4097, 's') + "\"\\\"t\" x").substr(4103), "77:\\ 10:t 6:x");
+    for (const char *escape : {"\\q", "\\n"}) // not behind these
+        EXPECT_EQ(All(0xE0000, "\"" + string(4096, 's') + escape + "\"\\\"t\" x").substr(4103), "77:\\ 10:t 6:x");
+    EXPECT_EQ(All(0xE0000, "\"" + string(4095, 's') + "\\q\"\\\"t\" x").substr(4103), "77:\\ 10:t 6:x");
+    EXPECT_EQ(All(0xE0000, "\"" + string(4094, 's') + "\\q\"\\\"t\" x").substr(4103), "6:x");
 }
 
 TEST_F(Scanner, NameAtTheLimit_IsLookedUpNoMore) {
