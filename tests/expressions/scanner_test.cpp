@@ -346,7 +346,7 @@ TEST_F(Scanner, NumbersOfAnyLength_AreTheNearestDoubles) {
             ASSERT_EQ(token.long_value, expected) << number;
         }
     }
-    // Sixteen digits are no double of their own: nothing that is reckoned from one is right.
+    // Its digits alone are more than a double holds: their quotient would not be the nearest one.
     EXPECT_EQ(First(0, "91399620.84340797").double_value, 91399620.84340797);
 }
 
@@ -760,6 +760,12 @@ TEST_F(Scanner, KeywordsNoCase_MatchAnyCase) {
     EXPECT_EQ(token.long_value, 2);
     EXPECT_EQ(token.text, "X_y1"); // as read
     EXPECT_EQ(First(SCAN_KEYWORDS_NOCASE, "xXY1", keywords).kind, 6);
+}
+
+TEST_F(Scanner, BitsThatAreNoOptions_ChangeNothing) {
+    const char *keywords[] = {"if", nullptr};
+    const string text = "if IF <= -1 a\n/*b*/ 'x' \"s\\n\" ** ! # \\ it's";
+    EXPECT_EQ(All(INT_MIN | 0x7FF06000, text, keywords), All(0, text, keywords));
 }
 
 TEST_F(Scanner, FewKeywords_AreFound) {
