@@ -397,6 +397,7 @@ TEST_F(Scanner, NumberAtTheLimit_IsConvertedWithoutATerminator) {
     EXPECT_EQ(First(0, "0." + string(4095, '0')).error, 10);
     EXPECT_EQ(First(0, string(4096, '0') + "e1").error, 10);
     EXPECT_EQ(First(0, string(4096, '0') + "e").error, 10); // rather than without digits
+    EXPECT_EQ(First(0, string(4095, '0') + "e+").error, 10);
     EXPECT_EQ(First(0, string(4095, '0') + "e").error, 6);
     EXPECT_EQ(First(0, string(4096, '0') + ".").error, 10);
     EXPECT_EQ(First(0, string(4094, '0') + "e+1").error, 10);
@@ -789,6 +790,7 @@ TEST_F(Scanner, RepeatedKeywords_GiveTheOneThatABisectionMeets) {
         const char *name;
         zr_long place;
     } cases[] = {{{"rr", "rr", nullptr}, "rr", 0},
+                 {{"ra", "rr", "rr", nullptr}, "rr", 2},
                  {{"zz", "rr", "rr", "rr", nullptr}, "rr", 1},
                  {{"rr", "aa", "rr", "rr", nullptr}, "rr", 3},
                  {{"rr", "rr", "aa", "zz", "rr", nullptr}, "rr", 1},
@@ -799,6 +801,14 @@ TEST_F(Scanner, RepeatedKeywords_GiveTheOneThatABisectionMeets) {
         EXPECT_EQ(token.kind, 5) << keywords.size();
         EXPECT_EQ(token.long_value, place) << keywords.size();
     }
+    std::vector<const char *> many(100, "rr");
+    many.push_back(nullptr);
+    const Token first = First(0, "rr", many.data());
+    EXPECT_EQ(first.kind, 5);
+    EXPECT_EQ(first.long_value, 0);
+    many[0] = "aa"; // the middle one of 1 to 99 is met, as none is looked at ahead
+    many[99] = "zz";
+    EXPECT_EQ(First(0, "rr", many.data()).long_value, 49);
     const char *cases_of_one[] = {"zz", "Rr", "aa", "rR", "RR", nullptr};
     EXPECT_EQ(First(SCAN_KEYWORDS_NOCASE, "rr", cases_of_one).long_value, 3);
     EXPECT_EQ(First(0, "Rr", cases_of_one).long_value, 1);
