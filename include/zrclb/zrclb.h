@@ -20,6 +20,7 @@
 #include <zrclb/queue.h>
 #include <zrclb/report.h>
 #include <zrclb/scan.h>
+#include <zrclb/serial.h>
 #include <zrclb/sort.h>
 #include <zrclb/str.h>
 #include <zrclb/system.h>

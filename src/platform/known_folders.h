@@ -1,4 +1,4 @@
-// Folders of the user and of the machine, and the long form of a path.
+// Folders of the user, of the machine and of the system, and the long form of a path.
 #ifndef ZR_PLATFORM_KNOWN_FOLDERS_H
 #define ZR_PLATFORM_KNOWN_FOLDERS_H
 
@@ -24,6 +24,13 @@ inline bool KnownFolder(int number, char *out, std::size_t size) {
 // The same with `below` behind it, a relative path that is not empty. False too if that is no folder that exists.
 inline bool KnownFolderBelow(int number, const char *below, char *out, std::size_t size) {
     return services.known_folder_below(number, below, out, size);
+}
+
+// Folder of the system's old settings files in the library's form into out[0..size-1]. Answers its length, terminator
+// not counted; 0 with an empty `out` (if size is not 0) when it isn't known or doesn't fit. On Linux the folder that ZR_WINDOWS_DIR
+// names with an absolute host path, else /etc/zr, which need not exist.
+inline std::size_t WindowsFolder(char *out, std::size_t size) {
+    return services.windows_folder(out, size);
 }
 
 // The path with the long names of its elements into out[0..size-1]; on Linux, where names have one form, the path in the

@@ -22,15 +22,19 @@ struct ClusterSpace;
 struct FileStatus;
 struct FileVersion;
 struct GroupOptions;
+struct PortSettings;
 struct SystemVersion;
 struct Uuid;
 
 // Takes a font's name and file; false ends the walk (installed_fonts.h).
 using FontVisitor = bool (*)(void *context, const char *name, const char *file);
 
+// A function of a library, to be called as what it is (libraries.h).
+using LibraryFunction = void (*)();
+
 // What the back end provides. Contracts stand at the callers' faces: streams.h, files.h, message_box.h, debug.h,
 // clock.h, temporary.h, drives.h, shell.h, raw_file.h, raw_output.h, modules.h, registry.h, known_folders.h,
-// library_record.h, system_kind.h, users.h, processes.h, installed_fonts.h.
+// library_record.h, system_kind.h, users.h, processes.h, installed_fonts.h, libraries.h, serial_port.h.
 namespace backend {
 std::FILE *OpenText(const char *path, const char *mode);
 std::FILE *OpenBinary(const char *path, const char *mode);
@@ -63,6 +67,7 @@ std::size_t ProgramPath(char *out, std::size_t size);
 bool ReadRegistryText(RegistryHive hive, const char *key, const char *name, char *out, std::size_t size);
 bool KnownFolder(int number, char *out, std::size_t size);
 bool KnownFolderBelow(int number, const char *below, char *out, std::size_t size);
+std::size_t WindowsFolder(char *out, std::size_t size);
 std::size_t LongPath(const char *path, char *out, std::size_t size);
 bool GetFileVersion(FileVersion &out);
 std::size_t GetLibraryText(LibraryText text, char *out, std::size_t size);
@@ -71,6 +76,14 @@ bool SystemUser(char *out, std::size_t size);
 bool SystemLogin(char *out, std::size_t size);
 int StartProgram(char *command_line, unsigned short show);
 void VisitInstalledFonts(FontVisitor visit, void *context);
+void *OpenLibrary(const char *name);
+LibraryFunction FindFunction(void *library, const char *name);
+void CloseLibrary(void *library);
+zr_value OpenPort(const char *port);
+bool BuildPortSettings(const char *port, const char *configuration, PortSettings &out);
+bool ApplyPortSettings(zr_value port, const PortSettings &settings);
+std::size_t WritePort(zr_value port, const void *bytes, std::size_t size);
+void ClosePort(zr_value port);
 } // namespace backend
 
 struct Services {
@@ -108,6 +121,7 @@ struct Services {
                           std::size_t size) = backend::ReadRegistryText;
     bool (*known_folder)(int number, char *out, std::size_t size) = backend::KnownFolder;
     bool (*known_folder_below)(int number, const char *below, char *out, std::size_t size) = backend::KnownFolderBelow;
+    std::size_t (*windows_folder)(char *out, std::size_t size) = backend::WindowsFolder;
     std::size_t (*long_path)(const char *path, char *out, std::size_t size) = backend::LongPath;
     bool (*file_version)(FileVersion &out) = backend::GetFileVersion;
     std::size_t (*library_text)(LibraryText text, char *out, std::size_t size) = backend::GetLibraryText;
@@ -116,6 +130,15 @@ struct Services {
     bool (*system_login)(char *out, std::size_t size) = backend::SystemLogin;
     int (*start_program)(char *command_line, unsigned short show) = backend::StartProgram;
     void (*installed_fonts)(FontVisitor visit, void *context) = backend::VisitInstalledFonts;
+    void *(*open_library)(const char *name) = backend::OpenLibrary;
+    LibraryFunction (*find_function)(void *library, const char *name) = backend::FindFunction;
+    void (*close_library)(void *library) = backend::CloseLibrary;
+    zr_value (*open_port)(const char *port) = backend::OpenPort;
+    bool (*build_port_settings)(const char *port, const char *configuration,
+                                PortSettings &out) = backend::BuildPortSettings;
+    bool (*apply_port_settings)(zr_value port, const PortSettings &settings) = backend::ApplyPortSettings;
+    std::size_t (*write_port)(zr_value port, const void *bytes, std::size_t size) = backend::WritePort;
+    void (*close_port)(zr_value port) = backend::ClosePort;
 };
 
 inline constinit Services services;

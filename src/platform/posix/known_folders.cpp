@@ -74,6 +74,21 @@ bool backend::KnownFolderBelow(int number, const char *below, char *out, std::si
     return false;
 }
 
+std::size_t backend::WindowsFolder(char *out, std::size_t size) {
+    if (out == nullptr || size == 0)
+        return 0;
+    out[0] = 0;
+    const char *folder = std::getenv("ZR_WINDOWS_DIR");
+    PathBuffer host = "/etc/zr";
+    if (folder != nullptr && folder[0] == '/') {
+        if (strnlen(folder, sizeof host) == sizeof host)
+            return 0;
+        std::strcpy(host, folder);
+    }
+    CutLastSeparators(host);
+    return posix::FromHost(host, out, size < path_size ? size : path_size) ? std::strlen(out) : 0;
+}
+
 std::size_t backend::LongPath(const char *path, char *out, std::size_t size) {
     PathBuffer host;
     struct stat status;

@@ -52,6 +52,16 @@ bool backend::KnownFolderBelow(int number, const char *below, char *out, std::si
     return Store(path, out, size);
 }
 
+std::size_t backend::WindowsFolder(char *out, std::size_t size) {
+    if (out == nullptr || size == 0)
+        return 0;
+    const UINT length = GetWindowsDirectoryA(out, size > MAX_PATH ? MAX_PATH : static_cast<UINT>(size));
+    if (length > 0 && length < size)
+        return length;
+    out[0] = 0;
+    return 0;
+}
+
 std::size_t backend::LongPath(const char *path, char *out, std::size_t size) {
     return GetLongPathNameA(path, out, size > MAXDWORD ? MAXDWORD : static_cast<DWORD>(size));
 }
