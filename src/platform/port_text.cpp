@@ -175,23 +175,17 @@ bool TakeXon(Rest &rest, PortSettings &settings) {
     return true;
 }
 
-// Which of the settings that depend on one another a text has.
-struct Given {
-    bool baud = false;
-    bool stop = false;
-};
-
-// One setting with its name.
-bool TakeSetting(Rest &rest, PortSettings &settings, Given &given) {
+// One setting with its name. `stop_given` tells whether the stop bits have been among them.
+bool TakeSetting(Rest &rest, PortSettings &settings, bool &stop_given) {
     bool ignored;
     if (rest.TakeWord("baud="))
-        return given.baud = TakeBaudRate(rest, settings.baud_rate);
+        return TakeBaudRate(rest, settings.baud_rate);
     if (rest.TakeWord("parity="))
         return rest.TakeParity(settings.parity);
     if (rest.TakeWord("data="))
         return rest.TakeDataBits(settings.data_bits);
     if (rest.TakeWord("stop="))
-        return given.stop = rest.TakeStopBits(settings.stop_bits);
+        return stop_given = rest.TakeStopBits(settings.stop_bits);
     if (rest.TakeWord("to="))
         return TakeSwitch(rest, ignored);
     if (rest.TakeWord("xon="))
@@ -208,14 +202,16 @@ bool TakeSetting(Rest &rest, PortSettings &settings, Given &given) {
 }
 
 bool ParseNamed(Rest rest, PortSettings &settings) {
-    Given given;
-    for (bool first = true; first ? !rest.AtEnd() : rest.Take(' '); first = false) {
+    bool stop_given = false;
+    if (!rest.AtEnd() && !TakeSetting(rest, settings, stop_given))
+        return false;
+    while (rest.Take(' ')) {
         rest.SkipBlanks();
-        if (!TakeSetting(rest, settings, given))
+        if (!TakeSetting(rest, settings, stop_given))
             return false;
     }
-    if (given.baud && settings.baud_rate == 110 && !given.stop)
-        settings.stop_bits = two_stop_bits;
+    if (!stop_given)
+        settings.stop_bits = settings.baud_rate == 110 ? two_stop_bits : one_stop_bit;
     return rest.AtEnd();
 }
 
