@@ -175,17 +175,23 @@ bool TakeXon(Rest &rest, PortSettings &settings) {
     return true;
 }
 
-// One setting with its name. `stop_given` tells whether the stop bits have been among them.
-bool TakeSetting(Rest &rest, PortSettings &settings, bool &stop_given) {
+// Which of the settings that depend on one another a text has.
+struct Given {
+    bool rate = false;
+    bool stop = false;
+};
+
+// One setting with its name.
+bool TakeSetting(Rest &rest, PortSettings &settings, Given &given) {
     bool ignored;
     if (rest.TakeWord("baud="))
-        return TakeBaudRate(rest, settings.baud_rate);
+        return given.rate = TakeBaudRate(rest, settings.baud_rate);
     if (rest.TakeWord("parity="))
         return rest.TakeParity(settings.parity);
     if (rest.TakeWord("data="))
         return rest.TakeDataBits(settings.data_bits);
     if (rest.TakeWord("stop="))
-        return stop_given = rest.TakeStopBits(settings.stop_bits);
+        return given.stop = rest.TakeStopBits(settings.stop_bits);
     if (rest.TakeWord("to="))
         return TakeSwitch(rest, ignored);
     if (rest.TakeWord("xon="))
@@ -202,16 +208,16 @@ bool TakeSetting(Rest &rest, PortSettings &settings, bool &stop_given) {
 }
 
 bool ParseNamed(Rest rest, PortSettings &settings) {
-    bool stop_given = false;
-    if (!rest.AtEnd() && !TakeSetting(rest, settings, stop_given))
+    Given given;
+    if (!rest.AtEnd() && !TakeSetting(rest, settings, given))
         return false;
     while (rest.Take(' ')) {
         rest.SkipBlanks();
-        if (!TakeSetting(rest, settings, stop_given))
+        if (!TakeSetting(rest, settings, given))
             return false;
     }
-    if (!stop_given)
-        settings.stop_bits = settings.baud_rate == 110 ? two_stop_bits : one_stop_bit;
+    if (!given.stop)
+        settings.stop_bits = given.rate && settings.baud_rate == 110 ? two_stop_bits : one_stop_bit;
     return rest.AtEnd();
 }
 

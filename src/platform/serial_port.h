@@ -91,7 +91,7 @@ inline void ClosePort(zr_value port) {
 //       without. 11, 15, 30, 60, 12, 24, 48, 96 and 19 are short for 110, 150, 300, 600, 1200, 2400, 4800, 9600 and
 //       19200. Handshakes are set, so those that aren't named are switched off.
 //   baud=n parity=p data=n stop=n to=on xon=on odsr=on octs=on dtr=on rts=on idsr=on   any of these, parted by blanks. Instead of
-//       on: off; dtr=hs, rts=hs and rts=tg as well. Without stop it is 2 for 110 baud, else 1. "to" has nothing to set
+//       on: off; dtr=hs, rts=hs and rts=tg as well. Without stop it is 2 for baud=110, else 1. "to" has nothing to set
 //       here.
 //
 // An empty text, and one of nothing but a port's name, are of the second form. Numbers beyond 32 bits count as the

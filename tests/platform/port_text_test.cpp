@@ -172,6 +172,11 @@ TEST(PortText, Baud110WithoutStop_HasTwoStopBits) {
     EXPECT_EQ(Parsed("baud=110"), "110 0 0 2 0 0 0 0 0 0 0");
     EXPECT_EQ(Parsed("stop=1 baud=110"), "110 0 0 0 0 0 0 0 0 0 0");
     EXPECT_EQ(Parsed("baud=110 stop=1.5"), "110 0 0 1 0 0 0 0 0 0 0");
+    PortSettings settings;
+    settings.baud_rate = 110;
+    settings.stop_bits = 1;
+    EXPECT_TRUE(ParsePortText("COM1:", settings));
+    EXPECT_EQ(Line(settings), "110 0 0 0 0 0 0 0 0 0 0"); // a rate that was there before doesn't count
     EXPECT_EQ(Parsed("110,n,8,1"), "110 8 0 0 0 0 1 0 0 0 1");
 }
 

@@ -146,7 +146,7 @@ TEST_F(WineSerial, SettingsAndBytesArrive) {
     EXPECT_TRUE(Has(settings, "speed 19200 baud")) << settings;
     EXPECT_TRUE(Has(settings, " cstopb")) << settings;
     EXPECT_TRUE(Has(settings, " crtscts")) << settings;
-    EXPECT_TRUE(Has(settings, " -opost")) << settings;
+    EXPECT_TRUE(Has(settings, "-opost")) << settings;
     std::string bytes;
     for (int i = 0; i < 256; ++i)
         bytes += static_cast<char>(i);
