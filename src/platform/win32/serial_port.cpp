@@ -83,15 +83,16 @@ bool backend::ApplyPortSettings(zr_value port, const PortSettings &settings) {
     if (!GetCommState(HandleOf(port), &block))
         return false;
     Store(settings, block);
-    block.fBinary = 1; // the system knows no other mode
-    block.fParity = settings.parity != no_parity;
+    block.fBinary = 1;                                        // the system knows no other mode
+    block.fErrorChar = block.fNull = block.fAbortOnError = 0; // bytes pass as they are
     return SetCommState(HandleOf(port), &block) != 0;
 }
 
 std::size_t backend::WritePort(zr_value port, const void *bytes, std::size_t size) {
     DWORD written = 0;
     const DWORD wanted = size > MAXDWORD ? MAXDWORD : static_cast<DWORD>(size);
-    return WriteFile(HandleOf(port), bytes, wanted, &written, nullptr) ? written : 0;
+    WriteFile(HandleOf(port), bytes, wanted, &written, nullptr); // the number tells all
+    return written;
 }
 
 void backend::ClosePort(zr_value port) {

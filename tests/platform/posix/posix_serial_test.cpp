@@ -288,7 +288,24 @@ TEST_F(PosixSerial, EveryRateIsSet) {
         const termios settings = m_pair.Settings();
         EXPECT_EQ(cfgetospeed(&settings), code) << bits;
     }
-    EXPECT_TRUE(zr::platform::ApplyPortSettings(port, Plain(256000))); // has no code
+    constexpr speed_t no_code = 0010000; // the rate stands as a number
+    EXPECT_TRUE(zr::platform::ApplyPortSettings(port, Plain(256000)));
+    const termios settings = m_pair.Settings();
+    EXPECT_EQ(cfgetospeed(&settings), no_code);
+    zr::platform::ClosePort(port);
+}
+
+// Of the parity a pseudo-terminal keeps only which one it would be.
+TEST_F(PosixSerial, EveryParityIsSet) {
+    const zr_value port = zr::platform::OpenPort("COM1");
+    ASSERT_NE(port, 0u);
+    const tcflag_t wanted[] = {0, PARODD, 0, PARODD | CMSPAR, CMSPAR};
+    for (std::uint8_t parity = 0; parity < 5; ++parity) {
+        PortSettings settings = Plain(9600);
+        settings.parity = parity;
+        EXPECT_TRUE(zr::platform::ApplyPortSettings(port, settings));
+        EXPECT_EQ(m_pair.Settings().c_cflag & (PARODD | CMSPAR), wanted[parity]) << int(parity);
+    }
     zr::platform::ClosePort(port);
 }
 
