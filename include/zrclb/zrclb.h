@@ -24,6 +24,7 @@
 #include <zrclb/sort.h>
 #include <zrclb/str.h>
 #include <zrclb/system.h>
+#include <zrclb/timer.h>
 #include <zrclb/types.h>
 #include <zrclb/version.h>
 #include <zrclb/window_utilities.h>

@@ -6,6 +6,7 @@
 #include <zrclb/env.hpp>
 #include <zrclb/file_name.hpp>
 #include <zrclb/scan.hpp>
+#include <zrclb/timer.hpp>
 #include <zrclb/window_utilities.hpp>
 #include <zrclb/zrclb.h>
 

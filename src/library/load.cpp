@@ -1,6 +1,7 @@
 // Loading and unloading of the library.
 #include "library/load.h"
 
+#include "desktop/timer_table.h"
 #include "env/env_lock.h"
 #include "env/node_store.h"
 #include "frame/invalid_parameter.h"
@@ -9,6 +10,7 @@
 #include "frame/message_box_stack.h"
 #include "library/frame_settings.h"
 #include "platform/modules.h"
+#include "platform/window_timers.h"
 
 namespace zr::library {
 namespace {
@@ -39,6 +41,8 @@ void LibraryUnload() {
     // Later calls of the C library must not reach code that is about to leave the process.
     platform::InstallInvalidParameterReporter(nullptr);
     Zr::CZrEnvNodeStore::DropSpareChunks();
+    desktop::DeleteTimers();
+    platform::EndMessagePumps();
     frame::LogSection().Delete();
     env::Section().Delete();
     frame::MessageBoxSection().Delete();

@@ -11,8 +11,8 @@ namespace zr::library {
 // Threads: while no other thread uses the library.
 void LibraryLoad(void *module);
 
-// Deletes the locks. The exit list does not run, and nothing is saved. Without a load before, nothing. The library
-// may be loaded again afterwards. Threads: while no other thread uses the library.
+// Deletes the timers that are left in the table, and the locks. The exit list does not run, and nothing is saved. Without
+// a load before, nothing. The library may be loaded again afterwards. Threads: while no other thread uses the library.
 void LibraryUnload();
 
 } // namespace zr::library

@@ -34,7 +34,8 @@ using LibraryFunction = void (*)();
 
 // What the back end provides. Contracts stand at the callers' faces: streams.h, files.h, message_box.h, debug.h,
 // clock.h, temporary.h, drives.h, shell.h, raw_file.h, raw_output.h, modules.h, registry.h, known_folders.h,
-// library_record.h, system_kind.h, users.h, processes.h, installed_fonts.h, libraries.h, serial_port.h.
+// library_record.h, system_kind.h, users.h, processes.h, installed_fonts.h, libraries.h, serial_port.h,
+// window_timers.h.
 namespace backend {
 std::FILE *OpenText(const char *path, const char *mode);
 std::FILE *OpenBinary(const char *path, const char *mode);
@@ -84,6 +85,9 @@ bool BuildPortSettings(const char *port, const char *configuration, PortSettings
 bool ApplyPortSettings(zr_value port, const PortSettings &settings);
 std::size_t WritePort(zr_value port, const void *bytes, std::size_t size);
 void ClosePort(zr_value port);
+std::int64_t SteadyNanoseconds();
+zr_value StartWindowTimer(zr_window window, zr_value id, zr_long period);
+bool StopWindowTimer(zr_window window, zr_value id);
 } // namespace backend
 
 struct Services {
@@ -139,6 +143,9 @@ struct Services {
     bool (*apply_port_settings)(zr_value port, const PortSettings &settings) = backend::ApplyPortSettings;
     std::size_t (*write_port)(zr_value port, const void *bytes, std::size_t size) = backend::WritePort;
     void (*close_port)(zr_value port) = backend::ClosePort;
+    std::int64_t (*steady_nanoseconds)() = backend::SteadyNanoseconds;
+    zr_value (*start_window_timer)(zr_window window, zr_value id, zr_long period) = backend::StartWindowTimer;
+    bool (*stop_window_timer)(zr_window window, zr_value id) = backend::StopWindowTimer;
 };
 
 inline constinit Services services;
