@@ -1,0 +1,521 @@
+// Timers and their slots, over a desktop that only notes what it is asked for.
+#include <zrclb/timer.hpp>
+
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "desktop/timer_table.h"
+#include "env/refused_memory.h"
+#include "platform/services.h"
+
+namespace {
+
+using zr::platform::services;
+
+static_assert(!std::is_polymorphic_v<zrTimer> && std::is_standard_layout_v<zrTimer>);
+
+zr_window Window(char name) {
+    return reinterpret_cast<zr_window>(static_cast<zr_value>(name));
+}
+const zr_window window_a = Window('A');
+const zr_window window_b = Window('B');
+
+class Timers : public testing::Test {
+protected:
+    void SetUp() override {
+        calls.clear();
+        asked = 0;
+        runs = 0;
+        current = nullptr;
+        next_id = 0;
+        services.start_window_timer = [](zr_window window, zr_value id, zr_long period) {
+            Note("start", window, id);
+            calls.back() += " " + std::to_string(period);
+            started_ids.push_back(id);
+            return next_id != 0 ? next_id : id;
+        };
+        services.stop_window_timer = [](zr_window window, zr_value id) {
+            Note("stop", window, id);
+            return false;
+        };
+    }
+    void TearDown() override {
+        for (int slot = 0; slot < 100; ++slot)
+            zrTimerDel(slot);
+        zrTimerSetHwndFunction(nullptr);
+        services = zr::platform::Services();
+    }
+
+    // "stop A" or, with the identifier 0, "stop A 0".
+    static void Note(const char *verb, zr_window window, zr_value id) {
+        const char name = static_cast<char>(reinterpret_cast<zr_value>(window));
+        calls.push_back(std::string(verb) + " " + name + (id == 0 ? " 0" : id == 77 ? " 77" : ""));
+    }
+    static std::vector<std::string> Calls() { return std::exchange(calls, {}); }
+
+    static zr_window Current() {
+        ++asked;
+        return current;
+    }
+    static void Run(void *user_data) {
+        ++runs;
+        last_user = user_data;
+    }
+
+    using Texts = std::vector<std::string>;
+
+    static inline Texts calls;
+    static inline std::vector<zr_value> started_ids;
+    static inline zr_window current = nullptr;
+    static inline zr_value next_id = 0; // what the desktop calls the next timer; 0: as it was asked to
+    static inline int asked = 0;
+    static inline int runs = 0;
+    static inline void *last_user = nullptr;
+};
+
+TEST_F(Timers, FixedWindow_StartsWithItsAddress) {
+    {
+        const zrTimer timer(window_a, 50, Run, &runs);
+        EXPECT_EQ(Calls(), Texts{"start A 50"});
+        EXPECT_EQ(started_ids.back(), reinterpret_cast<zr_value>(&timer));
+        EXPECT_EQ(timer.timer_id, reinterpret_cast<zr_value>(&timer));
+        EXPECT_EQ(timer.timeout, 50);
+        EXPECT_TRUE(timer.function == Run);
+        EXPECT_EQ(timer.user_data, &runs);
+        EXPECT_EQ(timer.run_count, 0);
+        EXPECT_EQ(timer.hwnd, window_a);
+        EXPECT_TRUE(timer.hwnd_function == nullptr);
+    }
+    EXPECT_EQ(Calls(), Texts{"stop A"});
+}
+
+TEST_F(Timers, IdentifierIsWhatTheDesktopGives) {
+    next_id = 77;
+    {
+        const zrTimer timer(window_a, 50, Run, nullptr);
+        EXPECT_EQ(timer.timer_id, 77u);
+    }
+    EXPECT_EQ(Calls(), (Texts{"start A 50", "stop A 77"}));
+}
+
+TEST_F(Timers, DesktopRefuses_NothingToEnd) {
+    services.start_window_timer = [](zr_window, zr_value, zr_long) { return zr_value{0}; };
+    {
+        const zrTimer timer(window_a, 50, Run, nullptr);
+        EXPECT_EQ(timer.timer_id, 0u);
+        EXPECT_EQ(timer.hwnd, window_a);
+    }
+    EXPECT_EQ(Calls(), Texts{});
+}
+
+TEST_F(Timers, NoWindow_IsIdle) {
+    {
+        const zrTimer timer(50, Run, nullptr);
+        EXPECT_EQ(timer.timer_id, 0u);
+        EXPECT_EQ(timer.hwnd, nullptr);
+        EXPECT_TRUE(timer.hwnd_function == nullptr);
+    }
+    {
+        const zrTimer timer(zr_window{nullptr}, 50, Run, nullptr);
+        EXPECT_EQ(timer.timer_id, 0u);
+    }
+    EXPECT_EQ(Calls(), Texts{});
+}
+
+TEST_F(Timers, NoWindow_AsksTheGlobalFunction) {
+    current = window_a;
+    zrTimerSetHwndFunction(Current);
+    zrTimer timer(50, Run, nullptr);
+    EXPECT_EQ(timer.hwnd, window_a);
+    EXPECT_TRUE(timer.hwnd_function == nullptr);
+    EXPECT_EQ(Calls(), Texts{"start A 50"});
+    EXPECT_EQ(asked, 2); // for the update and for the window
+}
+
+TEST_F(Timers, FixedWindow_GivesWayToTheGlobalFunction) {
+    current = window_b;
+    zrTimerSetHwndFunction(Current);
+    const zrTimer timer(window_a, 50, Run, nullptr);
+    EXPECT_EQ(timer.hwnd, window_b);
+    EXPECT_EQ(Calls(), (Texts{"stop A 0", "start B 50", "start B 50"}));
+    EXPECT_EQ(asked, 1);
+}
+
+TEST_F(Timers, OwnFunction_GoesBeforeTheGlobalOne) {
+    current = window_a;
+    zrTimerSetHwndFunction([] { return window_b; });
+    const zrTimer timer(Current, 50, Run, nullptr);
+    EXPECT_EQ(timer.hwnd, window_a);
+    EXPECT_TRUE(timer.hwnd_function == Current);
+    EXPECT_EQ(Calls(), Texts{"start A 50"});
+}
+
+TEST_F(Timers, OwnFunction_WindowChangesBetweenTheTwoQuestions) {
+    const zrTimer timer([] { return ++asked == 1 ? window_a : window_b; }, 50, Run, nullptr);
+    EXPECT_EQ(timer.hwnd, window_b);
+    EXPECT_EQ(Calls(), (Texts{"stop A 0", "start B 50", "start B 50"}));
+}
+
+TEST_F(Timers, NoFunction_GetHwndDoesNotAsk) {
+    current = window_a;
+    zrTimer timer(Current, 50, nullptr, nullptr);
+    EXPECT_EQ(asked, 1); // the update of the construction
+    EXPECT_EQ(Calls(), Texts{"start A 50"});
+    current = window_b;
+    EXPECT_EQ(timer.GetHwnd(), window_a);
+    timer.function = Run;
+    EXPECT_EQ(timer.GetHwnd(), window_b);
+    EXPECT_EQ(Calls(), (Texts{"stop A", "start B 50"}));
+}
+
+TEST_F(Timers, Update_MovesBetweenWindowsOnly) {
+    current = window_a;
+    {
+        zrTimer timer(Current, 50, Run, nullptr);
+        Calls();
+        timer.UpdateHwndFunction();
+        EXPECT_EQ(Calls(), Texts{});
+        current = window_b;
+        timer.UpdateHwndFunction();
+        EXPECT_EQ(Calls(), (Texts{"stop A", "start B 50"}));
+        current = nullptr;
+        timer.UpdateHwndFunction();
+        EXPECT_EQ(timer.hwnd, nullptr);
+        EXPECT_NE(timer.timer_id, 0u);
+        EXPECT_EQ(Calls(), Texts{});
+        current = window_a;
+        timer.UpdateHwndFunction();
+        EXPECT_EQ(timer.hwnd, window_a);
+        EXPECT_EQ(Calls(), Texts{}); // noted only
+        current = nullptr;
+        timer.UpdateHwndFunction();
+    }
+    EXPECT_EQ(Calls(), Texts{}); // no window, nothing to end
+}
+
+TEST_F(Timers, Update_WithoutAnyFunctionWindowStays) {
+    zrTimer timer(window_a, 50, Run, nullptr);
+    Calls();
+    timer.UpdateHwndFunction();
+    EXPECT_EQ(timer.GetHwnd(), window_a);
+    EXPECT_EQ(Calls(), Texts{});
+}
+
+TEST_F(Timers, SetHwndFunction_OnlyIfNothingIsSet) {
+    zrTimer fixed(window_a, 50, Run, nullptr);
+    fixed.SetHwndFunction(Current);
+    EXPECT_TRUE(fixed.hwnd_function == nullptr);
+
+    zrTimer through([] { return zr_window{nullptr}; }, 50, Run, nullptr);
+    through.SetHwndFunction(Current);
+    EXPECT_FALSE(through.hwnd_function == Current);
+
+    zrTimer none(50, Run, nullptr);
+    none.SetHwndFunction(Current);
+    EXPECT_TRUE(none.hwnd_function == Current);
+    EXPECT_EQ(asked, 0);
+}
+
+TEST_F(Timers, ChangeTimeOut_EndsAndStarts) {
+    current = window_a;
+    zrTimer timer(Current, 50, Run, nullptr);
+    Calls();
+    timer.ChangeTimeOut(70);
+    EXPECT_EQ(timer.timeout, 70);
+    EXPECT_EQ(Calls(), (Texts{"stop A", "start A 70"}));
+    current = window_b; // moved with the old period first
+    timer.ChangeTimeOut(90);
+    EXPECT_EQ(Calls(), (Texts{"stop A", "start B 70", "stop B", "start B 90"}));
+}
+
+TEST_F(Timers, InitTimer_DoesNotKeepTheWindow) {
+    zrTimer timer(window_a, 50, Run, nullptr);
+    Calls();
+    timer.InitTimer(window_b);
+    EXPECT_EQ(timer.hwnd, window_a);
+    EXPECT_EQ(Calls(), Texts{"start B 50"});
+    timer.InitTimer(nullptr);
+    EXPECT_EQ(timer.timer_id, 0u);
+    EXPECT_EQ(Calls(), Texts{});
+}
+
+TEST_F(Timers, ExecuteFunction_CallsAndCounts) {
+    zrTimer timer(50, Run, &asked);
+    timer.ExecuteFunction();
+    timer.ExecuteFunction();
+    EXPECT_EQ(runs, 2);
+    EXPECT_EQ(timer.run_count, 2);
+    EXPECT_EQ(last_user, &asked);
+    timer.function = nullptr;
+    timer.ExecuteFunction();
+    EXPECT_EQ(timer.run_count, 3);
+    timer.run_count = 2147483647;
+    timer.ExecuteFunction();
+    EXPECT_EQ(timer.run_count, -2147483647 - 1);
+}
+
+TEST_F(Timers, ExecuteFunction_CountsBehindTheCall) {
+    static zrTimer *self;
+    static int seen;
+    zrTimer timer(
+        50, [](void *) { seen = self->run_count; }, nullptr);
+    self = &timer;
+    timer.ExecuteFunction();
+    EXPECT_EQ(seen, 0);
+    EXPECT_EQ(timer.run_count, 1);
+}
+
+TEST_F(Timers, Assignment_CopiesAllSevenFields) {
+    const auto nothing = [] { return zr_window{nullptr}; };
+    current = window_a;
+    zrTimer source(Current, 50, Run, &runs);
+    source.run_count = 9;
+    {
+        zrTimer target(nothing, 1, nullptr, nullptr);
+        Calls();
+        EXPECT_EQ(&(target = source), &target);
+        EXPECT_EQ(target.timer_id, source.timer_id);
+        EXPECT_EQ(target.timeout, 50);
+        EXPECT_TRUE(target.function == Run);
+        EXPECT_EQ(target.user_data, &runs);
+        EXPECT_EQ(target.run_count, 9);
+        EXPECT_EQ(target.hwnd, window_a);
+        EXPECT_TRUE(target.hwnd_function == Current);
+        zrTimer copy(source);
+        EXPECT_EQ(copy.timer_id, source.timer_id);
+        EXPECT_EQ(zrTimerExecute(&copy), 1);
+        EXPECT_EQ(copy.run_count, 10);
+        EXPECT_EQ(Calls(), Texts{});
+    }
+    EXPECT_EQ(Calls(), (Texts{"stop A", "stop A"}));
+}
+
+TEST_F(Timers, HundredAndFirst_RunsWithoutASlot) {
+    current = window_a;
+    for (int slot = 0; slot < 100; ++slot)
+        ASSERT_EQ(zrTimerSet(Current, 50, Run, nullptr), slot);
+    Calls();
+    const zr_value ids = started_ids.size();
+    EXPECT_EQ(zrTimerSet(Current, 60, Run, nullptr), -1);
+    EXPECT_EQ(Calls(), Texts{"start A 60"});
+    zrTimerSetHwndFunction(Current);
+    EXPECT_EQ(zrTimerSetWithoutHwnd(70, Run, nullptr), -1);
+    EXPECT_EQ(Calls(), Texts{"start A 70"});
+
+    for (const zr_value id : {started_ids[ids], started_ids[ids + 1]}) { // the window's messages bring them
+        auto *left = reinterpret_cast<zrTimer *>(id);
+        EXPECT_EQ(zrTimerExecute(left), 1);
+        delete left;
+    }
+    EXPECT_EQ(runs, 2);
+
+    EXPECT_EQ(zrTimerDel(42), 1);
+    EXPECT_EQ(zrTimerDel(7), 1);
+    EXPECT_EQ(zrTimerSetWithoutHwnd(50, Run, nullptr), 7); // the first empty one
+    EXPECT_EQ(zrTimerSetWithoutHwnd(50, Run, nullptr), 42);
+}
+
+TEST_F(Timers, Del_OnlyOnceAndInRange) {
+    EXPECT_EQ(zrTimerSetWithoutHwnd(50, Run, nullptr), 0);
+    EXPECT_EQ(zrTimerDel(0), 1);
+    for (const int slot : {0, -1, 100, 2147483647, -2147483647 - 1})
+        EXPECT_EQ(zrTimerDel(slot), -1) << slot;
+}
+
+TEST_F(Timers, Del_EndsTheRunningTimer) {
+    current = window_a;
+    EXPECT_EQ(zrTimerSet(Current, 50, Run, nullptr), 0);
+    Calls();
+    EXPECT_EQ(zrTimerDel(0), 1);
+    EXPECT_EQ(Calls(), Texts{"stop A"});
+}
+
+TEST_F(Timers, Set_AllOthersLookForTheirWindows) {
+    current = window_a;
+    EXPECT_EQ(zrTimerSet(Current, 50, Run, nullptr), 0);
+    Calls();
+    current = window_b;
+    EXPECT_EQ(zrTimerSetWithoutHwnd(60, Run, nullptr), 1);
+    EXPECT_EQ(Calls(), (Texts{"stop A", "start B 50"}));
+    current = window_a;
+    zrTimerUpdateHwnd();
+    EXPECT_EQ(Calls(), (Texts{"stop B", "start A 50"}));
+}
+
+TEST_F(Timers, WithoutWindow_StartsWithANewPeriodOnly) {
+    EXPECT_EQ(zrTimerSetWithoutHwnd(50, Run, nullptr), 0);
+    current = window_a;
+    zrTimerSetHwndFunction(Current);
+    zrTimerUpdateHwnd();
+    EXPECT_EQ(Calls(), Texts{});
+    zrTimerChangeTimeOut(0, 60);
+    EXPECT_EQ(Calls(), (Texts{"stop A 0", "start A 60"}));
+}
+
+TEST_F(Timers, ChangeTimeOut_NoSuchSlotDoesNothing) {
+    for (const int slot : {0, 99, 100, -1, 2147483647, -2147483647 - 1})
+        zrTimerChangeTimeOut(slot, 60);
+    EXPECT_EQ(Calls(), Texts{});
+}
+
+TEST_F(Timers, Execute_CountsAndGivesOne) {
+    zrTimer timer(50, Run, nullptr);
+    EXPECT_EQ(zrTimerExecute(&timer), 1);
+    EXPECT_EQ(timer.run_count, 1);
+    EXPECT_EQ(runs, 1);
+}
+
+TEST_F(Timers, Execute_WhatIsNoTimerIsIgnored) {
+    EXPECT_EQ(zrTimerExecute(nullptr), 1);
+    int foreign = 0;
+    EXPECT_EQ(zrTimerExecute(reinterpret_cast<zrTimer *>(&foreign)), 1);
+    EXPECT_EQ(zrTimerExecute(reinterpret_cast<zrTimer *>(zr_value{1})), 1);
+    auto ended = std::make_unique<zrTimer>(50, Run, nullptr);
+    zrTimer *address = ended.get();
+    ended.reset();
+    EXPECT_EQ(zrTimerExecute(address), 1);
+    EXPECT_EQ(runs, 0);
+}
+
+// A message that was on its way when its timer forgot the window and ended.
+TEST_F(Timers, Execute_TimerThatTheDesktopStillHas) {
+    current = window_a;
+    EXPECT_EQ(zrTimerSet(Current, 50, Run, nullptr), 0);
+    const zr_value id = started_ids.back();
+    current = nullptr;
+    zrTimerUpdateHwnd();
+    EXPECT_EQ(zrTimerDel(0), 1);
+    EXPECT_EQ(Calls(), Texts{"start A 50"});
+    EXPECT_EQ(zrTimerExecute(reinterpret_cast<zrTimer *>(id)), 1);
+    EXPECT_EQ(runs, 0);
+}
+
+TEST_F(Timers, Execute_TimerDeletesItself) {
+    current = window_a;
+    EXPECT_EQ(zrTimerSet(
+                  Current, 50,
+                  [](void *) {
+                      ++runs;
+                      EXPECT_EQ(zrTimerDel(0), 1);
+                  },
+                  nullptr),
+              0);
+    EXPECT_EQ(zrTimerExecute(reinterpret_cast<zrTimer *>(started_ids.back())), 1);
+    EXPECT_EQ(runs, 1);
+    EXPECT_EQ(zrTimerDel(0), -1);
+}
+
+TEST_F(Timers, Execute_TimerIsReplacedInItsFunction) {
+    current = window_a;
+    EXPECT_EQ(zrTimerSet(
+                  Current, 50,
+                  [](void *) {
+                      EXPECT_EQ(zrTimerDel(0), 1);
+                      EXPECT_EQ(zrTimerSet(Current, 50, Run, nullptr), 0); // may get the same memory
+                  },
+                  nullptr),
+              0);
+    EXPECT_EQ(zrTimerExecute(reinterpret_cast<zrTimer *>(started_ids.back())), 1);
+    EXPECT_EQ(reinterpret_cast<zrTimer *>(started_ids.back())->run_count, 0);
+}
+
+TEST_F(Timers, WindowFunction_DeletesItsTimer) {
+    static bool deletes;
+    deletes = false;
+    const auto function = [] {
+        if (deletes)
+            zrTimerDel(0);
+        return window_a;
+    };
+    for (const int way : {0, 1, 2}) {
+        deletes = false;
+        EXPECT_EQ(zrTimerSet(function, 50, Run, nullptr), 0);
+        auto *timer = reinterpret_cast<zrTimer *>(started_ids.back());
+        deletes = true;
+        Calls();
+        if (way == 0)
+            zrTimerUpdateHwnd();
+        else if (way == 1)
+            zrTimerChangeTimeOut(0, 60);
+        else
+            EXPECT_EQ(timer->GetHwnd(), nullptr);
+        EXPECT_EQ(Calls(), Texts{"stop A"});
+        EXPECT_EQ(zrTimerDel(0), -1);
+    }
+}
+
+TEST_F(Timers, WindowFunction_AddsATimer) {
+    static bool adds;
+    adds = true;
+    const auto function = [] {
+        if (std::exchange(adds, false)) {
+            EXPECT_EQ(zrTimerSetWithoutHwnd(60, Run, nullptr), 0);
+        }
+        return window_a;
+    };
+    EXPECT_EQ(zrTimerSet(function, 50, Run, nullptr), 1);
+    EXPECT_EQ(Calls(), Texts{"start A 50"});
+}
+
+TEST_F(Timers, Set_AllocationFails) {
+    // The notes of the others take memory themselves.
+    static int running;
+    services.start_window_timer = [](zr_window, zr_value id, zr_long) {
+        ++running;
+        return id;
+    };
+    services.stop_window_timer = [](zr_window, zr_value) { return --running == 0; };
+    current = window_a;
+    running = 0;
+    int allocations = 0;
+    for (bool met = true; met; ++allocations) {
+        const zr::test::NthAllocation refusal(allocations);
+        const int slot = zrTimerSet(Current, 50, Run, nullptr);
+        met = refusal.Met();
+        EXPECT_EQ(slot, met ? -1 : 0);
+        EXPECT_EQ(running, met ? 0 : 1);
+        EXPECT_EQ(zrTimerDel(0), met ? -1 : 1);
+        EXPECT_EQ(running, 0);
+    }
+    EXPECT_EQ(allocations, 3); // the timer, and that it is known
+}
+
+TEST_F(Timers, Object_AllocationFailsIsIdle) {
+    const zr::test::NthAllocation refusal(0);
+    zrTimer timer(window_a, 50, Run, nullptr);
+    EXPECT_TRUE(refusal.Met());
+    EXPECT_EQ(timer.timer_id, 0u);
+    timer.ChangeTimeOut(60);
+    EXPECT_EQ(timer.timer_id, 0u);
+    EXPECT_EQ(zrTimerExecute(&timer), 1);
+    EXPECT_EQ(runs, 0);
+}
+
+TEST_F(Timers, Many_AreAllKnown) {
+    std::vector<std::unique_ptr<zrTimer>> timers;
+    for (int i = 0; i < 300; ++i)
+        timers.push_back(std::make_unique<zrTimer>(50, Run, nullptr));
+    for (std::size_t i = 0; i < timers.size(); i += 2)
+        timers[i].reset();
+    for (const auto &timer : timers)
+        zrTimerExecute(timer.get());
+    EXPECT_EQ(runs, 150);
+}
+
+TEST_F(Timers, Unload_DeletesWhatIsLeft) {
+    current = window_a;
+    EXPECT_EQ(zrTimerSet(Current, 50, Run, nullptr), 0);
+    EXPECT_EQ(zrTimerSet(Current, 50, Run, nullptr), 1);
+    Calls();
+    zr::desktop::DeleteTimers();
+    EXPECT_EQ(Calls(), (Texts{"stop A", "stop A"}));
+    EXPECT_EQ(zrTimerDel(0), -1);
+    EXPECT_EQ(zrTimerSetWithoutHwnd(50, Run, nullptr), 0); // in use again
+}
+
+} // namespace
