@@ -132,6 +132,25 @@ TEST_F(Load, CallsWithoutTheLocksAreSound) {
     zr::library::LibraryLoad(nullptr);
 }
 
+TEST_F(Load, UnloadDeletesTheTimers) {
+    LoadAnew();
+    static int running;
+    running = 0;
+    zr::platform::services.start_window_timer = [](zr_window, zr_value id, zr_long) {
+        ++running;
+        return id;
+    };
+    zr::platform::services.stop_window_timer = [](zr_window, zr_value) { return --running >= 0; };
+    const zr_window_function window = [] { return static_cast<zr_window>(&running); };
+    EXPECT_EQ(zrTimerSet(window, 50, nullptr, nullptr), 0);
+    EXPECT_EQ(zrTimerSet(window, 50, nullptr, nullptr), 1);
+    EXPECT_EQ(running, 2);
+    zr::library::LibraryUnload();
+    EXPECT_EQ(running, 0);
+    EXPECT_EQ(zrTimerDel(0), -1);
+    LoadAnew();
+}
+
 TEST_F(Load, UnloadDoesNotRunTheExitList) {
     ended.clear();
     endprog_fkt(0, [] { ended += "a"; });
