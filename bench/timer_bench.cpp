@@ -92,7 +92,8 @@ void Sleeping(benchmark::State &state) {
     for (auto _ : state) {
         pollfd item{zrPumpDescriptor(), POLLIN, 0};
         const double before = ThreadSeconds();
-        if (poll(&item, 1, std::min(zrPumpNextDue(), 500)) == 1)
+        const int due = zrPumpNextDue();
+        if (poll(&item, 1, due >= 0 ? std::min(due, 500) : 500) == 1)
             Yield_and_PeekMessage();
         busy += ThreadSeconds() - before;
     }
