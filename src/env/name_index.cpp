@@ -67,8 +67,17 @@ bool CZrEnvNameIndex::Less::operator()(std::string_view a, const CZrEnvElement *
 
 // ---- Making and ending
 
-void *CZrEnvNameIndex::operator new(std::size_t uSize, std::size_t uSlots) {
+// Neither inline nor apart from each other: compilers that see one without the other take them for a mismatch.
+[[gnu::noinline]] void *CZrEnvNameIndex::operator new(std::size_t uSize, std::size_t uSlots) {
     return ::operator new(uSize + uSlots * sizeof(Slot));
+}
+
+[[gnu::noinline]] void CZrEnvNameIndex::operator delete(void *pMemory) noexcept {
+    ::operator delete(pMemory);
+}
+
+[[gnu::noinline]] void CZrEnvNameIndex::operator delete(void *pMemory, std::size_t) noexcept {
+    ::operator delete(pMemory);
 }
 
 CZrEnvNameIndex::CZrEnvNameIndex(std::size_t uSlots) : m_pSlots(FirstSlots()), m_uMask(uSlots - 1) {

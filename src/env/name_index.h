@@ -29,7 +29,7 @@ public:
     CZrEnvNameIndex(const CZrEnvNameIndex &other) = delete;
     CZrEnvNameIndex &operator=(const CZrEnvNameIndex &other) = delete;
     ~CZrEnvNameIndex();
-    static void operator delete(void *pMemory) { ::operator delete(pMemory); }
+    static void operator delete(void *pMemory) noexcept;
 
     // Gives up the hash form for the ordered one. On std::bad_alloc the hash form stays.
     void MakeOrdered(CZrEnvElement *pFirst);
@@ -76,7 +76,7 @@ private:
 
     explicit CZrEnvNameIndex(std::size_t uSlots);
     static void *operator new(std::size_t uSize, std::size_t uSlots);
-    static void operator delete(void *pMemory, std::size_t) { ::operator delete(pMemory); }
+    static void operator delete(void *pMemory, std::size_t) noexcept;
 
     static std::size_t SlotsFor(std::size_t uNames);
     static Slot Tag(std::uint64_t uHash);
