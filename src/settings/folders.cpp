@@ -18,7 +18,6 @@ using namespace zr::settings;
 namespace {
 
 using zr::platform::path_limit;
-using zr::platform::path_size;
 
 // The folder of the library's file, or that above it.
 bool FindModuleFolder(bool above, Path &out) {
