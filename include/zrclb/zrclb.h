@@ -11,6 +11,7 @@
 #include <zrclb/folders.h>
 #include <zrclb/hash.h>
 #include <zrclb/heap.h>
+#include <zrclb/help.h>
 #include <zrclb/ini.h>
 #include <zrclb/installation.h>
 #include <zrclb/list.h>

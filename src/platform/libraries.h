@@ -14,7 +14,8 @@ inline void *OpenLibrary(const char *name) {
     return services.open_library(name);
 }
 
-// The function that a loaded library shows under the name, null if there is none. It is gone when the library is closed.
+// The function that a loaded library shows under the name, null if there is none. It is gone when the library is closed. On
+// Windows a number in the form of MAKEINTRESOURCE may stand for the name.
 inline LibraryFunction FindFunction(void *library, const char *name) {
     return services.find_function(library, name);
 }

@@ -15,6 +15,7 @@
 namespace zr::platform {
 
 enum class GroupVerb;
+enum class HelpCommand : unsigned;
 enum class LibraryText : unsigned;
 enum class RegistryHive;
 enum class SpaceAnswer;
@@ -35,7 +36,7 @@ using LibraryFunction = void (*)();
 // What the back end provides. Contracts stand at the callers' faces: streams.h, files.h, message_box.h, debug.h,
 // clock.h, temporary.h, drives.h, shell.h, raw_file.h, raw_output.h, modules.h, registry.h, known_folders.h,
 // library_record.h, system_kind.h, users.h, processes.h, installed_fonts.h, libraries.h, serial_port.h,
-// window_timers.h.
+// window_timers.h, help_viewer.h.
 namespace backend {
 std::FILE *OpenText(const char *path, const char *mode);
 std::FILE *OpenBinary(const char *path, const char *mode);
@@ -88,6 +89,9 @@ void ClosePort(zr_value port);
 std::int64_t SteadyNanoseconds();
 zr_value StartWindowTimer(zr_window window, zr_value id, zr_long period);
 bool StopWindowTimer(zr_window window, zr_value id);
+bool IsOnline();
+void OpenUrl(const char *url);
+bool ShowHelpFile(const char *path, HelpCommand command, zr_ulong id);
 } // namespace backend
 
 struct Services {
@@ -146,6 +150,9 @@ struct Services {
     std::int64_t (*steady_nanoseconds)() = backend::SteadyNanoseconds;
     zr_value (*start_window_timer)(zr_window window, zr_value id, zr_long period) = backend::StartWindowTimer;
     bool (*stop_window_timer)(zr_window window, zr_value id) = backend::StopWindowTimer;
+    bool (*is_online)() = backend::IsOnline;
+    void (*open_url)(const char *url) = backend::OpenUrl;
+    bool (*show_help_file)(const char *path, HelpCommand command, zr_ulong id) = backend::ShowHelpFile;
 };
 
 inline constinit Services services;

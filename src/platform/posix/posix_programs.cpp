@@ -67,6 +67,8 @@ std::string_view ProgramFolder(PathBuffer &buffer) {
     return slash != std::string_view::npos ? path.substr(0, slash == 0 ? 1 : slash) : std::string_view();
 }
 
+} // namespace
+
 bool FindInSearchPath(std::string_view name, PathBuffer &host) {
     const char *variable = std::getenv("PATH");
     std::string_view folders = variable != nullptr ? variable : default_search_path;
@@ -79,8 +81,6 @@ bool FindInSearchPath(std::string_view name, PathBuffer &host) {
         folders.remove_prefix(end + 1);
     }
 }
-
-} // namespace
 
 int FindProgram(std::string_view name, PathBuffer &host) {
     if (name.empty())

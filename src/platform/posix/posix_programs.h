@@ -1,4 +1,4 @@
-// Finding the program that a command line names.
+// Finding the program that a command line names, and starting it.
 #ifndef ZR_PLATFORM_POSIX_PROGRAMS_H
 #define ZR_PLATFORM_POSIX_PROGRAMS_H
 
@@ -13,6 +13,13 @@ namespace zr::platform::posix {
 // path counts whatever its file's rights are; a name only where it may be run, so that data of that name are passed
 // over.
 int FindProgram(std::string_view name, PathBuffer &host);
+
+// The host's path of the program `name`, which has no folder, in the folders of PATH; false if none has it.
+bool FindInSearchPath(std::string_view name, PathBuffer &host);
+
+// Starts the program at the host's path with arguments that end with null, and doesn't wait for it; whose child it is
+// and what it gets, processes.h tells. 0, or the error number of what failed.
+int StartDetached(const char *program, char *const *arguments);
 
 } // namespace zr::platform::posix
 

@@ -109,8 +109,9 @@ int ReadReport(int descriptor) {
     return length == static_cast<ssize_t>(sizeof error) ? error : 0;
 }
 
-// The error number of what failed, or 0.
-int Start(const char *program, char *const *arguments) {
+} // namespace
+
+int posix::StartDetached(const char *program, char *const *arguments) {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0)
         return errno;
@@ -126,6 +127,8 @@ int Start(const char *program, char *const *arguments) {
     close(ends[0]);
     return error;
 }
+
+namespace {
 
 int CodeOf(int error) {
     switch (error) {
@@ -162,7 +165,7 @@ int backend::StartProgram(char *command_line, unsigned short) {
     const bool is_path = name.find_first_of("\\/:") != std::string_view::npos;
     if (!list.Split(is_path ? std::string_view(program) : name, rest))
         return path_too_long;
-    const int error = Start(program, list.Values());
+    const int error = posix::StartDetached(program, list.Values());
     return error != 0 ? CodeOf(error) : done;
 }
 
