@@ -43,6 +43,9 @@ TEST_F(Services, TableStartsWithTheBackEnd) {
     EXPECT_EQ(services.tick_count, backend::TickCount);
     EXPECT_EQ(services.create_uuid, backend::CreateUuid);
     EXPECT_EQ(services.installed_fonts, backend::VisitInstalledFonts);
+    EXPECT_EQ(services.is_online, backend::IsOnline);
+    EXPECT_EQ(services.open_url, backend::OpenUrl);
+    EXPECT_EQ(services.show_help_file, backend::ShowHelpFile);
 }
 
 TEST_F(Services, ReplacedBoxAnswersInstead) {
