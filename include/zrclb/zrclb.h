@@ -29,5 +29,6 @@
 #include <zrclb/types.h>
 #include <zrclb/version.h>
 #include <zrclb/window_utilities.h>
+#include <zrclb/winword.h>
 
 #endif

@@ -30,13 +30,16 @@ struct Uuid;
 // Takes a font's name and file; false ends the walk (installed_fonts.h).
 using FontVisitor = bool (*)(void *context, const char *name, const char *file);
 
+// Takes a window and its title; valid during the call only (server_programs.h).
+using WindowVisitor = void (*)(void *context, zr_window window, const char *title);
+
 // A function of a library, to be called as what it is (libraries.h).
 using LibraryFunction = void (*)();
 
 // What the back end provides. Contracts stand at the callers' faces: streams.h, files.h, message_box.h, debug.h,
 // clock.h, temporary.h, drives.h, shell.h, raw_file.h, raw_output.h, modules.h, registry.h, known_folders.h,
 // library_record.h, system_kind.h, users.h, processes.h, installed_fonts.h, libraries.h, serial_port.h,
-// window_timers.h, help_viewer.h.
+// window_timers.h, help_viewer.h, server_programs.h.
 namespace backend {
 std::FILE *OpenText(const char *path, const char *mode);
 std::FILE *OpenBinary(const char *path, const char *mode);
@@ -92,6 +95,13 @@ bool StopWindowTimer(zr_window window, zr_value id);
 bool IsOnline();
 void OpenUrl(const char *url);
 bool ShowHelpFile(const char *path, HelpCommand command, zr_ulong id);
+bool FindClassId(const char *program_id, char *out, std::size_t size);
+std::size_t VersionRecordSize(const char *path);
+bool ReadVersionRecord(const char *path, void *record, std::size_t size);
+bool FindProductVersion(const void *record, FileVersion &out);
+void VisitTopWindows(WindowVisitor visit, void *context);
+bool IsWindowAlive(zr_window window);
+bool StartServer(char *command_line, unsigned short show, std::uint32_t milliseconds);
 } // namespace backend
 
 struct Services {
@@ -153,6 +163,13 @@ struct Services {
     bool (*is_online)() = backend::IsOnline;
     void (*open_url)(const char *url) = backend::OpenUrl;
     bool (*show_help_file)(const char *path, HelpCommand command, zr_ulong id) = backend::ShowHelpFile;
+    bool (*class_id)(const char *program_id, char *out, std::size_t size) = backend::FindClassId;
+    std::size_t (*version_record_size)(const char *path) = backend::VersionRecordSize;
+    bool (*read_version_record)(const char *path, void *record, std::size_t size) = backend::ReadVersionRecord;
+    bool (*product_version)(const void *record, FileVersion &out) = backend::FindProductVersion;
+    void (*top_windows)(WindowVisitor visit, void *context) = backend::VisitTopWindows;
+    bool (*is_window_alive)(zr_window window) = backend::IsWindowAlive;
+    bool (*start_server)(char *command_line, unsigned short show, std::uint32_t milliseconds) = backend::StartServer;
 };
 
 inline constinit Services services;
