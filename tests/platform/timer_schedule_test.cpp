@@ -48,9 +48,9 @@ TEST(TimerSchedule, Repeat_KeepsTheMeasure) {
 
 TEST(TimerSchedule, SameTime_EarlierStartStandsInFront) {
     TimerSchedule schedule;
-    for (const zr_value id : {5, 3, 4})
+    for (const zr_value id : {zr_value{5}, zr_value{3}, zr_value{4}})
         EXPECT_TRUE(schedule.Start(Window(1), id, 10, 0));
-    for (const zr_value id : {5, 3, 4}) {
+    for (const zr_value id : {zr_value{5}, zr_value{3}, zr_value{4}}) {
         EXPECT_EQ(schedule.First()->id, id);
         EXPECT_TRUE(schedule.Remove(Window(1), id));
         EXPECT_FALSE(schedule.Remove(Window(1), id));
