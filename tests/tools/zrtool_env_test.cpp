@@ -535,9 +535,12 @@ TEST_F(ZrtoolEnv, ConvertOfWhatTextCannotHold_Warns) {
 TEST_F(ZrtoolEnv, Program_RunsAndAnswersWithItsExitCode) {
     std::string program = ZRTOOL_PROGRAM;
     std::string file = File("a.zrenv", Small);
-    std::string out = Path("out");
+    std::string out;
+    int runs = 0;
     const bool desktop = HostIsDesktop();
     const auto run = [&](const std::string &words) {
+        // A file for each run: a process that the system starts along with the first one may hold its output open.
+        out = Path("out" + std::to_string(++runs));
         // The desktop's shell takes one pair of quotes off a line that starts with one.
         const std::string line = "\"" + program + "\" " + words + " >\"" + out + "\" 2>&1";
         const int status = std::system((desktop ? "\"" + line + "\"" : line).c_str());
