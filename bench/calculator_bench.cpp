@@ -1,18 +1,18 @@
 // The calculator beside muParser: twelve expressions, each read and computed anew every time.
 //
 // muParser takes angles in radians; its work is of the same kind. The last lines print geometric means, and ratios to muParser.
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
 #include <string>
 #include <vector>
 
 #include <benchmark/benchmark.h>
 #include <muParser.h>
 #include <zrclb/zrclb.hpp>
+
+#include "shortest_times.h"
 
 namespace {
 
@@ -75,21 +75,8 @@ void MuParser(benchmark::State &state, const Sample &sample) {
     }
 }
 
-// Shows the rows as usual, and keeps the shortest time of each.
-class Summary : public benchmark::ConsoleReporter {
+class Summary : public bench::ShortestTimes {
 public:
-    void ReportRuns(const std::vector<Run> &runs) override {
-        for (const Run &run : runs) {
-            if (run.run_type != Run::RT_Iteration)
-                continue;
-            const double time = run.GetAdjustedCPUTime();
-            const auto [row, fresh] = m_times.try_emplace(run.run_name.function_name, time);
-            if (!fresh)
-                row->second = std::min(row->second, time);
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-
     // Geometric mean over the samples, or over the simple ones, in ns; 0 if a row is missing.
     double Mean(const char *who, bool simple_only) const {
         double logarithms = 0;
@@ -97,10 +84,10 @@ public:
         for (std::size_t i = 0; i < std::size(samples); ++i) {
             if (simple_only && !samples[i].simple)
                 continue;
-            const auto row = m_times.find(Name(who, i));
-            if (row == m_times.end())
+            const std::optional<double> time = Time(Name(who, i));
+            if (!time)
                 return 0;
-            logarithms += std::log(row->second);
+            logarithms += std::log(*time);
             ++count;
         }
         return std::exp(logarithms / count);
@@ -109,9 +96,6 @@ public:
     static std::string Name(const char *who, std::size_t sample) {
         return std::string(who) + (sample < 9 ? "_0" : "_") + std::to_string(sample + 1);
     }
-
-private:
-    std::map<std::string, double> m_times;
 };
 
 using Work = void (*)(benchmark::State &, const Sample &);

@@ -11,7 +11,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <random>
 #include <string>
 #include <string_view>
@@ -30,6 +29,7 @@
 #include <zrclb/zrclb.h>
 
 #include "platform/services.h"
+#include "shortest_times.h"
 
 namespace {
 
@@ -325,29 +325,13 @@ const struct {
     int section, entry;
 } places[] = {{"First", 0, 0}, {"Middle", sections / 2, entries / 2}, {"Last", sections - 1, entries - 1}};
 
-// Shows the rows as usual, and keeps the shortest time of each.
-class Summary : public benchmark::ConsoleReporter {
+class Summary : public bench::ShortestTimes {
 public:
-    void ReportRuns(const std::vector<Run> &runs) override {
-        for (const Run &run : runs) {
-            if (run.run_type != Run::RT_Iteration)
-                continue;
-            const double time = run.GetAdjustedCPUTime();
-            const auto [row, fresh] = m_times.try_emplace(run.run_name.function_name, time);
-            if (!fresh)
-                row->second = std::min(row->second, time);
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-
     // Of the shortest times; 0 if a row is missing.
     double Ratio(const std::string &row, const std::string &peer) const {
-        const auto own = m_times.find(row), other = m_times.find(peer);
-        return own == m_times.end() || other == m_times.end() ? 0 : own->second / other->second;
+        const std::optional<double> own = Time(row), other = Time(peer);
+        return own && other ? *own / *other : 0;
     }
-
-private:
-    std::map<std::string, double> m_times;
 };
 
 void PrintRatios(const Summary &summary, const char *own, const char *peer, const char *place) {

@@ -4,12 +4,10 @@
 // Load<who>: opens the file and ends what came of it, a 1000th of that. Save<who>: changes one value in memory and saves the file,
 // for zrclb and GLib by way of a temporary file. The last lines print ratios of the shortest times; with --benchmark_repetitions
 // they settle.
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <random>
 #include <string>
 #include <system_error>
@@ -22,6 +20,8 @@
 #include <glib.h>
 
 #include <zrclb/zrclb.h>
+
+#include "shortest_times.h"
 
 namespace {
 
@@ -259,29 +259,14 @@ BENCHMARK(Save<Zrclb>)->UseRealTime();
 BENCHMARK(Save<GKey>)->UseRealTime();
 BENCHMARK(Save<Simple>)->UseRealTime();
 
-// Shows the rows as usual, and keeps the shortest time of each.
-class Summary : public benchmark::ConsoleReporter {
+class Summary : public bench::ShortestTimes {
 public:
-    void ReportRuns(const std::vector<Run> &runs) override {
-        for (const Run &run : runs) {
-            if (run.run_type != Run::RT_Iteration)
-                continue;
-            const auto [row, fresh] = m_times.try_emplace(run.run_name.function_name, run.GetAdjustedCPUTime());
-            if (!fresh)
-                row->second = std::min(row->second, run.GetAdjustedCPUTime());
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-
     void PrintRatio(const std::string &work, const std::string &peer) const {
-        const auto own = m_times.find(work + "<Zrclb>"), other = m_times.find(work + "<" + peer + ">");
-        if (own != m_times.end() && other != m_times.end())
-            std::printf("%-8s ours %10.1f ns  %-7s %10.1f ns  ratio %.2f\n", work.c_str(), own->second, peer.c_str(),
-                        other->second, own->second / other->second);
+        const std::optional<double> own = Time(work + "<Zrclb>"), other = Time(work + "<" + peer + ">");
+        if (own && other)
+            std::printf("%-8s ours %10.1f ns  %-7s %10.1f ns  ratio %.2f\n", work.c_str(), *own, peer.c_str(), *other,
+                        *own / *other);
     }
-
-private:
-    std::map<std::string, double> m_times;
 };
 
 } // namespace

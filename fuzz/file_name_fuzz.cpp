@@ -2,33 +2,25 @@
 // tests.
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include <zrclb/file_name.hpp>
 #include <zrclb/report.h>
 
+#include "byte_input.h"
 #include "files/reference_file_name.h"
 
 namespace {
 
+using fuzz::Require;
 using zr::test::ReferenceFileName;
 using Text = ReferenceFileName::Text;
 
-// What the input still holds; zeros behind its end.
-class Input {
+// The input as short texts.
+class Input : public fuzz::ByteInput {
 public:
-    Input(const std::uint8_t *data, std::size_t size) : m_data(data), m_left(size) {}
-
-    bool Empty() const { return m_left == 0; }
-
-    std::uint8_t Byte() {
-        if (m_left == 0)
-            return 0;
-        --m_left;
-        return *m_data++;
-    }
+    using ByteInput::ByteInput;
 
     // Up to 15 characters: any, or only such as matter in paths.
     std::string Short(bool any) {
@@ -40,18 +32,7 @@ public:
         }
         return text;
     }
-
-private:
-    const std::uint8_t *m_data;
-    std::size_t m_left;
 };
-
-void Require(bool holds, const char *what) {
-    if (!holds) {
-        std::fprintf(stderr, "does not hold: %s\n", what);
-        std::abort();
-    }
-}
 
 class Run {
 public:

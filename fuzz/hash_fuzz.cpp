@@ -1,8 +1,6 @@
 // Any calls on a handful of chained hash tables: results, slots and cursors are those of the reference, with the told
 // probing, and all memory comes back.
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,33 +8,19 @@
 #include <zrclb/hash.h>
 #include <zrclb/heap.h>
 
+#include "byte_input.h"
 #include "frame/counted_allocation.h"
 #include "frame/reference_hash.h"
 
 namespace {
 
+using fuzz::Require;
 using zr::test::ReferenceHash;
 
-void Require(bool holds, const char *what) {
-    if (!holds) {
-        std::fprintf(stderr, "does not hold: %s\n", what);
-        std::abort();
-    }
-}
-
-// What the input still holds; zeros behind its end.
-class Input {
+// The input as names.
+class Input : public fuzz::ByteInput {
 public:
-    Input(const std::uint8_t *data, std::size_t size) : m_data(data), m_left(size) {}
-
-    bool Empty() const { return m_left == 0; }
-
-    std::uint8_t Byte() {
-        if (m_left == 0)
-            return 0;
-        --m_left;
-        return *m_data++;
-    }
+    using ByteInput::ByteInput;
 
     // A length, then as many characters: mostly of a few that make names meet again.
     std::string Name() {
@@ -49,10 +33,6 @@ public:
         }
         return name;
     }
-
-private:
-    const std::uint8_t *m_data;
-    std::size_t m_left;
 };
 
 zr_long Spread(const char *name) {

@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -14,17 +12,11 @@
 
 #include <zrclb/report.h>
 
+#include "byte_input.h"
 #include "platform/services.h"
 #include "platform/temp_folder.h"
 
 namespace fuzz {
-
-inline void Require(bool holds, const char *what) {
-    if (holds)
-        return;
-    std::fprintf(stderr, "%s\n", what);
-    std::abort();
-}
 
 // A byte of choices, then lines, then the bytes of the file.
 class IniInput {

@@ -1,13 +1,12 @@
 // Any calls on pools of any size: each allocation lies where the reference has it, is zero if the pool clears, keeps what is
 // written into it, and all memory comes back.
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
 #include <zrclb/heap.h>
 
+#include "byte_input.h"
 #include "frame/counted_allocation.h"
 #include "frame/pool.h"
 #include "frame/reference_pool.h"
@@ -15,16 +14,10 @@
 
 namespace {
 
+using fuzz::Require;
 using zr::test::ReferencePool;
 
 int error_texts = 0;
-
-void Require(bool holds, const char *what) {
-    if (!holds) {
-        std::fprintf(stderr, "does not hold: %s\n", what);
-        std::abort();
-    }
-}
 
 struct Given {
     unsigned char *data;

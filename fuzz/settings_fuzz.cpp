@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -15,36 +14,22 @@
 #include <zrclb/mini.h>
 #include <zrclb/report.h>
 
+#include "byte_input.h"
 #include "platform/temp_folder.h"
 #include "settings/reference_ini.h"
 #include "settings/reference_mini.h"
 
 namespace {
 
+using fuzz::Require;
 using zr::test::ReferenceIni;
 using zr::test::ReferenceMini;
 using Text = ReferenceMini::Text;
 
-void Require(bool holds, const char *what) {
-    if (!holds) {
-        std::fprintf(stderr, "does not hold: %s\n", what);
-        std::abort();
-    }
-}
-
-// What the input still holds; zeros behind its end.
-class Input {
+// The input as names, texts and files.
+class Input : public fuzz::ByteInput {
 public:
-    Input(const std::uint8_t *data, std::size_t size) : m_data(data), m_left(size) {}
-
-    bool Empty() const { return m_left == 0; }
-
-    std::uint8_t Byte() {
-        if (m_left == 0)
-            return 0;
-        --m_left;
-        return *m_data++;
-    }
+    using ByteInput::ByteInput;
 
     std::string Bytes(std::size_t count) {
         std::string bytes;
@@ -100,10 +85,6 @@ public:
         }
         return bytes;
     }
-
-private:
-    const std::uint8_t *m_data;
-    std::size_t m_left;
 };
 
 const char *OrNull(const Text &text) {

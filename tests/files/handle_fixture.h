@@ -32,6 +32,19 @@ protected:
         return m_folder.Read(name);
     }
 
+    // Of a stream without a buffer whose writes fail.
+    static void ExpectWritesToFail(fio_handle *handle) {
+        EXPECT_EQ(fio_putdouble(handle, 1.5), -1);
+        EXPECT_EQ(fio_putlong(handle, 1), -1);
+        EXPECT_EQ(fio_putfloat(handle, 1), -1);
+        EXPECT_EQ(fio_putshort(handle, 1), -1);
+        EXPECT_EQ(fio_putchar(handle, 'x'), -1);
+        EXPECT_EQ(fio_putstring(handle, "x", 0), -1);
+        EXPECT_EQ(fio_putstring(handle, "", 1), -1);
+        EXPECT_EQ(fio_putstring(handle, "", 0), 0) << "nothing to write";
+        EXPECT_EQ(fio_fwrite("abcd", 1, 4, handle), 0u);
+    }
+
     // Where the host takes the library's paths as they are: a lock covers bytes there.
     static bool IsOnDesktop() {
         char host[16] = "";

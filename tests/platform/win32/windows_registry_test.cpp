@@ -32,39 +32,31 @@ TEST(RegistryValue, BytesUpToTheFirstZeroAreItsText) {
     EXPECT_STREQ(out, "");
 }
 
-TEST(RegistryValue, OfTheSystemsOwnKeyIsFound) {
+// A value under a key of this hive is found there and not in the other hive, and is gone with its key.
+void CheckHive(HKEY root, RegistryHive hive, RegistryHive other) {
     const std::string key = "Software\\zr_test_" + std::to_string(std::random_device{}());
     HKEY made;
-    ASSERT_EQ(RegCreateKeyExA(HKEY_CLASSES_ROOT, key.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                              &made, nullptr),
-              ERROR_SUCCESS);
+    ASSERT_EQ(
+        RegCreateKeyExA(root, key.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &made, nullptr),
+        ERROR_SUCCESS);
     const BYTE text[] = "mine";
     RegSetValueExA(made, "a", 0, REG_SZ, text, sizeof text);
     RegCloseKey(made);
-    char out[8];
-    const bool read = ReadRegistryText(RegistryHive::classes_root, key.c_str(), "a", out, sizeof out);
-    char unread[8];
-    EXPECT_FALSE(ReadRegistryText(RegistryHive::current_user, key.c_str(), "a", unread, sizeof unread));
-    RegDeleteKeyA(HKEY_CLASSES_ROOT, key.c_str());
+    char out[8], unread[8];
+    const bool read = ReadRegistryText(hive, key.c_str(), "a", out, sizeof out);
+    EXPECT_FALSE(ReadRegistryText(other, key.c_str(), "a", unread, sizeof unread));
+    RegDeleteKeyA(root, key.c_str());
     EXPECT_TRUE(read);
     EXPECT_STREQ(out, "mine");
-    EXPECT_FALSE(ReadRegistryText(RegistryHive::classes_root, key.c_str(), "a", out, sizeof out));
+    EXPECT_FALSE(ReadRegistryText(hive, key.c_str(), "a", out, sizeof out));
+}
+
+TEST(RegistryValue, OfTheSystemsOwnKeyIsFound) {
+    CheckHive(HKEY_CLASSES_ROOT, RegistryHive::classes_root, RegistryHive::current_user);
 }
 
 TEST(RegistryValue, OfTheUserIsFoundInItsOwnHive) {
-    const std::string key = "Software\\zr_test_" + std::to_string(std::random_device{}());
-    HKEY made;
-    ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, key.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                              &made, nullptr),
-              ERROR_SUCCESS);
-    const BYTE text[] = "mine";
-    RegSetValueExA(made, "a", 0, REG_SZ, text, sizeof text);
-    RegCloseKey(made);
-    char out[8];
-    const bool read = ReadRegistryText(RegistryHive::current_user, key.c_str(), "a", out, sizeof out);
-    RegDeleteKeyA(HKEY_CURRENT_USER, key.c_str());
-    EXPECT_TRUE(read);
-    EXPECT_STREQ(out, "mine");
+    CheckHive(HKEY_CURRENT_USER, RegistryHive::current_user, RegistryHive::classes_root);
 }
 
 } // namespace
