@@ -17,16 +17,43 @@ struct Target {
     double value;
 };
 
-struct ModelText {
-    std::size_t leaves = 0;
-    std::string env;             // the library's own format, not wrapped
-    std::string xml;             // elements with text content
-    std::string info;            // property_tree's INFO
-    std::string key_file;        // GKeyFile: a group for each block, its names joined by slashes
-    std::vector<Target> targets; // up to 100,000 of the doubles, in random order
+// One leaf as a program would put it.
+struct Leaf {
+    enum Kind {
+        Double,
+        Long,
+        Text,
+        Doubles
+    };
+    std::vector<std::string> steps; // section first
+    Kind kind;
+    std::string text;
+    std::vector<double> values; // one, or those of a list; none for a text
 };
 
-ModelText MakeModel(int sections);
+struct ModelText {
+    std::size_t leaves = 0;
+    std::string env;      // the library's own format, not wrapped
+    std::string xml;      // elements with text content
+    std::string info;     // property_tree's INFO
+    std::string key_file; // GKeyFile: a group for each block, its names joined by slashes
+    std::string json;
+    std::vector<Target> targets; // up to 100,000 of the doubles, in random order
+    std::vector<Target> hidden;  // doubles in the last block of a section whose name no other leaf of it bears
+    std::vector<Leaf> values;    // all leaves in order
+};
+
+// What of a model is made.
+enum class ModelParts {
+    OwnText,     // env and targets: for models that are large
+    AllTexts,    // all but the values
+    AllAndValues // everything: for models that are small
+};
+
+ModelText MakeModel(int sections, ModelParts parts = ModelParts::AllTexts);
+
+// One section with one block of so many leaves: env and targets.
+ModelText MakeWideBlock(std::size_t leaves);
 
 } // namespace bench
 

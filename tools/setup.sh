@@ -11,8 +11,8 @@ if [ "${1:-build}" = test ]; then
               g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix lld wine wine64 git locales"
 fi
 if [ "${1:-build}" = bench ]; then
-    packages="$packages pkg-config libbenchmark-dev libpugixml-dev libboost-dev libglib2.0-dev libmuparser-dev libabsl-dev
-              flex libinih-dev libsimpleini-dev"
+    packages="$packages pkg-config libbenchmark-dev libpugixml-dev rapidjson-dev libboost-dev libglib2.0-dev libmuparser-dev
+              libabsl-dev flex libinih-dev libsimpleini-dev python3"
 fi
 
 missing=""
