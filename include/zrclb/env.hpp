@@ -48,6 +48,7 @@ class CZrEnvPathElem;
 class CZrEnvNameIndex;
 class CZrEnvNodeStore;
 class CZrEnvWalk;
+class CZrEnvTreeCheck;
 class CZrEnvProbe; // the tests' way to the private parts
 
 // Root of all nodes: a name, the block that holds it, the next sibling.
@@ -110,6 +111,7 @@ private:
     friend class CZrEnvWriter;
     friend class CZrEnvNameIndex;
     friend class CZrEnvNodeStore;
+    friend class CZrEnvTreeCheck;
     friend class CZrEnvProbe;
 
     CZrEnvElement(char *szName, std::uint32_t uFlags) : m_szName(szName), m_uFlags(uFlags) {}
@@ -280,6 +282,7 @@ private:
     friend class CZrEnvWriter;
     friend class CZrEnvNameIndex;
     friend class CZrEnvNodeStore;
+    friend class CZrEnvTreeCheck;
     friend class CZrEnvProbe;
 
     CZrEnvBlock(char *szName, std::uint32_t uFlags) : CZrEnvElement(szName, uFlags) {}
@@ -320,6 +323,7 @@ private:
     friend class CZrEnvBlock;
     friend class CZrEnvReader;
     friend class CZrEnvNodeStore;
+    friend class CZrEnvTreeCheck;
     friend class CZrEnvProbe;
 
     CZrEnvSection(char *szName, std::uint32_t uFlags) : CZrEnvBlock(szName, uFlags) {}
@@ -527,6 +531,7 @@ private:
     friend class CZrEnvWriter;
     friend class CZrEnvNodeStore;
     friend class CZrEnvWalk;
+    friend class CZrEnvTreeCheck;
     friend class CZrEnvProbe;
 
     CZrEnv(zr_long lID, CZrEnv *pDefault);

@@ -53,6 +53,8 @@ public:
     std::size_t EntryCount() const { return m_pOrdered->size(); } // ordered form only
 
 private:
+    friend class CZrEnvTreeCheck;
+
     struct Less {
         using is_transparent = void;
         bool operator()(const CZrEnvElement *pA, const CZrEnvElement *pB) const;

@@ -15,6 +15,19 @@ public:
     // Elements
     static void SetEnv(CZrEnvSection &section, CZrEnv *pEnv) { section.SetEnv(pEnv); }
 
+    // Links and counts, to be read and to be damaged
+    static CZrEnvElement *&Succ(CZrEnvElement &elem) { return elem.m_pSucc; }
+    static CZrEnvBlock *&Parent(CZrEnvElement &elem) { return elem.m_pParent; }
+    static std::uint32_t &Flags(CZrEnvElement &elem) { return elem.m_uFlags; }
+    static CZrEnvElement *&First(CZrEnvBlock &block) { return block.m_pFirst; }
+    static CZrEnvElement *&Last(CZrEnvBlock &block) { return block.m_pLast; }
+    static std::uint32_t &Count(CZrEnvBlock &block) { return block.m_uCount; }
+    static CZrEnvNameIndex *&Index(CZrEnvBlock &block) { return block.m_pIndex; }
+    static CZrEnvSection *&LastSection(CZrEnv &env) { return env.m_pLastSection; }
+    static zr_long &SectionCount(CZrEnv &env) { return env.m_lSectionCount; }
+    static CZrEnvNameIndex *&SectionIndex(CZrEnv &env) { return env.m_pSectionIndex; }
+    static CZrEnv *&Default(CZrEnv &env) { return env.m_pDefaultEnv; }
+
     // Blocks
     static void InsertIntoIndex(CZrEnvBlock &block, CZrEnvElement *pElem) { block.InsertElementIntoContainer(pElem); }
     static bool RemoveFromIndex(CZrEnvBlock &block, CZrEnvElement *pElem) {
@@ -29,8 +42,9 @@ public:
     static void SetFileMTime(CZrEnv &env, zr_long lTime) { env.SetFileMTime(lTime); }
     static zr_long FileMTime(const CZrEnv &env) { return env.m_lFileMTime; }
     static zr_long RefCount(const CZrEnv &env) { return env.m_lRefCount; }
-    static CZrEnv *Parent(const CZrEnv &env) { return env.m_pParentEnv; }
-    static const std::vector<CZrEnv *> &SubEnvs(const CZrEnv &env) { return env.m_SubEnvs; }
+    static CZrEnv *&Parent(CZrEnv &env) { return env.m_pParentEnv; }
+    static std::vector<CZrEnv *> &SubEnvs(CZrEnv &env) { return env.m_SubEnvs; }
+    static std::vector<CZrEnv *> &Holders(CZrEnv &env) { return env.m_Holders; }
     static void RemoveSubEnv(CZrEnv &env, CZrEnv *pSub) { env.RemoveSubEnv(pSub); }
 
     static CZrEnvElement *SearchProc(const CZrEnv &env, const char *szSection, const char *szPath, bool bDirect) {

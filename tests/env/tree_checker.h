@@ -1,17 +1,17 @@
 // What the tests of the environment tree share: short makers, a text form of a tree, and the checks that every sound
-// block passes whatever was done to it before.
+// block passes whatever was done to it before, by the library's own checker.
 #ifndef ZR_TESTS_ENV_TREE_CHECKER_H
 #define ZR_TESTS_ENV_TREE_CHECKER_H
 
-#include <algorithm>
 #include <cstddef>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <zrclb/env.hpp>
+
+#include "env/tree_check.h"
 
 namespace zr::test {
 
@@ -148,104 +148,35 @@ inline std::string Describe(const CZrEnv &env) {
 
 namespace checker {
 
-inline testing::AssertionResult Fault(const CZrEnvBlock &block, const std::string &what) {
-    return testing::AssertionFailure() << "block " << NameOf(&block) << ": " << what;
+inline testing::AssertionResult Outcome(const Zr::CZrEnvTreeFault &fault) {
+    if (!fault)
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure() << (fault.pWhere ? "block " + NameOf(fault.pWhere) + ": " : "") << fault.what;
 }
 
-inline testing::AssertionResult LinksAreSound(CZrEnvBlock &block, const std::vector<CZrEnvElement *> &elems) {
-    std::vector<CZrEnvElement *> sorted = elems;
-    std::sort(sorted.begin(), sorted.end());
-    if (std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end())
-        return Fault(block, "an element stands twice in the sequence");
-    for (std::size_t i = 0; i < elems.size(); ++i) {
-        if (elems[i]->GetParent() != &block)
-            return Fault(block, "child " + std::to_string(i) + " has another parent");
-        if (block.GetNextElement(elems[i]) != (i + 1 < elems.size() ? elems[i + 1] : nullptr))
-            return Fault(block, "child " + std::to_string(i) + " has a wrong successor");
-        if (elems[i]->GetEnv() != block.GetEnv())
-            return Fault(block, "child " + std::to_string(i) + " is of another environment");
-    }
-    return testing::AssertionSuccess();
-}
-
-inline testing::AssertionResult ListsAreSound(CZrEnvBlock &block, const std::vector<CZrEnvElement *> &elems) {
+// What a block hands out of its children is what the links give.
+inline testing::AssertionResult ListsAreSound(CZrEnvBlock &block) {
+    const std::vector<CZrEnvElement *> elems = Sequence(block);
     std::vector<CZrEnvElement *> listed;
     block.GetElems(listed);
-    if (listed != elems)
-        return Fault(block, "GetElems differs from the links");
     std::vector<std::string> names;
     block.GetElemNames(names);
-    if (names.size() != elems.size())
-        return Fault(block, "GetElemNames differs from the links in number");
-    for (std::size_t i = 0; i < elems.size(); ++i)
-        if (elems[i]->GetName() && names[i] != elems[i]->GetName())
-            return Fault(block, "name " + std::to_string(i) + " differs");
-    return testing::AssertionSuccess();
-}
-
-// What the look-ups by one name give must be the children of that name, each once, in whatever order.
-inline testing::AssertionResult NamesakesAreSound(CZrEnvBlock &block, const std::string &name,
-                                                  std::vector<CZrEnvElement *> namesakes) {
-    const std::size_t count = namesakes.size();
-    if (block.GetElemCount(name.c_str()) != count)
-        return Fault(block, "counts " + std::to_string(block.GetElemCount(name.c_str())) + " of " + name + ", has " +
-                                std::to_string(count));
-    if (block.GetElement(name.c_str(), static_cast<zr_long>(count) + 1))
-        return Fault(block, "finds one too many of " + name);
-    if (block.GetElement(name.c_str(), 0) != block.GetElement(name.c_str(), 1))
-        return Fault(block, "position 0 isn't the first of " + name);
-    if (count > 100) // each look-up may step through all of them
+    bool same = listed == elems && names.size() == elems.size() && block.GetElemCount() == elems.size();
+    for (std::size_t i = 0; same && i < elems.size(); ++i)
+        same = names[i] == (elems[i]->GetName() ? elems[i]->GetName() : "");
+    if (same)
         return testing::AssertionSuccess();
-    std::vector<CZrEnvElement *> found;
-    for (std::size_t i = 1; i <= count; ++i)
-        found.push_back(block.GetElement(name.c_str(), static_cast<zr_long>(i)));
-    std::sort(found.begin(), found.end());
-    std::sort(namesakes.begin(), namesakes.end());
-    if (found != namesakes)
-        return Fault(block, "look-ups of " + name + " give other elements than the sequence");
-    return testing::AssertionSuccess();
-}
-
-inline testing::AssertionResult IndexIsSound(CZrEnvBlock &block, const std::vector<CZrEnvElement *> &elems) {
-    if (block.GetElemCount() != elems.size())
-        return Fault(block, "counts " + std::to_string(block.GetElemCount()) + ", has " + std::to_string(elems.size()));
-    std::map<std::string, std::vector<CZrEnvElement *>> byName;
-    for (CZrEnvElement *pElem : elems)
-        if (CZrEnv::CheckElementName(pElem->GetName(), '\0'))
-            byName[pElem->GetName()].push_back(pElem);
-    for (const auto &[name, namesakes] : byName)
-        if (testing::AssertionResult result = NamesakesAreSound(block, name, namesakes); !result)
-            return result;
-    return testing::AssertionSuccess();
-}
-
-// The tail is no public fact: an element appended must stand behind the last one.
-inline testing::AssertionResult TailIsSound(CZrEnvBlock &block, const std::vector<CZrEnvElement *> &elems) {
-    CZrEnvDataElement *pProbe = NewLeaf("probe of the tail");
-    if (!block.InsertElement(pProbe))
-        return Fault(block, "refuses an element");
-    const CZrEnvElement *pBefore = elems.empty() ? nullptr : elems.back();
-    const bool linked = pBefore ? pBefore->GetSuccElem() == pProbe : block.GetFirstElement() == pProbe;
-    const bool last = pProbe->GetSuccElem() == nullptr;
-    if (!block.RemoveElement(pProbe, true))
-        return Fault(block, "does not let go of an element");
-    if (!linked || !last)
-        return Fault(block, "appends elsewhere than at the tail");
-    return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "block " << NameOf(&block)
+                                       << ": its lists or its count differ from the links";
 }
 
 } // namespace checker
 
-// Links, parents, lists, counts, look-ups by name and tail of one block agree. For blocks without stale index entries.
+// Links, parents, kinds, counts, lists and look-ups by name of one block agree. For blocks without stale index entries.
 inline testing::AssertionResult BlockIsSound(CZrEnvBlock &block) {
-    const std::vector<CZrEnvElement *> elems = Sequence(block);
-    if (testing::AssertionResult result = checker::LinksAreSound(block, elems); !result)
-        return result;
-    if (testing::AssertionResult result = checker::ListsAreSound(block, elems); !result)
-        return result;
-    if (testing::AssertionResult result = checker::IndexIsSound(block, elems); !result)
-        return result;
-    return checker::TailIsSound(block, elems);
+    if (const Zr::CZrEnvTreeFault fault = Zr::CZrEnvTreeCheck::OfBlock(block, Zr::CZrEnvTreeCheck::Indexes::Build))
+        return checker::Outcome(fault);
+    return checker::ListsAreSound(block);
 }
 
 // The same for a block and all below it.
@@ -256,27 +187,24 @@ inline testing::AssertionResult TreeIsSound(CZrEnvBlock &root) {
         waiting.pop_back();
         if (testing::AssertionResult result = BlockIsSound(*pBlock); !result)
             return result;
-        for (CZrEnvElement *pElem : Sequence(*pBlock))
+        for (CZrEnvElement *pElem = pBlock->GetFirstElement(); pElem; pElem = pElem->GetSuccElem())
             if (CZrEnvBlock *pInner = pElem->ToEnvBlock())
                 waiting.push_back(pInner);
     }
     return testing::AssertionSuccess();
 }
 
-// All sections of a top-level environment: list, count, environment and trees.
+// A top-level environment with all its sections.
 inline testing::AssertionResult EnvIsSound(CZrEnv &env) {
+    if (const auto fault = Zr::CZrEnvTreeCheck::OfEnvironment(env, Zr::CZrEnvTreeCheck::Indexes::Build))
+        return checker::Outcome(fault);
     std::vector<CZrEnvSection *> listed;
     if (env.GetSections(listed) != Zr::ENV_OK)
         return testing::AssertionFailure() << "GetSections fails";
-    if (env.CountElements(nullptr, nullptr, true) != static_cast<zr_long>(listed.size()))
-        return testing::AssertionFailure()
-               << "counts " << env.CountElements(nullptr, nullptr, true) << " sections, has " << listed.size();
     CZrEnvSection *pNext = env.GetFirstSection();
     for (CZrEnvSection *pSection : listed) {
         if (pSection != pNext)
             return testing::AssertionFailure() << "GetSections differs from the links";
-        if (pSection->GetEnv() != &env || pSection->GetParent())
-            return testing::AssertionFailure() << "section " << NameOf(pSection) << " stands elsewhere";
         if (testing::AssertionResult result = TreeIsSound(*pSection); !result)
             return result;
         pNext = env.GetNextSection(pSection);

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "env/env_probe.h"
+#include "env_file.h"
 #include "zrtool_fixture.h"
 
 namespace {
@@ -440,6 +442,45 @@ TEST_F(ZrtoolEnv, CheckOfWhatCannotBeWritten_WarnsAndIsOk) {
     EXPECT_EQ(outcome.code, 0);
     EXPECT_EQ(outcome.out, file + ": ok\n");
     EXPECT_EQ(outcome.err.find(file + ": warning: cannot be written: "), 0u) << outcome.err;
+}
+
+TEST_F(ZrtoolEnv, CheckDeepOfSoundFiles_SaysSo) {
+    const std::string empty = File("empty.zrenv", "");
+    for (const std::string &file : {empty, Example("frame.zrenv")}) {
+        const Outcome outcome = Env({"check", "--deep", file});
+        EXPECT_EQ(outcome.code, 0);
+        EXPECT_EQ(outcome.out, file + ": ok\n");
+        EXPECT_EQ(outcome.err, Env({"check", file}).err);
+    }
+    const std::string fault = File("a.zrenv", "[A]\n}\n");
+    EXPECT_EQ(Env({"check", fault, "--deep"}).err, Env({"check", fault}).err);
+}
+
+TEST_F(ZrtoolEnv, CheckDeepOfADamagedTree_NamesThePlace) {
+    std::ostringstream out;
+    std::ostringstream err;
+    const zrtool::Session session{out, err, true};
+    zrtool::Chain chain;
+    Zr::CZrEnv &env = chain.Add();
+    ASSERT_EQ(env.ReadString("[A]\n b ={\n  geh\xF6rt ={\n   x =1\n  }\n }\n", Zr::eEnvReadAuto), Zr::ENV_OK);
+    zrtool::CheckTree(session, "a.zrenv", env);
+    const auto fault = [&] {
+        try {
+            zrtool::CheckTree(session, "a.zrenv", env);
+        } catch (const zrtool::Failure &failure) {
+            EXPECT_EQ(failure.code, zrtool::BadData);
+            return std::string(failure.what());
+        }
+        return std::string("none");
+    };
+    std::uint32_t &count = Zr::CZrEnvProbe::Count(*env.GetBlock("A", "b@geh\xF6rt", true, false));
+    count = 2;
+    EXPECT_EQ(fault(), "a.zrenv: the tree in memory is unsound: [A] b@geh\xC3\xB6rt: counts 2 children, has 1");
+    count = 1;
+    Zr::CZrEnvProbe::SectionCount(env) = 2;
+    EXPECT_EQ(fault(), "a.zrenv: the tree in memory is unsound: counts 2 sections, has 1");
+    Zr::CZrEnvProbe::SectionCount(env) = 1;
+    EXPECT_EQ(fault(), "none");
 }
 
 TEST_F(ZrtoolEnv, ExampleCutAtEveryByte_IsSoundOrToldWithItsPlace) {

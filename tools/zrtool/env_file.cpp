@@ -8,6 +8,7 @@
 #include <memory>
 #include <new>
 
+#include "env/tree_check.h"
 #include "reports.h"
 #include "tree_walk.h"
 
@@ -186,6 +187,14 @@ std::string ReadEnvironment(const Session &session, const std::string &path, Zr:
     std::string bytes = ReadBytes(path);
     ReadText(session, path, TextOf(bytes), env);
     return bytes;
+}
+
+void CheckTree(const Session &session, const std::string &path, const Zr::CZrEnv &env) {
+    const auto fault = Zr::CZrEnvTreeCheck::OfEnvironment(env, Zr::CZrEnvTreeCheck::Indexes::Build);
+    if (!fault)
+        return;
+    const std::string place = fault.pWhere != nullptr ? PlaceOf(*fault.pWhere) + ": " : "";
+    throw Failure(BadData, path + ": the tree in memory is unsound: " + session.ToUser(place + fault.what));
 }
 
 std::string WriteText(const Zr::CZrEnv &env, bool wrap) {

@@ -55,6 +55,10 @@ void WarnOfCut(const Session &session, const std::string &path, std::string_view
 // ReadBytes, TextOf and ReadText in one, with the bytes as the result.
 std::string ReadEnvironment(const Session &session, const std::string &path, Zr::CZrEnv &env);
 
+// Looks at every link, count and index of the tree in memory. Failure with BadData, naming the place in the tree, when one is
+// wrong; `path` is for the message only.
+void CheckTree(const Session &session, const std::string &path, const Zr::CZrEnv &env);
+
 // The environment's text in the format's own line ends. Failure with InputOutput when the library could not make all
 // of it.
 std::string WriteText(const Zr::CZrEnv &env, bool wrap);

@@ -30,6 +30,8 @@ int Run(const Session &session, const Arguments &arguments) {
     Zr::CZrEnv &env = chain.Add();
     const std::string bytes = ReadEnvironment(session, file, env);
     const std::string text = TextOf(bytes);
+    if (arguments.Has("--deep"))
+        CheckTree(session, file, env);
 
     Place place;
     const char *unkept = nullptr;
@@ -47,11 +49,13 @@ const Verb &CheckVerb() {
     static const Verb verb = {
         "check",
         "tell whether a file is sound",
-        "usage: zrtool env check FILE\n"
+        "usage: zrtool env check FILE [--deep]\n"
         "\n"
         "Reads FILE. A fault is told as FILE:LINE:COLUMN: TEXT, and the exit code is 3. Warnings name\n"
-        "what would not outlive a write: comments, and values that do not read back as they are.\n",
-        {},
+        "what would not outlive a write: comments, and values that do not read back as they are.\n"
+        "  --deep    builds the index of names of every block and looks at all links, counts and\n"
+        "            indexes of the tree in memory; a fault there is one of the library\n",
+        {{"--deep", false}},
         Run};
     return verb;
 }
