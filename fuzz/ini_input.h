@@ -1,12 +1,10 @@
-// What the fuzz targets of settings files have in common: the parts of an input, a file on the disk, a count of reports.
+// What the fuzz targets of settings files have in common: the parts of an input, a count of reports.
 #ifndef FUZZ_INI_INPUT_H
 #define FUZZ_INI_INPUT_H
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <string>
 
@@ -14,7 +12,7 @@
 
 #include "byte_input.h"
 #include "platform/services.h"
-#include "platform/temp_folder.h"
+#include "scratch_file.h"
 
 namespace fuzz {
 
@@ -59,24 +57,6 @@ private:
 
 inline const char *OrNull(const std::optional<std::string> &text) {
     return text ? text->c_str() : nullptr;
-}
-
-// A file of a folder that goes with the process.
-inline std::string PathOf(const char *name) {
-    static const TempFolder folder;
-    return folder.Path(name);
-}
-
-inline void Store(const std::string &path, const std::string &bytes) {
-    std::FILE *file = std::fopen(path.c_str(), "wb");
-    Require(file != nullptr, "no file");
-    std::fwrite(bytes.data(), 1, bytes.size(), file);
-    Require(std::fclose(file) == 0, "the file is not whole");
-}
-
-inline std::string Load(const std::string &path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 // Counts how often the text is reported as an error.
