@@ -55,20 +55,26 @@ void zrTimer::ExecuteFunction() noexcept {
         run_count = static_cast<int32_t>(static_cast<uint32_t>(run_count) + 1);
 }
 
-void zrTimer::UpdateHwndFunction() noexcept {
-    const auto current = hwnd_function != nullptr ? hwnd_function : GlobalWindowFunction();
+void zr::desktop::LookForWindow(zrTimer &timer) noexcept {
+    const auto current = timer.hwnd_function != nullptr ? timer.hwnd_function : GlobalWindowFunction();
     if (current == nullptr)
         return;
-    const TimerWatch watch(this);
+    const TimerWatch watch(&timer);
     const zr_window window = current();
     if (watch.IsGone())
         return;
-    const zr_window old = hwnd;
-    hwnd = window;
-    if (old != nullptr && window != nullptr && old != window) {
-        platform::StopWindowTimer(old, timer_id);
-        InitTimer(window);
+    const zr_window old = timer.hwnd;
+    if (window == old)
+        return;
+    timer.hwnd = window;
+    if (old != nullptr && window != nullptr) {
+        platform::StopWindowTimer(old, timer.timer_id);
+        timer.InitTimer(window);
     }
+}
+
+void zrTimer::UpdateHwndFunction() noexcept {
+    LookForWindow(*this);
 }
 
 zr_window zrTimer::GetHwnd() noexcept {

@@ -1,6 +1,7 @@
 // The table of timers that are known by slots.
 #include "desktop/timer_table.h"
 
+#include <algorithm>
 #include <new>
 
 #include <zrclb/timer.hpp>
@@ -11,6 +12,7 @@ namespace zr::desktop {
 namespace {
 
 constinit zrTimer *table[timer_slots] = {};
+constinit int slots_in_use = 0; // one behind the last slot with a timer
 constinit zr_window_function global_window_function = nullptr;
 
 // The timer of a slot; null for an empty one, and for what is none.
@@ -22,13 +24,13 @@ zrTimer *TimerOf(int slot) {
 int AddTimer(zrTimer *timer) {
     if (timer == nullptr)
         return -1;
-    for (int slot = 0; slot < timer_slots; ++slot)
-        if (table[slot] == nullptr) {
-            table[slot] = timer;
-            zrTimerUpdateHwnd();
-            return slot;
-        }
-    return -1;
+    const int slot = static_cast<int>(std::find(table, table + slots_in_use, nullptr) - table);
+    if (slot == timer_slots)
+        return -1;
+    table[slot] = timer;
+    slots_in_use = std::max(slots_in_use, slot + 1);
+    zrTimerUpdateHwnd();
+    return slot;
 }
 
 // Null without memory for all that belongs to it.
@@ -73,6 +75,8 @@ int zrTimerDel(int slot) noexcept {
     if (timer == nullptr)
         return -1;
     table[slot] = nullptr;
+    while (slots_in_use > 0 && table[slots_in_use - 1] == nullptr)
+        --slots_in_use;
     delete timer;
     return 1;
 }
@@ -85,9 +89,9 @@ int zrTimerExecute(zrTimer *timer) noexcept {
 
 // A window function may add and delete timers, so each slot is looked at when its turn has come.
 void zrTimerUpdateHwnd(void) noexcept {
-    for (int slot = 0; slot < timer_slots; ++slot)
+    for (int slot = 0; slot < slots_in_use; ++slot)
         if (zrTimer *timer = table[slot]; timer != nullptr)
-            timer->UpdateHwndFunction();
+            LookForWindow(*timer);
 }
 
 void zrTimerSetHwndFunction(zr_window_function hwnd_function) noexcept {

@@ -11,6 +11,9 @@ inline constexpr int timer_slots = 100;
 // The one for timers without their own; null for none.
 zr_window_function GlobalWindowFunction() noexcept;
 
+// What zrTimer::UpdateHwndFunction does, which calls within the library reach by a detour.
+void LookForWindow(zrTimer &timer) noexcept;
+
 // Deletes the timers that are left in the table, and forgets all others; at unload.
 void DeleteTimers() noexcept;
 

@@ -1,6 +1,7 @@
 // Loading and unloading of the library.
 #include "library/load.h"
 
+#include "desktop/living_timers.h"
 #include "desktop/timer_table.h"
 #include "env/env_lock.h"
 #include "env/node_store.h"
@@ -9,6 +10,7 @@
 #include "frame/log_hook.h"
 #include "frame/message_box_stack.h"
 #include "library/frame_settings.h"
+#include "platform/locks.h"
 #include "platform/modules.h"
 #include "platform/window_timers.h"
 
@@ -28,6 +30,7 @@ void LibraryLoad(void *module) {
     frame::LogSection().Create();
     env::Section().Create();
     frame::MessageBoxSection().Create();
+    desktop::TimerSection().Create();
     platform::InstallInvalidParameterReporter(frame::InvalidParameterReporter);
     frame::SetLogHook({LogIsOn, LogPath, ProgramName});
     ReserveMemory();
@@ -46,6 +49,7 @@ void LibraryUnload() {
     frame::LogSection().Delete();
     env::Section().Delete();
     frame::MessageBoxSection().Delete();
+    desktop::TimerSection().Delete();
 }
 
 } // namespace zr::library

@@ -45,7 +45,12 @@ inline bool StopWindowTimer(zr_window window, zr_value id) {
     return services.stop_window_timer(window, id);
 }
 
-// Takes the next message of this thread's windows and dispatches it; false if none waits. A procedure may come back here.
+// A timer whose function takes longer than its period and pumps itself would have its messages dispatched in one another without
+// end: in a thread with timers no more calls of PumpMessage than so many do that.
+inline constexpr int pump_limit = 64;
+
+// Takes the next message of this thread's windows and dispatches it; false if none waits, and within pump_limit calls that
+// dispatch. A procedure may come back here.
 bool PumpMessage();
 
 // Milliseconds, rounded up, until PumpMessage has a message; 0 if it has, -1 if none is to come.

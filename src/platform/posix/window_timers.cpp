@@ -73,7 +73,7 @@ public:
 
     bool Dispatch() {
         const TimerSchedule::Timer *first = m_timers.First();
-        if (first == nullptr)
+        if (first == nullptr || m_dispatching == pump_limit)
             return false;
         const std::int64_t now = SteadyNanoseconds();
         if (first->due > now)
@@ -84,7 +84,9 @@ public:
         const Window target = m_windows.find(window)->second;
         m_timers.Repeat(window, id, now);
         Arm();
+        ++m_dispatching;
         target.procedure(window, timer_message, id, target.user);
+        --m_dispatching;
         return true;
     }
 
@@ -136,6 +138,7 @@ private:
     TimerSchedule m_timers;
     int m_descriptor = -1;
     std::int64_t m_armed = no_time; // what the descriptor waits for
+    int m_dispatching = 0;          // calls of procedures, in one another
 };
 
 void DeletePump(void *pump) {

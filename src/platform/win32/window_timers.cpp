@@ -54,25 +54,30 @@ bool IsOfThisThread(HWND window) {
     return GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId();
 }
 
+// When the timers of a thread are due, and how many of its messages are being dispatched, in one another.
+struct Schedule : TimerSchedule {
+    int dispatching = 0;
+};
+
 void WINAPI DeleteSchedule(void *schedule) {
-    delete static_cast<TimerSchedule *>(schedule);
+    delete static_cast<Schedule *>(schedule);
 }
 
 // The threads' own schedules: made when they are first needed, ended with their threads.
 class Schedules {
 public:
     // Null if this thread has none yet.
-    TimerSchedule *Own() const {
+    Schedule *Own() const {
         const DWORD slot = m_slot.load();
-        return slot != FLS_OUT_OF_INDEXES ? static_cast<TimerSchedule *>(FlsGetValue(slot)) : nullptr;
+        return slot != FLS_OUT_OF_INDEXES ? static_cast<Schedule *>(FlsGetValue(slot)) : nullptr;
     }
 
     // Null without memory.
-    TimerSchedule *Make() {
-        TimerSchedule *schedule = Own();
+    Schedule *Make() {
+        Schedule *schedule = Own();
         if (schedule != nullptr || !HasSlot())
             return schedule;
-        schedule = new (std::nothrow) TimerSchedule();
+        schedule = new (std::nothrow) Schedule();
         if (schedule != nullptr && FlsSetValue(m_slot.load(), schedule) == 0) {
             delete schedule;
             return nullptr;
@@ -104,6 +109,19 @@ private:
 
 constinit Schedules schedules;
 
+void Dispatch(const MSG &message) {
+    Schedule *schedule = schedules.Own();
+    if (schedule == nullptr) {
+        DispatchMessageA(&message);
+        return;
+    }
+    if (message.message == WM_TIMER)
+        schedule->Repeat(message.hwnd, message.wParam, SteadyNanoseconds());
+    ++schedule->dispatching;
+    DispatchMessageA(&message);
+    --schedule->dispatching;
+}
+
 } // namespace
 
 std::int64_t backend::SteadyNanoseconds() {
@@ -133,7 +151,7 @@ bool DestroyMessageWindow(zr_window window) {
     if (handle == nullptr || !IsOfThisThread(handle) ||
         GetClassLongPtrA(handle, GCLP_WNDPROC) != reinterpret_cast<ULONG_PTR>(HandleMessage))
         return false;
-    if (TimerSchedule *schedule = schedules.Own(); schedule != nullptr)
+    if (Schedule *schedule = schedules.Own(); schedule != nullptr)
         schedule->RemoveWindow(window);
     return DestroyWindow(handle) != 0;
 }
@@ -142,7 +160,7 @@ zr_value backend::StartWindowTimer(zr_window window, zr_value id, zr_long period
     const auto handle = static_cast<HWND>(window);
     if (handle == nullptr)
         return 0;
-    TimerSchedule *schedule = schedules.Make();
+    Schedule *schedule = schedules.Make();
     if (schedule == nullptr || !schedule->Start(window, id, period, platform::SteadyNanoseconds()))
         return 0;
     const zr_value started = SetTimer(handle, id, static_cast<UINT>(period), nullptr);
@@ -154,27 +172,26 @@ zr_value backend::StartWindowTimer(zr_window window, zr_value id, zr_long period
 bool backend::StopWindowTimer(zr_window window, zr_value id) {
     if (window == nullptr)
         return false;
-    if (TimerSchedule *schedule = schedules.Own(); schedule != nullptr)
+    if (Schedule *schedule = schedules.Own(); schedule != nullptr)
         schedule->Remove(window, id);
     return KillTimer(static_cast<HWND>(window), id) != 0;
 }
 
 bool PumpMessage() {
+    const Schedule *schedule = schedules.Own();
     MSG message;
-    if (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) == 0)
+    if ((schedule != nullptr && schedule->dispatching == pump_limit) ||
+        PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) == 0)
         return false;
-    TimerSchedule *schedule = schedules.Own();
-    if (schedule != nullptr && message.message == WM_TIMER)
-        schedule->Repeat(message.hwnd, message.wParam, SteadyNanoseconds());
     TranslateMessage(&message);
-    DispatchMessageA(&message);
+    Dispatch(message);
     return true;
 }
 
 int NextMessageDue() {
     if (HIWORD(GetQueueStatus(QS_ALLINPUT)) != 0)
         return 0;
-    TimerSchedule *schedule = schedules.Own();
+    Schedule *schedule = schedules.Own();
     if (schedule == nullptr)
         return -1;
     const std::int64_t now = SteadyNanoseconds();

@@ -15,6 +15,7 @@
 
 #include "desktop/word_search.h"
 #include "frame/report_fixture.h"
+#include "own_desktop.h"
 #include "platform/server_programs.h"
 #include "platform/temp_folder.h"
 
@@ -83,39 +84,6 @@ private:
     std::string m_path;
     HKEY m_root = nullptr;
 };
-
-// A desktop of this program's own for all of its tests: windows of other programs are none of its, and it needs no
-// screen. It is there before anything else, because Wine looks for its driver once, at the first call that needs it.
-class OwnDesktop : public testing::Environment {
-public:
-    void SetUp() override {
-        m_before = GetThreadDesktop(GetCurrentThreadId());
-        // Wine takes its driver from here; Windows itself knows nothing of the key.
-        const BYTE driver[] = "null";
-        m_drivers = MakeKey(HKEY_CURRENT_USER, "Software\\Wine\\Drivers");
-        RegSetValueExA(m_drivers, "Graphics", 0, REG_SZ, driver, sizeof driver);
-        const std::string name = "zr_test_" + std::to_string(std::random_device{}());
-        m_desktop = CreateDesktopA(name.c_str(), nullptr, nullptr, 0, GENERIC_ALL, nullptr);
-        ASSERT_TRUE(m_desktop != nullptr && SetThreadDesktop(m_desktop));
-        // With the first window Wine has its driver.
-        const HWND first = CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
-        RegDeleteValueA(m_drivers, "Graphics");
-        RegCloseKey(m_drivers);
-        ASSERT_NE(first, nullptr);
-        DestroyWindow(first);
-    }
-    void TearDown() override {
-        SetThreadDesktop(m_before);
-        CloseDesktop(m_desktop);
-    }
-
-private:
-    HDESK m_before = nullptr;
-    HDESK m_desktop = nullptr;
-    HKEY m_drivers = nullptr;
-};
-
-[[maybe_unused]] const testing::Environment *const own_desktop = testing::AddGlobalTestEnvironment(new OwnDesktop);
 
 // Top-level windows that go with it.
 class Windows {
