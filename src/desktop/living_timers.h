@@ -45,9 +45,7 @@ public:
         : m_timer(timer), m_starts(timer_starts.load(std::memory_order_relaxed)),
           m_ends(timer_ends.load(std::memory_order_relaxed)) {}
 
-    bool IsGone() const noexcept {
-        return timer_ends.load(std::memory_order_relaxed) != m_ends && !IsStillNoted();
-    }
+    bool IsGone() const noexcept { return timer_ends.load(std::memory_order_relaxed) != m_ends && !IsStillNoted(); }
 
 private:
     bool IsStillNoted() const noexcept;

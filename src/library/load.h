@@ -4,7 +4,7 @@
 
 namespace zr::library {
 
-// Brings the library into use: keeps the handle of its module, makes its three locks, takes over the C library's reports of
+// Brings the library into use: keeps the handle of its module, makes its four locks, takes over the C library's reports of
 // bad arguments, tells the log what it has to know, and takes the memory that the settings ask for. That looks for the
 // settings file, so it may report. Called once by the system's loader; by a program that
 // holds the library's objects itself, from its main. Once loaded, a further call does nothing.

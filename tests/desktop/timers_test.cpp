@@ -1,8 +1,12 @@
 // Timers and their slots, over a desktop that only notes what it is asked for.
 #include <zrclb/timer.hpp>
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <new>
 #include <string>
+#include <thread>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -18,6 +22,18 @@ namespace {
 using zr::platform::services;
 
 static_assert(!std::is_polymorphic_v<zrTimer> && std::is_standard_layout_v<zrTimer>);
+
+// The fields, in their order.
+static_assert(offsetof(zrTimer, timer_id) == 0 && offsetof(zrTimer, timer_id) < offsetof(zrTimer, timeout) &&
+              offsetof(zrTimer, timeout) < offsetof(zrTimer, function) &&
+              offsetof(zrTimer, function) < offsetof(zrTimer, user_data) &&
+              offsetof(zrTimer, user_data) < offsetof(zrTimer, run_count) &&
+              offsetof(zrTimer, run_count) < offsetof(zrTimer, hwnd) &&
+              offsetof(zrTimer, hwnd) < offsetof(zrTimer, hwnd_function) &&
+              sizeof(zrTimer) == offsetof(zrTimer, hwnd_function) + sizeof(void *));
+static_assert(std::is_same_v<decltype(zrTimer::timer_id), zr_value> &&
+              std::is_same_v<decltype(zrTimer::timeout), zr_long> &&
+              std::is_same_v<decltype(zrTimer::run_count), std::int32_t>);
 
 zr_window Window(char name) {
     return reinterpret_cast<zr_window>(static_cast<zr_value>(name));
@@ -101,6 +117,36 @@ TEST_F(Timers, IdentifierIsWhatTheDesktopGives) {
         EXPECT_EQ(timer.timer_id, 77u);
     }
     EXPECT_EQ(Calls(), (Texts{"start A 50", "stop A 77"}));
+}
+
+TEST_F(Timers, IdentifierIsUsedToMoveAndToChange) {
+    next_id = 77;
+    current = window_a;
+    zrTimer timer(Current, 50, Run, nullptr);
+    Calls();
+    next_id = 0;
+    current = window_b;
+    timer.UpdateHwndFunction();
+    EXPECT_EQ(Calls(), (Texts{"stop A 77", "start B 50"}));
+    EXPECT_EQ(timer.timer_id, reinterpret_cast<zr_value>(&timer));
+    next_id = 77;
+    timer.ChangeTimeOut(60);
+    EXPECT_EQ(Calls(), (Texts{"stop B", "start B 60"}));
+    timer.ChangeTimeOut(70);
+    EXPECT_EQ(Calls(), (Texts{"stop B 77", "start B 70"}));
+}
+
+TEST_F(Timers, Period_GoesToTheDesktopAsItIs) {
+    for (const zr_long period : {0, -1, 2147483647, -2147483647 - 1}) {
+        Calls();
+        zrTimer timer(window_a, period, Run, nullptr);
+        EXPECT_EQ(timer.timeout, period);
+        timer.ChangeTimeOut(50);
+        timer.ChangeTimeOut(period);
+        EXPECT_EQ(timer.timeout, period);
+        const std::string start = "start A " + std::to_string(period);
+        EXPECT_EQ(Calls(), (Texts{start, "stop A", "start A 50", "stop A", start}));
+    }
 }
 
 TEST_F(Timers, DesktopRefuses_NothingToEnd) {
@@ -221,6 +267,30 @@ TEST_F(Timers, SetHwndFunction_OnlyIfNothingIsSet) {
     EXPECT_EQ(asked, 0);
 }
 
+TEST_F(Timers, SetHwndFunction_IsAskedFromThenOnInPlaceOfTheGlobalOne) {
+    current = window_a;
+    zrTimer timer(50, Run, nullptr);
+    timer.SetHwndFunction(Current);
+    zrTimerSetHwndFunction([] { return window_b; });
+    EXPECT_EQ(Calls(), Texts{}); // nothing starts by that
+    timer.ChangeTimeOut(50);
+    EXPECT_EQ(Calls(), (Texts{"stop A 0", "start A 50"}));
+    timer.SetHwndFunction(nullptr); // it stays
+    EXPECT_TRUE(timer.hwnd_function == Current);
+}
+
+TEST_F(Timers, GlobalFunction_CanBeTakenAway) {
+    current = window_a;
+    zrTimerSetHwndFunction(Current);
+    zrTimer timer(50, Run, nullptr);
+    EXPECT_EQ(std::exchange(asked, 0), 2);
+    zrTimerSetHwndFunction(nullptr);
+    timer.UpdateHwndFunction();
+    EXPECT_EQ(timer.GetHwnd(), window_a);
+    EXPECT_EQ(zrTimer(50, Run, nullptr).hwnd, nullptr);
+    EXPECT_EQ(asked, 0);
+}
+
 TEST_F(Timers, ChangeTimeOut_EndsAndStarts) {
     current = window_a;
     zrTimer timer(Current, 50, Run, nullptr);
@@ -231,6 +301,10 @@ TEST_F(Timers, ChangeTimeOut_EndsAndStarts) {
     current = window_b; // moved with the old period first
     timer.ChangeTimeOut(90);
     EXPECT_EQ(Calls(), (Texts{"stop A", "start B 70", "stop B", "start B 90"}));
+    timer.function = nullptr; // asks no more
+    current = window_a;
+    timer.ChangeTimeOut(100);
+    EXPECT_EQ(Calls(), (Texts{"stop B", "start B 100"}));
 }
 
 TEST_F(Timers, InitTimer_DoesNotKeepTheWindow) {
@@ -295,13 +369,27 @@ TEST_F(Timers, Assignment_CopiesAllSevenFields) {
     EXPECT_EQ(Calls(), (Texts{"stop A", "stop A"}));
 }
 
+TEST_F(Timers, Assignment_LeavesWhatRanInTheTargetRunning) {
+    const zrTimer source(window_a, 50, Run, nullptr);
+    zrTimer target(window_b, 60, Run, nullptr);
+    Calls();
+    target = source;
+    const zrTimer &same = target;
+    target = same;
+    EXPECT_EQ(Calls(), Texts{});
+    EXPECT_EQ(target.hwnd, window_a);
+    EXPECT_EQ(target.timeout, 50);
+}
+
 TEST_F(Timers, HundredAndFirst_RunsWithoutASlot) {
     current = window_a;
     for (int slot = 0; slot < 100; ++slot)
         ASSERT_EQ(zrTimerSet(Current, 50, Run, nullptr), slot);
     Calls();
     const zr_value ids = started_ids.size();
+    asked = 0;
     EXPECT_EQ(zrTimerSet(Current, 60, Run, nullptr), -1);
+    EXPECT_EQ(asked, 2); // by the new one, whose window is noted; the others aren't asked to
     EXPECT_EQ(Calls(), Texts{"start A 60"});
     zrTimerSetHwndFunction(Current);
     EXPECT_EQ(zrTimerSetWithoutHwnd(70, Run, nullptr), -1);
@@ -345,6 +433,35 @@ TEST_F(Timers, Set_AllOthersLookForTheirWindows) {
     current = window_a;
     zrTimerUpdateHwnd();
     EXPECT_EQ(Calls(), (Texts{"stop B", "start A 50"}));
+}
+
+TEST_F(Timers, Set_EachIsAskedForItsWindow) {
+    EXPECT_EQ(zrTimerSet(Current, 50, Run, nullptr), 0);
+    EXPECT_EQ(asked, 3); // twice in its making, then among all
+    EXPECT_EQ(zrTimerSet(Current, 50, Run, nullptr), 1);
+    EXPECT_EQ(zrTimerSetWithoutHwnd(50, Run, nullptr), 2);
+    EXPECT_EQ(zrTimerDel(1), 1);
+    asked = 0;
+    zrTimerUpdateHwnd();
+    EXPECT_EQ(asked, 1);
+    zrTimerSetHwndFunction(Current);
+    zrTimerUpdateHwnd();
+    EXPECT_EQ(asked, 3);
+    EXPECT_EQ(zrTimerDel(2), 1);
+    EXPECT_EQ(zrTimerDel(0), 1);
+    zrTimerUpdateHwnd();
+    EXPECT_EQ(asked, 3);
+}
+
+TEST_F(Timers, Set_StartsInTheWindowOfTheGlobalFunction) {
+    current = window_a;
+    zrTimerSetHwndFunction(Current);
+    EXPECT_EQ(zrTimerSetWithoutHwnd(50, Run, nullptr), 0);
+    EXPECT_EQ(zrTimerSet(nullptr, 60, Run, nullptr), 1);
+    EXPECT_EQ(Calls(), (Texts{"start A 50", "start A 60"}));
+    current = window_b;
+    zrTimerUpdateHwnd();
+    EXPECT_EQ(Calls(), (Texts{"stop A", "start B 50", "stop A", "start B 60"}));
 }
 
 TEST_F(Timers, WithoutWindow_StartsWithANewPeriodOnly) {
@@ -422,6 +539,68 @@ TEST_F(Timers, Execute_TimerIsReplacedInItsFunction) {
               0);
     EXPECT_EQ(zrTimerExecute(reinterpret_cast<zrTimer *>(started_ids.back())), 1);
     EXPECT_EQ(reinterpret_cast<zrTimer *>(started_ids.back())->run_count, 0);
+}
+
+// A timer that ends within a call of its function's, with another one at the same place.
+TEST_F(Timers, Object_IsReplacedInPlace) {
+    static zrTimer *object;
+    static bool replaces;
+    alignas(zrTimer) static unsigned char place[sizeof(zrTimer)];
+    const auto replace = [] {
+        if (!std::exchange(replaces, false))
+            return;
+        object->~zrTimer();
+        object = new (place) zrTimer(
+            window_b, 90, [](void *) { ++runs; }, nullptr);
+    };
+    static void (*const replace_now)() = replace;
+    for (const int way : {0, 1, 2, 3}) {
+        replaces = false;
+        object = new (place) zrTimer(
+            [] {
+                replace_now();
+                return window_a;
+            },
+            50, [](void *) { replace_now(); }, nullptr);
+        Calls();
+        replaces = true;
+        if (way == 0)
+            EXPECT_EQ(zrTimerExecute(object), 1);
+        else if (way == 1)
+            object->UpdateHwndFunction();
+        else if (way == 2)
+            object->ChangeTimeOut(70);
+        else
+            EXPECT_EQ(object->GetHwnd(), nullptr);
+        EXPECT_EQ(Calls(), (Texts{"stop A", "start B 90"})) << way;
+        EXPECT_EQ(object->run_count, 0);
+        EXPECT_EQ(object->timeout, 90);
+        EXPECT_EQ(object->hwnd, window_b);
+        object->~zrTimer();
+        Calls();
+    }
+}
+
+// Others that end, or begin, within the call are no matter.
+TEST_F(Timers, Others_EndWithinTheCall) {
+    current = window_a;
+    const auto others = [](void *) {
+        zrTimer(window_b, 60, nullptr, nullptr);
+        EXPECT_EQ(zrTimerDel(1), 1);
+    };
+    EXPECT_EQ(zrTimerSet(Current, 50, others, nullptr), 0);
+    auto *timer = reinterpret_cast<zrTimer *>(started_ids.back());
+    EXPECT_EQ(zrTimerSet(Current, 50, Run, nullptr), 1);
+    EXPECT_EQ(zrTimerExecute(timer), 1);
+    EXPECT_EQ(timer->run_count, 1);
+    timer->hwnd_function = [] {
+        zrTimer(window_a, 60, nullptr, nullptr);
+        return window_b;
+    };
+    Calls();
+    timer->ChangeTimeOut(70);
+    EXPECT_EQ(timer->hwnd, window_b);
+    EXPECT_EQ(Calls(), (Texts{"start A 60", "stop A", "stop A", "start B 50", "stop B", "start B 70"}));
 }
 
 TEST_F(Timers, WindowFunction_DeletesItsTimer) {
@@ -507,13 +686,39 @@ TEST_F(Timers, Many_AreAllKnown) {
     EXPECT_EQ(runs, 150);
 }
 
+// Each thread has its own objects; which there are is known to the library alone.
+TEST_F(Timers, Threads_HaveObjectsOfTheirOwn) {
+    services.start_window_timer = [](zr_window, zr_value id, zr_long) { return id; };
+    services.stop_window_timer = [](zr_window, zr_value) { return true; };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([] {
+            const auto other = [](void *) { const zrTimer ends_at_once(window_b, 10, nullptr, nullptr); };
+            for (int round = 0; round < 200; ++round) {
+                zrTimer timers[] = {{window_a, 50, other, nullptr}, {[] { return window_b; }, 50, other, nullptr}};
+                for (zrTimer &timer : timers) {
+                    EXPECT_EQ(zrTimerExecute(&timer), 1);
+                    EXPECT_EQ(timer.run_count, 1);
+                    timer.UpdateHwndFunction();
+                    EXPECT_EQ(timer.timer_id, reinterpret_cast<zr_value>(&timer));
+                }
+            }
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+}
+
 TEST_F(Timers, Unload_DeletesWhatIsLeft) {
     current = window_a;
     EXPECT_EQ(zrTimerSet(Current, 50, Run, nullptr), 0);
     EXPECT_EQ(zrTimerSet(Current, 50, Run, nullptr), 1);
     Calls();
+    zrTimer outside(window_b, 60, Run, nullptr);
+    Calls();
     zr::desktop::DeleteTimers();
     EXPECT_EQ(Calls(), (Texts{"stop A", "stop A"}));
+    EXPECT_EQ(zrTimerExecute(&outside), 1); // forgotten
+    EXPECT_EQ(runs, 0);
     EXPECT_EQ(zrTimerDel(0), -1);
     EXPECT_EQ(zrTimerSetWithoutHwnd(50, Run, nullptr), 0); // in use again
 }

@@ -1,6 +1,7 @@
 // The pump of a thread: on a clock that stands still until it is moved, and its descriptor.
 #include <zrclb/timer.hpp>
 
+#include <algorithm>
 #include <string>
 #include <thread>
 
@@ -73,6 +74,31 @@ TEST_F(PosixMessagePump, Messages_ComeInTheOrderOfTheirTimes) {
     EXPECT_EQ(MessagesAt(30 * millisecond), "aAbc");
     EXPECT_EQ(MessagesAt(40 * millisecond), "aAb");
     EXPECT_EQ(MessagesAt(1000 * millisecond), "aAcb"); // those of 50 and 60 ms
+}
+
+// A function that takes longer than its period and pumps.
+TEST_F(PosixMessagePump, Messages_EndlesslyInOneAnother) {
+    static int depth, deepest, calls;
+    depth = deepest = calls = 0;
+    const auto slow = [](zr_window own, unsigned, zr_value identifier, void *) {
+        deepest = std::max(deepest, ++depth);
+        zr::test::PassTime(10);
+        if (++calls == 1000) {
+            EXPECT_TRUE(zr::platform::StopWindowTimer(own, identifier));
+        }
+        EXPECT_EQ(Yield_and_PeekMessage(), 0);
+        --depth;
+    };
+    const zr_window own = zrWindowCreate(slow, nullptr);
+    EXPECT_EQ(zr::platform::StartWindowTimer(own, 'a', 10), static_cast<zr_value>('a'));
+    zr::test::PassTime(10);
+    EXPECT_EQ(Yield_and_PeekMessage(), 0);
+    EXPECT_EQ(calls, 1000);
+    EXPECT_EQ(deepest, zr::platform::pump_limit);
+    EXPECT_EQ(depth, 0);
+    EXPECT_EQ(zrWindowDestroy(own), 1);
+    Start('b', 10); // and all is as before
+    EXPECT_EQ(MessagesAt(zr::test::message_clock + 10 * millisecond), "b");
 }
 
 TEST_F(PosixMessagePump, LongestPeriod_FitsTheAnswer) {
