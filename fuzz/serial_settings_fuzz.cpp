@@ -1,9 +1,15 @@
 // Any settings text of a serial port: read twice it gives the same, what is refused changes nothing, what is accepted
-// lies in the range of a port, and a port's name in front makes no difference.
+// lies in the range of a port, and a port's name in front makes no difference. Read as a configuration it gives the same
+// as read plainly.
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <string>
+#include <vector>
+
+#include <zrclb/str.h>
 
 #include "desktop/port_configuration.h"
 #include "platform/serial_port.h"
@@ -42,18 +48,52 @@ void CheckRanges(const PortSettings &settings, bool fields) {
     Check(!fields || settings.cts_flow == (settings.rts == zr::platform::line_handshake));
 }
 
-// The reader of configurations on top of it, which tells the same whatever was there before.
-void CheckConfiguration(const std::string &text, const PortSettings &start) {
-    PortSettings first = start;
-    PortSettings second;
-    const bool sound = zr::desktop::ReadConfiguration(text.c_str(), first);
-    Check(zr::desktop::ReadConfiguration(text.c_str(), second) == sound);
-    for (const PortSettings &settings : {first, second}) {
-        Check(settings.rts == zr::platform::line_handshake && settings.dtr == zr::platform::line_disabled);
-        Check(settings.cts_flow);
+// The pieces between commas; empty ones don't count.
+std::vector<std::string> Fields(const std::string &text) {
+    std::vector<std::string> fields(1);
+    for (const char c : text) {
+        if (c != ',')
+            fields.back() += c;
+        else if (!fields.back().empty())
+            fields.emplace_back();
     }
-    const bool has_rate = text.substr(0, zr::desktop::configuration_size - 1).find_first_not_of(',') != text.npos;
-    Check(has_rate ? first.baud_rate == second.baud_rate : first.baud_rate == start.baud_rate);
+    if (fields.back().empty())
+        fields.pop_back();
+    return fields;
+}
+
+// A configuration read plainly, one field after the other.
+bool ReadPlainly(const std::string &text, PortSettings &settings) {
+    const std::vector<std::string> fields = Fields(text.substr(0, zr::desktop::configuration_size - 1));
+    const std::map<char, std::uint8_t> parities = {{'n', 0}, {'o', 1}, {'e', 2}, {'m', 3}};
+    const std::map<std::string, std::uint8_t> stops = {{"1", 0}, {"1.5", 1}, {"2", 2}};
+    bool sound = true;
+    if (fields.size() > 0)
+        settings.baud_rate = static_cast<std::uint32_t>(convert_stol(fields[0].c_str()));
+    if (fields.size() > 1) {
+        const auto parity = parities.find(fields[1][0]);
+        sound = parity != parities.end();
+        settings.parity = sound ? parity->second : settings.parity;
+    }
+    if (fields.size() > 2)
+        settings.data_bits = static_cast<std::uint8_t>(std::clamp<zr_long>(convert_stol(fields[2].c_str()), 0, 255));
+    if (fields.size() > 3 && stops.count(fields[3]) != 0)
+        settings.stop_bits = stops.at(fields[3]);
+    if (fields.size() > 4)
+        sound = sound && std::string("epx").find(fields[4][0]) != std::string::npos;
+    settings.rts = zr::platform::line_handshake;
+    settings.dtr = zr::platform::line_disabled;
+    settings.cts_flow = true;
+    return sound;
+}
+
+// The reader of configurations, on top of what the parser made of the text and of nothing.
+void CheckConfiguration(const std::string &text, const PortSettings &start) {
+    for (const PortSettings &before : {start, PortSettings()}) {
+        PortSettings settings = before, plain = before;
+        Check(zr::desktop::ReadConfiguration(text.c_str(), settings) == ReadPlainly(text, plain));
+        Check(Equal(settings, plain));
+    }
 }
 
 } // namespace

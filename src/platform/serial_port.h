@@ -77,7 +77,7 @@ inline std::size_t WritePort(zr_value port, const void *bytes, std::size_t size)
     return services.write_port(port, bytes, size);
 }
 
-// Closes an open port. On Linux what is no terminal stays open.
+// Closes an open port. What is none (on Linux no terminal, on Windows no device of characters) stays open.
 inline void ClosePort(zr_value port) {
     services.close_port(port);
 }

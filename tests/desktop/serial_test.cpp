@@ -11,11 +11,13 @@
 
 #include "desktop/port_configuration.h"
 #include "frame/refused_heap.h"
+#include "frame/report_fixture.h"
 #include "platform/known_folders.h"
 #include "platform/libraries.h"
 #include "platform/serial_port.h"
 #include "platform/system_kind.h"
 #include "platform/temp_folder.h"
+#include "process_measures.h"
 
 namespace {
 
@@ -23,6 +25,9 @@ using zr::platform::PortSettings;
 using zr::platform::services;
 
 constexpr zr_value port_handle = 77;
+
+// As the library is loaded, before any test.
+const int first_kind = getWinComPort();
 
 // What the made-up port and system do, and what was done to them.
 struct World {
@@ -66,9 +71,10 @@ zr::platform::LibraryFunction FindOldFunction(void *, const char *name) {
     return nullptr;
 }
 
-class Serial : public testing::Test {
+class Serial : public ReportFixture {
 protected:
     void SetUp() override {
+        ReportFixture::SetUp();
         world = World();
         world.folder = Folder();
         setWinComPort(WIN_COM_NONE, 1);
@@ -86,7 +92,12 @@ protected:
         ReplaceOldLayer();
     }
 
-    void TearDown() override { services = zr::platform::Services(); }
+    // Results and the old layer's boxes tell all.
+    void TearDown() override {
+        EXPECT_EQ(TakeLog(), "");
+        EXPECT_TRUE(debugger.empty());
+        ReportFixture::TearDown();
+    }
 
     static void ReplacePort() {
         services.open_port = [](const char *port) -> zr_value {
@@ -326,21 +337,37 @@ TEST_F(Serial, PortThatIsGone_EndsThePlot) {
 
 TEST_F(Serial, NoMemory_GivesZeroAndClosesThePort) {
     const std::string file = FileOf("data");
-    int refused = 0;
+    int unsent = 0;
+    const long long handles_before = ProcessMeasures::Now().handles;
     for (int others = 0;; ++others) {
         world.bytes.clear();
         const int closed_before = world.closed;
+        const zr::test::HeapBalance balance;
         const zr::test::HeapRefusal refusal(others);
         const int result = PlotToCom32Bit(file.c_str(), "COM1");
         EXPECT_EQ(world.closed, closed_before + 1);
+        EXPECT_EQ(balance.Open(), 0);
+        EXPECT_EQ(world.bytes, result == 1 ? "data" : "");
         if (!refusal.Met()) {
             EXPECT_EQ(result, 1);
             break;
         }
-        ++refused;
-        EXPECT_EQ(result, world.bytes == "data" ? 1 : 0);
+        unsent += 1 - result;
     }
-    EXPECT_GE(refused, 1);
+    EXPECT_EQ(unsent, 1); // for the block
+    EXPECT_EQ(ProcessMeasures::Now().handles, handles_before);
+}
+
+TEST_F(Serial, OnlyThePlotNeedsMemory) {
+    const CurrentFolder inside(m_folder.Folder());
+    SetEntry("19200,e,7,2,x");
+    const zr::test::HeapRefusal refusal(0, true);
+    EXPECT_EQ(Entry("COM1"), "19200,e,7,2,x");
+    zr_value handle = iOpenWinComWrite("COM1");
+    WriteWinCom(&handle, "abc", 3);
+    EXPECT_EQ(handle, port_handle);
+    EXPECT_EQ(WriteComEntry("x", "COM1"), 1);
+    EXPECT_FALSE(refusal.Met());
 }
 
 TEST_F(Serial, Plot_LeavesTheKindAlone) {
@@ -391,6 +418,10 @@ TEST_F(Serial, Close_ForgetsHandleAndKind) {
         EXPECT_EQ(getWinComPort(), 0);
     }
     EXPECT_EQ(world.closed, 1);
+}
+
+TEST_F(Serial, KindIsNoneAtFirst) {
+    EXPECT_EQ(first_kind, 0);
 }
 
 TEST_F(Serial, KindIsStoredOnlyWhenWriteIsOne) {
@@ -453,6 +484,14 @@ TEST_F(Serial, OldLayer_SendsThroughItsLibrary) {
     EXPECT_EQ(world.calls, "load plotut32.dll start plot plot.plt COM1 free ");
     EXPECT_EQ(m_folder.Read("COMM.TMP"), "plot.plt\r\nCOM1\r\n9600,n,8,1,p\r\n");
     EXPECT_EQ(world.opened, "");
+}
+
+TEST_F(Serial, OldLayer_SendsWithoutItsParameterFileToo) {
+    const CurrentFolder inside(m_folder.Folder());
+    world.platform = 0;
+    std::filesystem::create_directory("COMM.TMP");
+    EXPECT_EQ(WriteFileWinCom("plot.plt", "COM1"), 5);
+    EXPECT_EQ(world.calls, "load plotut32.dll start plot plot.plt COM1 free ");
 }
 
 TEST_F(Serial, OldLayerThatIsMissing_SaysSo) {

@@ -15,6 +15,7 @@
 
 #include "platform/posix/posix_descriptors.h"
 #include "platform/posix/posix_paths.h"
+#include "platform/posix/posix_ports.h"
 
 namespace zr::platform {
 
@@ -63,19 +64,6 @@ int PortNumber(const char *port) {
     if (*at == ':')
         ++at;
     return *at == 0 && port[3] != '0' && number < 1000 ? number : 0;
-}
-
-bool HostDevice(const char *port, posix::PathBuffer &out) {
-    const int number = PortNumber(port);
-    if (number == 0)
-        return posix::ToHost(port, out, sizeof out);
-    char variable[32];
-    std::snprintf(variable, sizeof variable, "ZR_PORT_COM%d", number);
-    const char *device = std::getenv(variable);
-    const int length = device != nullptr && device[0] == '/'
-                           ? std::snprintf(out, sizeof out, "%s", device)
-                           : std::snprintf(out, sizeof out, "/dev/ttyS%d", number - 1);
-    return length > 0 && static_cast<std::size_t>(length) < sizeof out;
 }
 
 // Makes the terminal this caller's alone. The system's own claim does not keep the superuser out, hence the lock.
@@ -158,9 +146,22 @@ void SwitchLine(int descriptor, int line, std::uint8_t control) {
 
 } // namespace
 
+bool posix::HostPort(const char *port, PathBuffer &out) {
+    const int number = PortNumber(port);
+    if (number == 0)
+        return ToHost(port, out, sizeof out);
+    char variable[32];
+    std::snprintf(variable, sizeof variable, "ZR_PORT_COM%d", number);
+    const char *device = std::getenv(variable);
+    const int length = device != nullptr && device[0] == '/'
+                           ? std::snprintf(out, sizeof out, "%s", device)
+                           : std::snprintf(out, sizeof out, "/dev/ttyS%d", number - 1);
+    return length > 0 && static_cast<std::size_t>(length) < sizeof out;
+}
+
 zr_value backend::OpenPort(const char *port) {
     posix::PathBuffer device;
-    if (!HostDevice(port, device))
+    if (!posix::HostPort(port, device))
         return 0;
     const int descriptor = MoveFromZero(posix::Open(device, O_RDWR | O_NOCTTY | O_NONBLOCK, 0));
     if (descriptor == -1)

@@ -18,6 +18,11 @@ HANDLE HandleOf(zr_value port) {
     return reinterpret_cast<HANDLE>(port);
 }
 
+// Ports are devices that pass characters; files, pipes and what is no handle of a file are none.
+bool IsPort(HANDLE handle) {
+    return GetFileType(handle) == FILE_TYPE_CHAR;
+}
+
 // To and from the fields of the system's block that settings speak of.
 void Store(const PortSettings &settings, DCB &block) {
     block.BaudRate = settings.baud_rate;
@@ -55,7 +60,7 @@ zr_value backend::OpenPort(const char *port) {
     const HANDLE handle = CreateFileA(port, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     if (handle == INVALID_HANDLE_VALUE)
         return 0;
-    if (GetFileType(handle) == FILE_TYPE_CHAR)
+    if (IsPort(handle))
         return reinterpret_cast<zr_value>(handle);
     CloseHandle(handle);
     return 0;
@@ -89,6 +94,8 @@ bool backend::ApplyPortSettings(zr_value port, const PortSettings &settings) {
 }
 
 std::size_t backend::WritePort(zr_value port, const void *bytes, std::size_t size) {
+    if (!IsPort(HandleOf(port)))
+        return 0;
     DWORD written = 0;
     const DWORD wanted = size > MAXDWORD ? MAXDWORD : static_cast<DWORD>(size);
     WriteFile(HandleOf(port), bytes, wanted, &written, nullptr); // the number tells all
@@ -96,7 +103,8 @@ std::size_t backend::WritePort(zr_value port, const void *bytes, std::size_t siz
 }
 
 void backend::ClosePort(zr_value port) {
-    CloseHandle(HandleOf(port));
+    if (IsPort(HandleOf(port)))
+        CloseHandle(HandleOf(port));
 }
 
 } // namespace zr::platform

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <functional>
 #include <string>
 #include <thread>
 
@@ -16,6 +17,7 @@
 
 #include "platform/known_folders.h"
 #include "platform/libraries.h"
+#include "platform/posix/posix_ports.h"
 #include "platform/serial_port.h"
 #include "platform/temp_folder.h"
 #include "pseudo_terminal.h"
@@ -148,6 +150,7 @@ TEST_F(PosixSerial, OpenPort_IsForOneAlone) {
     EXPECT_EQ(ioctl(static_cast<int>(port), TIOCGEXCL, &claimed), 0);
     EXPECT_NE(claimed, 0);
     EXPECT_NE(fcntl(static_cast<int>(port), F_GETFD) & FD_CLOEXEC, 0);
+    EXPECT_EQ(fcntl(static_cast<int>(port), F_GETFL) & (O_ACCMODE | O_NONBLOCK), O_RDWR);
     EXPECT_EQ(iOpenWinComWrite("COM1"), 0u);
     EXPECT_EQ(iOpenWinComWrite(m_pair.Port().c_str()), 0u);
     EXPECT_EQ(PlotToCom32Bit(FileOf("data").c_str(), "COM1"), 0);
@@ -197,6 +200,24 @@ TEST_F(PosixSerial, ReaderThatGoesAway_EndsThePlot) {
     EXPECT_EQ(PlotToCom32Bit(FileOf(Noise(1000000)).c_str(), "COM1"), 0);
     reader.join();
     EXPECT_EQ(PlotToCom32Bit(FileOf("data").c_str(), "COM1"), 0); // no such port any more
+}
+
+// Reader of its own for each of two ports; nothing of one gets to the other.
+TEST_F(PosixSerial, PortsOfTwoThreads_AreIndependent) {
+    const PseudoTerminal second;
+    m_folder.Write("WIN.INI", "[Ports]\n" + m_pair.Port() + ":=19200,e,7,2,p\n" + second.Port() + ":=300,n,8,1,x\n");
+    const std::string file = FileOf(Noise(3000));
+    const auto plot = [&](const PseudoTerminal &pair, speed_t rate) {
+        for (int i = 0; i < 50; ++i) {
+            EXPECT_EQ(PlotToCom32Bit(file.c_str(), pair.Port().c_str()), 1);
+            EXPECT_TRUE(pair.Receive(3000) == Noise(3000));
+            const termios settings = pair.Settings();
+            EXPECT_EQ(cfgetospeed(&settings), rate);
+        }
+    };
+    std::thread beside(plot, std::cref(second), speed_t(B300));
+    plot(m_pair, speed_t(B19200));
+    beside.join();
 }
 
 TEST_F(PosixSerial, WriteToAPortThatIsGone_ClosesIt) {
@@ -338,6 +359,33 @@ TEST_F(PosixSerial, HandshakesCanBeSwitchedOff) {
     EXPECT_EQ(m_pair.Settings().c_iflag & (IXON | IXOFF), 0u);
     EXPECT_EQ(m_pair.Settings().c_cflag & CRTSCTS, 0u);
     zr::platform::ClosePort(port);
+}
+
+// The host's device of a port, or "none".
+std::string DeviceOf(const std::string &port) {
+    zr::platform::posix::PathBuffer device;
+    return zr::platform::posix::HostPort(port.c_str(), device) ? device : "none";
+}
+
+TEST(PosixPortNames, AreDevicesOrPaths) {
+    unsetenv("ZR_PORT_COM1");
+    EXPECT_EQ(DeviceOf("COM1"), "/dev/ttyS0");
+    EXPECT_EQ(DeviceOf("com12:"), "/dev/ttyS11");
+    EXPECT_EQ(DeviceOf("CoM999"), "/dev/ttyS998");
+    for (const char *number : {"0", "01", "1000", "1x", "", "7"})
+        setenv((std::string("ZR_PORT_COM") + number).c_str(), "/own", 1);
+    EXPECT_EQ(DeviceOf("COM7"), "/own");
+    EXPECT_EQ(DeviceOf("COM7:"), "/own");
+    for (const char *path : {"COM0", "COM01", "COM1000", "COM1x", "COM", "COM7::", "COM 7", "LPT7"})
+        EXPECT_EQ(DeviceOf(path), path);
+    EXPECT_EQ(DeviceOf("\\dev\\ttyUSB0"), "/dev/ttyUSB0");
+    EXPECT_EQ(DeviceOf("Q:\\dev"), "none");
+    for (const char *no_path : {"own", "", "../own"}) {
+        setenv("ZR_PORT_COM7", no_path, 1);
+        EXPECT_EQ(DeviceOf("COM7"), "/dev/ttyS6") << no_path;
+    }
+    for (const char *number : {"0", "01", "1000", "1x", "", "7"})
+        unsetenv((std::string("ZR_PORT_COM") + number).c_str());
 }
 
 TEST(PosixWindowsFolder, IsTheVariablesOrTheDefault) {

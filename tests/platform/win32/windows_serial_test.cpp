@@ -2,18 +2,23 @@
 #include <zrclb/serial.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <future>
 #include <string>
 
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <winternl.h>
+
 #include "platform/known_folders.h"
 #include "platform/libraries.h"
 #include "platform/serial_port.h"
 #include "platform/temp_folder.h"
+#include "process_measures.h"
 #include "wine_terminal.h"
 
 namespace {
@@ -96,13 +101,48 @@ TEST_F(WindowsSerial, WhatIsNoPort_DoesNotOpen) {
     EXPECT_TRUE(std::filesystem::remove(file)); // nothing holds it open
 }
 
-TEST_F(WindowsSerial, ForeignHandles_AreRefused) {
-    for (const zr_value foreign : {zr_value(99996), ~zr_value(0) - 99}) {
+// What a caller may do with an open handle.
+ACCESS_MASK AccessOf(HANDLE handle) {
+    using QueryObject = NTSTATUS(NTAPI *)(HANDLE, int, void *, ULONG, ULONG *);
+    const auto query =
+        reinterpret_cast<QueryObject>(reinterpret_cast<void *>(GetProcAddress(GetModuleHandleA("ntdll"), "NtQueryObject")));
+    PUBLIC_OBJECT_BASIC_INFORMATION information = {};
+    EXPECT_EQ(query(handle, 0, &information, sizeof information, nullptr), 0);
+    return information.GrantedAccess;
+}
+
+// A plain file tells as well how a port is opened, though it is closed again.
+TEST_F(WindowsSerial, Port_IsOpenedForOneAlone) {
+    const std::string file = FileOf("plain");
+    SetLastError(0);
+    EXPECT_EQ(backend::OpenPort(file.c_str()), 0u);
+    EXPECT_NE(GetLastError(), DWORD{ERROR_SHARING_VIOLATION});
+    for (const DWORD access : {DWORD{GENERIC_READ}, DWORD{GENERIC_WRITE}}) {
+        const HANDLE other = CreateFileA(file.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                         OPEN_EXISTING, 0, nullptr);
+        ASSERT_NE(other, INVALID_HANDLE_VALUE);
+        SetLastError(0);
+        EXPECT_EQ(backend::OpenPort(file.c_str()), 0u);
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_SHARING_VIOLATION});
+        CloseHandle(other);
+    }
+}
+
+TEST_F(WindowsSerial, ForeignHandles_AreRefusedAndStayOpen) {
+    const HANDLE file = CreateFileA(FileOf("plain").c_str(), GENERIC_READ | GENERIC_WRITE,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+    const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE);
+    for (const zr_value foreign : {reinterpret_cast<zr_value>(file), reinterpret_cast<zr_value>(event),
+                                   zr_value(99996), ~zr_value(0) - 99}) {
         zr_value handle = foreign;
         WriteWinCom(&handle, "data", 4);
         EXPECT_EQ(handle, 0u);
         EXPECT_FALSE(backend::ApplyPortSettings(foreign, PortSettings()));
     }
+    EXPECT_EQ(m_folder.Read("plot"), "plain");
+    EXPECT_TRUE(CloseHandle(file));
+    EXPECT_TRUE(CloseHandle(event));
 }
 
 // A port that is a terminal of the host. Its name is a path, which the system's parser does not take for a port's: it gets
@@ -135,17 +175,26 @@ protected:
 };
 
 bool Has(const std::string &settings, const std::string &word) {
-    return settings.find(word) != std::string::npos;
+    return settings.find(" " + word + " ") != std::string::npos;
+}
+
+std::string Noise(std::size_t size) {
+    std::string bytes(size, '\0');
+    std::uint32_t state = 7;
+    for (char &c : bytes)
+        c = static_cast<char>((state = state * 1103515245u + 12345u) >> 16);
+    return bytes;
 }
 
 TEST_F(WineSerial, SettingsAndBytesArrive) {
     SetEntry("19200,e,7,2,x");
     zr_value port = iOpenWinComWrite(Port());
     ASSERT_NE(port, 0u);
+    constexpr ACCESS_MASK both = FILE_READ_DATA | FILE_WRITE_DATA;
+    EXPECT_EQ(AccessOf(reinterpret_cast<HANDLE>(port)) & both, both);
     const std::string settings = m_terminal.Settings();
     EXPECT_TRUE(Has(settings, "speed 19200 baud")) << settings;
-    EXPECT_TRUE(Has(settings, " cstopb")) << settings;
-    EXPECT_TRUE(Has(settings, " crtscts")) << settings;
+    EXPECT_TRUE(Has(settings, "cstopb")) << settings;
     EXPECT_TRUE(Has(settings, "-opost")) << settings;
     std::string bytes;
     for (int i = 0; i < 256; ++i)
@@ -156,20 +205,88 @@ TEST_F(WineSerial, SettingsAndBytesArrive) {
     EXPECT_EQ(CloseWinCom(&port), 0);
 }
 
+TEST_F(WineSerial, HardwareHandshakeIsSetForEveryLetter) {
+    for (const std::string entry : {"9600,n,8,1,x", "9600,n,8,1,p", "9600,n,8,1"}) {
+        SetEntry(entry);
+        zr_value port = iOpenWinComWrite(Port());
+        ASSERT_NE(port, 0u) << entry;
+        const std::string settings = m_terminal.Settings();
+        EXPECT_TRUE(Has(settings, "speed 9600 baud")) << settings;
+        EXPECT_TRUE(Has(settings, "-cstopb")) << settings;
+        EXPECT_TRUE(Has(settings, "crtscts")) << entry << settings;
+        EXPECT_TRUE(Has(settings, entry.back() == 'x' ? "ixon" : "-ixon")) << entry << settings;
+        CloseWinCom(&port);
+    }
+}
+
+TEST_F(WineSerial, HandshakesCanBeSwitchedOff) {
+    const zr_value port = backend::OpenPort(Port());
+    PortSettings settings;
+    settings.baud_rate = 9600;
+    settings.data_bits = 8;
+    settings.xon_output = settings.xon_input = settings.cts_flow = true;
+    settings.rts = zr::platform::line_handshake;
+    EXPECT_TRUE(backend::ApplyPortSettings(port, settings));
+    EXPECT_TRUE(Has(m_terminal.Settings(), "crtscts"));
+    settings.xon_output = settings.xon_input = settings.cts_flow = false;
+    settings.rts = zr::platform::line_enabled;
+    EXPECT_TRUE(backend::ApplyPortSettings(port, settings));
+    EXPECT_TRUE(Has(m_terminal.Settings(), "-crtscts"));
+    EXPECT_TRUE(Has(m_terminal.Settings(), "-ixon"));
+    backend::ClosePort(port);
+}
+
 TEST_F(WineSerial, PlotArrivesAndAFaultyOneToo) {
-    std::string bytes(100000, '\0');
-    std::uint32_t state = 7;
-    for (char &c : bytes)
-        c = static_cast<char>((state = state * 1103515245u + 12345u) >> 16);
+    const std::string bytes = Noise(100000);
     EXPECT_EQ(PlotToCom32Bit(FileOf(bytes).c_str(), Port()), 1);
     EXPECT_TRUE(m_terminal.Arrives(bytes));
     EXPECT_TRUE(Has(m_terminal.Settings(), "speed 9600 baud"));
+    const long long handles_before = ProcessMeasures::OpenHandles();
     SetEntry("9600,N,8,1,p");
     EXPECT_EQ(PlotToCom32Bit(FileOf("capital letter").c_str(), Port()), 0);
     EXPECT_TRUE(m_terminal.Arrives("capital letter"));
     EXPECT_EQ(PlotToCom32Bit(m_folder.Path("missing").c_str(), Port()), 0);
     SetEntry("9600,n,8,1,p");
     EXPECT_EQ(PlotToCom32Bit(m_folder.Path("missing").c_str(), Port()), 1);
+    EXPECT_EQ(ProcessMeasures::OpenHandles(), handles_before);
+}
+
+TEST_F(WineSerial, RefusedConfiguration_SendsNothingAndLeavesThePortOpen) {
+    const long long handles_before = ProcessMeasures::OpenHandles();
+    SetEntry("9600,q,8,1,p");
+    EXPECT_EQ(PlotToCom32Bit(FileOf("refused").c_str(), Port()), 0);
+    EXPECT_EQ(iOpenWinComWrite(Port()), 0u);
+    EXPECT_EQ(ProcessMeasures::OpenHandles(), handles_before + 2);
+    SetEntry("9600,n,8,1,p");
+    EXPECT_EQ(PlotToCom32Bit(FileOf("taken").c_str(), Port()), 1);
+    EXPECT_TRUE(m_terminal.Arrives("taken"));
+    EXPECT_FALSE(m_terminal.HasArrived("refused"));
+}
+
+// Whether a plot that nobody reads still waits a while later.
+bool Waits(const std::future<int> &plot) {
+    return plot.wait_for(std::chrono::milliseconds(100)) == std::future_status::timeout;
+}
+
+TEST_F(WineSerial, SlowReader_GetsEverything) {
+    const std::string bytes = Noise(100000);
+    const std::string file = FileOf(bytes);
+    m_terminal.Pause();
+    auto plot = std::async(std::launch::async, [&] { return PlotToCom32Bit(file.c_str(), Port()); });
+    EXPECT_TRUE(Waits(plot));
+    m_terminal.GoOn();
+    EXPECT_EQ(plot.get(), 1);
+    EXPECT_TRUE(m_terminal.Arrives(bytes));
+}
+
+TEST_F(WineSerial, ReaderThatGoesAway_EndsThePlot) {
+    const std::string file = FileOf(Noise(1000000)), port = Port();
+    m_terminal.Pause();
+    auto plot = std::async(std::launch::async, [&] { return PlotToCom32Bit(file.c_str(), port.c_str()); });
+    EXPECT_TRUE(Waits(plot));
+    m_terminal.HangUp();
+    EXPECT_EQ(plot.get(), 0);
+    EXPECT_EQ(PlotToCom32Bit(file.c_str(), port.c_str()), 0); // no such port any more
 }
 
 TEST_F(WineSerial, WriteToAPortThatIsGone_ClosesIt) {

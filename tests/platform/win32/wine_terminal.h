@@ -4,6 +4,7 @@
 #define TESTS_PLATFORM_WIN32_WINE_TERMINAL_H
 
 #include <algorithm>
+#include <filesystem>
 #include <string>
 
 #include <windows.h>
@@ -17,7 +18,7 @@ public:
         if (HostFolder().empty())
             return;
         // `script` makes the pair and copies what comes to its file.
-        Run("script -qfc 'tty >name; cp name device; echo $$ >process; mv name port; exec sleep 60' out </dev/null >/dev/null 2>&1");
+        Run("script -qfc 'tty >name; cp name device; echo $PPID >reader; mv name port; exec sleep 60' out </dev/null >/dev/null 2>&1");
         m_port = FirstLine("port");
         if (!m_port.empty())
             m_port.insert(0, "Z:");
@@ -31,30 +32,40 @@ public:
 
     // Whether `bytes` arrive, in one piece, within some seconds.
     bool Arrives(const std::string &bytes) const {
-        return Waits([&] { return m_folder.Read("out").find(bytes) != std::string::npos; });
+        return Waits([&] { return HasArrived(bytes); });
     }
+    bool HasArrived(const std::string &bytes) const { return m_folder.Read("out").find(bytes) != std::string::npos; }
 
-    // The settings of the line, in the host's words.
+    // The process at the other end reads no more, until it goes on.
+    void Pause() { Signal("STOP"); }
+    void GoOn() { Signal("CONT"); }
+
+    // The settings of the line, in the host's words, with blanks around each.
     std::string Settings() {
-        const std::string name = "settings" + std::to_string(++m_settings);
-        std::string device = m_port.substr(2);
-        std::replace(device.begin(), device.end(), '\\', '/');
-        Run("stty -a -F " + device + " >part; mv part " + name);
-        if (!Waits([&] { return std::filesystem::exists(m_folder.Path(name)); }))
-            return "";
-        return " " + m_folder.Read(name);
+        Do("stty -a -F $(cat device) >settings");
+        std::string settings = " " + m_folder.Read("settings");
+        std::replace_if(settings.begin(), settings.end(), [](char c) { return c == ';' || c == '\n'; }, ' ');
+        return settings;
     }
 
     // The process at the other end goes away; returns when it is gone.
     void HangUp() {
         if (m_port.empty())
             return;
-        Run("kill $(cat process); while test -e $(cat device); do sleep 0.02; done; echo x >gone");
-        Waits([&] { return std::filesystem::exists(m_folder.Path("gone")); });
+        Do("kill -KILL $(cat reader); while test -e $(cat device); do sleep 0.02; done");
         m_port.clear();
     }
 
 private:
+    void Signal(const std::string &name) { Do("kill -" + name + " $(cat reader)"); }
+
+    // Runs a command of the host and waits for its end.
+    void Do(const std::string &command) {
+        const std::string done = "done" + std::to_string(++m_commands);
+        Run(command + "; echo x >" + done);
+        Waits([&] { return std::filesystem::exists(m_folder.Path(done)); });
+    }
+
     template <typename Condition>
     static bool Waits(const Condition &condition) {
         for (int i = 0; i < 500; ++i) {
@@ -83,8 +94,11 @@ private:
         STARTUPINFOA start = {};
         start.cb = sizeof start;
         PROCESS_INFORMATION process = {};
-        return CreateProcessA("Z:\\bin\\sh", line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
-                              &process) != 0;
+        if (!CreateProcessA("Z:\\bin\\sh", line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process))
+            return false;
+        CloseHandle(process.hThread);
+        CloseHandle(process.hProcess);
+        return true;
     }
 
     std::string FirstLine(const std::string &name) const {
@@ -96,7 +110,7 @@ private:
 
     TempFolder m_folder;
     std::string m_port;
-    int m_settings = 0;
+    int m_commands = 0;
 };
 
 #endif
