@@ -11,8 +11,9 @@
  *    open until the program ends; it takes neither e as handshake nor letters without a meaning. What it takes but isn't one of the
  *    small letters above (capital letters, a blank in front, s for parity) makes the configuration faulty, and so
  *    does a port that refuses its settings: the port is used all the same, but PlotToCom32Bit gives 0.
- * 3. Nothing is reported: results tell all. A null or over-long argument (more than 259 characters) is a port or a file
- *    that does not exist.
+ * 3. Nothing is reported: results and the boxes of WriteFileWinCom tell all. A null or over-long argument (more than 259
+ *    characters) is a port or a file that does not exist. What a handle stands for that is no port is neither written to
+ *    nor closed.
  * 4. Threads: a port belongs to one at a time; different ports are independent. The kind of the port, kept for the
  *    process, is not guarded. On Linux the variables of the environment must not change meanwhile.
  */
@@ -34,8 +35,9 @@ extern "C" {
  * known or has more than 63 characters; config is then empty. 0 too for a null argument. */
 ZR_API int GetComEntry(char *config, const char *port) ZR_NOEXCEPT;
 
-/* Opens the port for the caller alone and sets it up. Its handle, which the caller closes with CloseWinCom, or 0: there is no such
- * port, it is open already, or the system does not take its configuration. */
+/* Opens the port for the caller alone, for reading and writing, and sets it up. Its handle, which the caller closes with
+ * CloseWinCom, or 0: there is no such port, it is open already, or the Windows folder isn't known or the system does not
+ * take the configuration, and then the port stays open. A port that refuses its settings is given all the same. */
 ZR_API zr_value iOpenWinComWrite(const char *port) ZR_NOEXCEPT;
 
 /* Writes buffer[0..count-1] to the port and waits until it is sent, for as long as the device wants. If not all of it is written, the
@@ -51,13 +53,15 @@ ZR_API int CloseWinCom(zr_value *handle) ZR_NOEXCEPT;
  * took less than it should (it ends there), or there is no memory for a block of 32768 bytes. */
 ZR_API int PlotToCom32Bit(const char *file, const char *port) ZR_NOEXCEPT;
 
-/* Writes COMM.TMP in the current folder, for the old layer: three lines with the file's name, the port and its
- * configuration (empty if the Windows folder isn't known). 1, or 0 if the file can't be opened. */
+/* Writes COMM.TMP in the current folder, for the old layer: three lines, ended by CR LF, with the file's name, the port
+ * and its configuration (empty if the Windows folder isn't known). What was in it goes. 1, or 0 if the file can't be
+ * opened or an argument is null. */
 ZR_API int WriteComEntry(const char *file, const char *port) ZR_NOEXCEPT;
 
 /* PlotToCom32Bit, except on the platform that puts a 32-bit layer on a 16-bit system. There: WriteComEntry, and then
- * the file is sent by the library plotut32.dll. If that can't be loaded or started, a message box says so and the
- * result is 0. */
+ * the result of PlotToCom16Bit_32(file, port) of the library plotut32.dll, whether the parameter file could be written or
+ * not. If that can't be loaded or started, a message box titled "win_com.c" says so, "32Bit Dll couldn't be loaded" or
+ * "32Bit Dll couldn't be initialized" (the library then stays loaded), and the result is 0. */
 ZR_API int WriteFileWinCom(const char *file, const char *port) ZR_NOEXCEPT;
 
 /* Sets the kind of the process, and gives it: for a device whose name begins with "COM" (capital letters) WIN_COM_32BIT, or

@@ -104,8 +104,8 @@ TEST_F(WindowsSerial, WhatIsNoPort_DoesNotOpen) {
 // What a caller may do with an open handle.
 ACCESS_MASK AccessOf(HANDLE handle) {
     using QueryObject = NTSTATUS(NTAPI *)(HANDLE, int, void *, ULONG, ULONG *);
-    const auto query =
-        reinterpret_cast<QueryObject>(reinterpret_cast<void *>(GetProcAddress(GetModuleHandleA("ntdll"), "NtQueryObject")));
+    const auto query = reinterpret_cast<QueryObject>(
+        reinterpret_cast<void *>(GetProcAddress(GetModuleHandleA("ntdll"), "NtQueryObject")));
     PUBLIC_OBJECT_BASIC_INFORMATION information = {};
     EXPECT_EQ(query(handle, 0, &information, sizeof information, nullptr), 0);
     return information.GrantedAccess;
@@ -118,8 +118,8 @@ TEST_F(WindowsSerial, Port_IsOpenedForOneAlone) {
     EXPECT_EQ(backend::OpenPort(file.c_str()), 0u);
     EXPECT_NE(GetLastError(), DWORD{ERROR_SHARING_VIOLATION});
     for (const DWORD access : {DWORD{GENERIC_READ}, DWORD{GENERIC_WRITE}}) {
-        const HANDLE other = CreateFileA(file.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                         OPEN_EXISTING, 0, nullptr);
+        const HANDLE other =
+            CreateFileA(file.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
         ASSERT_NE(other, INVALID_HANDLE_VALUE);
         SetLastError(0);
         EXPECT_EQ(backend::OpenPort(file.c_str()), 0u);
@@ -133,8 +133,8 @@ TEST_F(WindowsSerial, ForeignHandles_AreRefusedAndStayOpen) {
                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
     const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     ASSERT_NE(file, INVALID_HANDLE_VALUE);
-    for (const zr_value foreign : {reinterpret_cast<zr_value>(file), reinterpret_cast<zr_value>(event),
-                                   zr_value(99996), ~zr_value(0) - 99}) {
+    for (const zr_value foreign :
+         {reinterpret_cast<zr_value>(file), reinterpret_cast<zr_value>(event), zr_value(99996), ~zr_value(0) - 99}) {
         zr_value handle = foreign;
         WriteWinCom(&handle, "data", 4);
         EXPECT_EQ(handle, 0u);

@@ -44,7 +44,8 @@ public:
     std::string Settings() {
         Do("stty -a -F $(cat device) >settings");
         std::string settings = " " + m_folder.Read("settings");
-        std::replace_if(settings.begin(), settings.end(), [](char c) { return c == ';' || c == '\n'; }, ' ');
+        std::replace_if(
+            settings.begin(), settings.end(), [](char c) { return c == ';' || c == '\n'; }, ' ');
         return settings;
     }
 
