@@ -38,6 +38,14 @@ stop_wine() {
     done
 }
 
+# Wine's desktop would start with the first program that asks for it, hold that program's output open and end with the last one:
+# it starts ahead of the tests and stays for all of them.
+keep_wine() {
+    cmake/wine.sh explorer.exe /desktop >/dev/null 2>&1 &
+    cmake/wine.sh cmd /c exit >/dev/null 2>&1
+    sleep 2
+}
+
 check_format() {
     find include src tests tools bench fuzz examples -name '*.h' -o -name '*.hpp' -o -name '*.c' -o -name '*.cpp' |
         xargs clang-format-14 --dry-run -Werror
@@ -64,6 +72,7 @@ run_preset() {
         return
     fi
     section "$preset: test"
+    [ "$preset" != windows-release ] || keep_wine
     ctest --preset "$preset" -j "$jobs" 2>&1 | tee "$log"
     summary=$(grep -E '^[0-9]+% tests passed, [0-9]+ tests failed out of [0-9]+$' "$log" | tail -n 1)
     if [[ $summary =~ ([0-9]+)\ tests\ failed\ out\ of\ ([0-9]+)$ ]] && [ "${BASH_REMATCH[2]}" -gt 0 ]; then

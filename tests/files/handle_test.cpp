@@ -22,6 +22,7 @@
 #include "frame/counted_allocation.h"
 #include "frame/refused_heap.h"
 #include "platform/streams.h"
+#include "process_measures.h"
 
 namespace {
 
@@ -50,14 +51,6 @@ protected:
         fio_close(handle);
         conduct.after = m_folder.Read("conduct");
         return conduct;
-    }
-
-    std::vector<std::string> Descriptors() const {
-        std::vector<std::string> names;
-        std::error_code none;
-        for (const auto &entry : std::filesystem::directory_iterator("/proc/self/fd", none))
-            names.push_back(entry.path().filename().string());
-        return names;
     }
 };
 
@@ -638,14 +631,14 @@ TEST_F(Handle, NullStreamFailsEverywhere) {
 TEST_F(Handle, WithoutMemoryForTheRecordTheFileIsClosedAgain) {
     m_folder.Write("file", "content");
     const zr_long blocks = heap_block_count;
-    const std::vector<std::string> descriptors = Descriptors();
+    const long long handles = ProcessMeasures::Now().handles;
     {
         HeapRefusal refusal(0);
         EXPECT_EQ(Open("file", FIO_READ), nullptr);
         EXPECT_TRUE(refusal.Met());
     }
     EXPECT_EQ(heap_block_count, blocks);
-    EXPECT_EQ(Descriptors(), descriptors);
+    EXPECT_EQ(ProcessMeasures::Now().handles, handles);
     std::error_code error;
     EXPECT_TRUE(std::filesystem::remove(m_folder.Path("file"), error)) << "an open file can't be removed everywhere";
     EXPECT_EQ(m_reports.Take(), Reports{});
@@ -669,7 +662,7 @@ TEST_F(Handle, WithoutMemoryForThePathTheHandleWorksUnderASharedName) {
 
 TEST_F(Handle, WithoutMemoryForATextStreamNothingOpens) {
     m_folder.Write("file", "content");
-    const std::vector<std::string> descriptors = Descriptors();
+    const long long handles = ProcessMeasures::Now().handles;
     const zr_long blocks = heap_block_count;
     for (int mode : {17, 18, 20, 25}) {
         const zr::test::Refusal refusal(100000);
@@ -678,7 +671,7 @@ TEST_F(Handle, WithoutMemoryForATextStreamNothingOpens) {
         EXPECT_EQ(refusal.Met(), !IsOnDesktop()) << "where text streams are the library's own";
         EXPECT_EQ(fio_close(handle), 0);
     }
-    EXPECT_EQ(Descriptors(), descriptors);
+    EXPECT_EQ(ProcessMeasures::Now().handles, handles);
     EXPECT_EQ(heap_block_count, blocks);
 }
 
