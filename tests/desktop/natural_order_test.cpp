@@ -1,12 +1,15 @@
 // The order of names that mix letters and numbers, and of dates.
 #include <zrclb/window_utilities.h>
 
+#include <iterator>
 #include <random>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "desktop/reference_natural_order.h"
+#include "env/refused_memory.h"
+#include "frame/refused_heap.h"
 
 namespace {
 
@@ -98,15 +101,46 @@ TEST(NaturalOrder, IsNoOrderOfAWholeList) {
 
 TEST(NaturalOrder, RandomNames_AsThePlainWay) {
     std::mt19937 random(20131);
-    const std::string signs = "aAbB0129 -\xE4";
+    const std::string signs = "aAbBzZ0129 -\xE4\xC4@";
     for (int i = 0; i < 20000; ++i) {
         std::string texts[2];
         for (std::string &text : texts)
             for (std::size_t length = random() % 9; text.size() < length;)
                 text += signs[random() % signs.size()];
         Order(texts[0], texts[1]);
+        EXPECT_EQ(Order(texts[0], texts[0]), 0);
         Order(texts[0] + texts[1], texts[0] + texts[1].substr(0, texts[1].size() / 2) + texts[0]);
     }
+}
+
+// Each byte beside those at the borders of letters and digits, at each place of a token.
+TEST(NaturalOrder, EveryByte_IsALetterADigitOrNeither) {
+    const std::string borders = "/09:@AMZ[`amz{\x7F\x80\x8A\x9A\xB2\xC4\xE4\xFF";
+    for (int byte = 1; byte < 256; ++byte) {
+        for (const char border : borders) {
+            const std::string a(1, static_cast<char>(byte)), b(1, border);
+            Order(a, b);
+            Order(a + "x2", b + "x1");
+            Order("x" + a + "2", "x" + b + "1");
+            Order("2" + a, "1" + b);
+            Order("x" + a, "x" + a + b);
+        }
+    }
+}
+
+TEST(Orders, NeedNoMemory) {
+    const std::string name = "Level 12a-" + std::string(300, 'x') + "7",
+                      other = "Level 12a-" + std::string(300, 'x') + "12";
+    const std::string first = "31.12.2013 10:11:12", second = "31.12.2013 10:11:13";
+    int orders[2];
+    const zr::test::HeapRefusal heap(0, true);
+    const zr::test::NthAllocation memory(0);
+    orders[0] = wu_ANCmp(name.c_str(), other.c_str());
+    orders[1] = wu_DateCmp(first.c_str(), second.c_str());
+    EXPECT_FALSE(heap.Met());
+    EXPECT_FALSE(memory.Met());
+    EXPECT_EQ(orders[0], -1);
+    EXPECT_EQ(orders[1], -1);
 }
 
 TEST(NaturalOrder, LongTexts) {
@@ -174,6 +208,26 @@ TEST(DateOrder, Only80CharactersCount) {
     EXPECT_EQ(DateOrder(std::string(78, '0') + ".1", std::string(78, '0') + ".2"), -1);
     EXPECT_EQ(DateOrder(std::string(79, '0') + ".1", std::string(79, '0') + ".2"), 0);
     EXPECT_EQ(DateOrder(std::string(100000, '9'), std::string(100000, '8')), 0);
+}
+
+TEST(DateOrder, RandomDates_AsThePlainWay) {
+    std::mt19937 random(20131);
+    const char *pieces[] = {"1", "02", "12", "79", "80", "99", "2013", "-1", "x", "", "2147483647"};
+    const std::string signs = ".. ::-";
+    const auto date = [&] {
+        std::string text;
+        for (std::size_t count = random() % 8; count > 0; --count) {
+            text += pieces[random() % std::size(pieces)];
+            text += signs[random() % signs.size()];
+        }
+        return text + pieces[random() % std::size(pieces)];
+    };
+    for (int i = 0; i < 5000; ++i) {
+        const std::string one = date();
+        std::string other = date();
+        DateOrder(one, other);
+        DateOrder(one, one.substr(0, one.size() / 2) + other);
+    }
 }
 
 } // namespace

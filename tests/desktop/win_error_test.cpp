@@ -7,6 +7,7 @@
 
 #include "env/refused_memory.h"
 #include "platform/system_text.h"
+#include "process_measures.h"
 
 namespace {
 
@@ -62,6 +63,14 @@ TEST(WinError, UnknownCodeHasNoText) {
     EXPECT_EQ(CZrWinError::GetFormattedMsg(unknown), "");
     EXPECT_EQ(CZrWinError(5).GetFormattedMsg(unknown), ""); // the code given counts, not the object's
     EXPECT_NE(CZrWinError(unknown).GetFormattedMsg(5), "");
+}
+
+TEST(WinError, TextsAreGivenBack) {
+    CZrWinError::GetFormattedMsg(5);
+    const long long heap_before = ProcessMeasures::Now().heap;
+    for (int i = 0; i < 1000; ++i)
+        CZrWinError::GetFormattedMsg(5);
+    EXPECT_LT(ProcessMeasures::Now().heap, heap_before + 10000);
 }
 
 TEST(WinError, WithoutMemoryThereIsNoText) {

@@ -30,6 +30,9 @@ const std::string older_key = "CLSID\\" + class_id + "\\LocalServer";
 
 constexpr unsigned char record_mark = 0x5A;
 
+// As the library is loaded, before any test.
+const bool loaded_at_first = zr::desktop::winword_info_loaded;
+
 // What the made-up system holds, and what was asked of it.
 struct World {
     bool class_there = true;
@@ -361,6 +364,10 @@ TEST_F(WordLink, MissingFile_HasNoVersion) {
 }
 
 // ---- What is kept ----
+
+TEST_F(WordLink, NothingIsKeptAtFirst) {
+    EXPECT_FALSE(loaded_at_first);
+}
 
 TEST_F(WordLink, SearchIsDoneOnce) {
     world.registry[first_key] = Winword();

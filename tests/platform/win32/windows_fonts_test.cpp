@@ -9,6 +9,7 @@
 #include <zrclb/window_utilities.h>
 
 #include "platform/installed_fonts.h"
+#include "process_measures.h"
 
 namespace {
 
@@ -85,6 +86,16 @@ TEST_F(WindowsFonts, ListThatIsNotThereIsEmpty) {
     char buffer[100] = "before";
     EXPECT_EQ(wu_GetFontFile("arial", buffer, sizeof buffer), 0);
     EXPECT_STREQ(buffer, "");
+}
+
+TEST_F(WindowsFonts, ListIsClosedAgain) {
+    Install("A", "a.ttf");
+    Install("B", std::string(300, 'x'));
+    char buffer[100];
+    const long long handles_before = ProcessMeasures::OpenHandles();
+    for (const char *name : {"A", "none"})
+        wu_GetFontFile(name, buffer, sizeof buffer);
+    EXPECT_EQ(ProcessMeasures::OpenHandles(), handles_before);
 }
 
 TEST_F(WindowsFonts, VisitorEndsTheWalk) {

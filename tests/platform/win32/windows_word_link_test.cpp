@@ -18,6 +18,7 @@
 #include "own_desktop.h"
 #include "platform/server_programs.h"
 #include "platform/temp_folder.h"
+#include "process_measures.h"
 
 namespace {
 
@@ -222,6 +223,30 @@ TEST_F(WindowsWordLink, Run_PassesArgumentsAndWaits) {
     ClassesRoot::Set(class_key + "\\LocalServer32", Copy("Word 16\\winword.exe"));
     EXPECT_EQ(Search()[0], "16");
     EXPECT_EQ(Run(1, 5, "x.doc"), "5|x.doc");
+    EXPECT_EQ(TakeLog(), "");
+}
+
+TEST_F(WindowsWordLink, Run_HandsNoHandlesOn) {
+    ClassesRoot::Set(class_key + "\\LocalServer32", Winword());
+    SECURITY_ATTRIBUTES to_be_inherited = {sizeof to_be_inherited, nullptr, TRUE};
+    const HANDLE event = CreateEventA(&to_be_inherited, TRUE, FALSE, nullptr);
+    ASSERT_NE(event, nullptr);
+    SetEnvironmentVariableA("ZR_TEST_HANDLE", std::to_string(reinterpret_cast<zr_value>(event)).c_str());
+    EXPECT_EQ(Run(0, 5, "a"), "5|a");
+    EXPECT_EQ(WaitForSingleObject(event, 0), DWORD{WAIT_TIMEOUT});
+    CloseHandle(event);
+    SetEnvironmentVariableA("ZR_TEST_HANDLE", nullptr);
+}
+
+// A program of the console is never ready for its user: that doesn't count. Nor does Wine then keep a handle of its own.
+TEST_F(WindowsWordLink, Run_OfAProgramWithoutWindows_IsAStartThatKeepsNoHandle) {
+    char system[MAX_PATH];
+    GetSystemDirectoryA(system, sizeof system);
+    ClassesRoot::Set(class_key + "\\LocalServer32", std::string(system) + "\\cmd.exe");
+    EXPECT_EQ(winword_Run(0, 0, "/c exit"), 1);
+    const long long handles_before = ProcessMeasures::OpenHandles();
+    EXPECT_EQ(winword_Run(0, 0, "/c exit"), 1);
+    EXPECT_EQ(ProcessMeasures::OpenHandles(), handles_before);
     EXPECT_EQ(TakeLog(), "");
 }
 
