@@ -15,7 +15,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPSTR arguments, int 
     const char *handle = getenv("ZR_TEST_HANDLE");
     if (handle != NULL)
         SetEvent((HANDLE)(uintptr_t)strtoull(handle, NULL, 10)); /* which it has only if it was handed on */
-    Sleep(300); /* who doesn't wait for it comes too early */
+    Sleep(300);                                                  /* who doesn't wait for it comes too early */
     fprintf(file, "%d|%s", show, arguments);
     return fclose(file) == 0 ? 0 : 1;
 }
