@@ -93,13 +93,18 @@ CZrEnvNameIndex &CZrEnvBlock::OrderedIndex() const {
 }
 
 // Takes an element away from where it may still stand, so that no two owners share it. False if it cannot become a child.
+// One that leaves another block finds its place in the index reserved here: no lack of memory leaves it without a block.
 bool CZrEnvBlock::Adopt(CZrEnvElement *pElem) {
     const CZrEnvBlock *pBlock = pElem->ToEnvBlock();
     if (pBlock && (pBlock == this || pBlock->m_pFirst) && IsAtOrAbove(pElem, this))
         return false;
     if (const CZrEnvSection *pSection = pElem->ToEnvSection(); pSection && pSection->m_pEnv)
         return false;
-    return !pElem->m_pParent || pElem->m_pParent->RemoveElement(pElem, false);
+    if (!pElem->m_pParent)
+        return true;
+    if (m_pIndex && m_pIndex->IsOrdered())
+        m_pIndex->Reserve(pElem);
+    return pElem->m_pParent->RemoveElement(pElem, false);
 }
 
 void CZrEnvBlock::InsertElementIntoContainer(CZrEnvElement *pElem) {
@@ -136,10 +141,13 @@ bool CZrEnvBlock::InsertElement(CZrEnvElement *pElem) {
 bool CZrEnvBlock::InsertElementBefore(CZrEnvElement *pElem, CZrEnvElement *pBefore) {
     if (!pBefore)
         return InsertElement(pElem);
-    if (!pElem || pElem->m_pParent == this || pBefore->m_pParent != this || !Adopt(pElem))
+    if (!pElem || pElem->m_pParent == this || pBefore->m_pParent != this)
+        return false;
+    CZrEnvNameIndex &rIndex = OrderedIndex();
+    if (!Adopt(pElem))
         return false;
     CountTreeEdit();
-    OrderedIndex().InsertBefore(pElem, pBefore);
+    rIndex.InsertBefore(pElem, pBefore);
     pElem->m_pParent = this;
     CZrEnvElement **ppLink = &m_pFirst;
     while (*ppLink && *ppLink != pBefore)

@@ -105,7 +105,7 @@ bool CZrEnvElement::SetName(const char *szName) {
     if (!szName || !CheckName(szName))
         return false;
     if (m_pParent)
-        m_pParent->OrderedIndex(); // with the names as they still are
+        m_pParent->OrderedIndex().Reserve(this); // with the names as they still are
 
     const std::size_t length = std::strlen(szName);
     if (m_szName && length <= std::strlen(m_szName)) {

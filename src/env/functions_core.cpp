@@ -1,5 +1,7 @@
 // The env_ functions on environments as such, on the presence of elements, and on the shape of the tree.
 #include <cstdarg>
+#include <memory>
+#include <new>
 
 #include "env/function_call.h"
 #include "env/functions_access.h"
@@ -52,6 +54,8 @@ int InsertElementBefore(const CZrEnv &rEnv, const char *section, const char *pat
     if (!pParent)
         return Zr::ENV_ERROR;
     Zr::CZrEnvNodeStore::Holder pNew(new Zr::CZrEnvDataElement(name, nullptr));
+    if (!pNew->GetName() && CZrEnv::CheckElementName(name, '\0'))
+        throw std::bad_alloc();
     if (!pParent->InsertElementBefore(pNew.get(), pAnchor))
         return Zr::ENV_ERROR;
     pNew.release();
@@ -62,11 +66,13 @@ int InsertSectionBefore(CZrEnv &rEnv, const char *section, const char *name) {
     CZrEnvSection *pAnchor = rEnv.GetSection(section);
     if (!pAnchor)
         return Zr::ENV_NOT_FOUND;
-    auto *pNew = new CZrEnvSection(name);
-    if (rEnv.InsertSectionBefore(pNew, pAnchor))
-        return Zr::ENV_OK;
-    delete pNew;
-    return Zr::ENV_ERROR;
+    auto pNew = std::make_unique<CZrEnvSection>(name);
+    if (!pNew->GetName() && CZrEnv::CheckSectionName(name))
+        throw std::bad_alloc();
+    if (!rEnv.InsertSectionBefore(pNew.get(), pAnchor))
+        return Zr::ENV_ERROR;
+    pNew.release();
+    return Zr::ENV_OK;
 }
 
 } // namespace

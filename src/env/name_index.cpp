@@ -117,9 +117,34 @@ void CZrEnvNameIndex::MakeOrdered(CZrEnvElement *pFirst) {
 
 // ---- Either form
 
+void CZrEnvNameIndex::Ordered::Enter(CZrEnvElement *pElem) {
+    if (!spare) {
+        insert(pElem);
+        return;
+    }
+    spare.value() = pElem;
+    insert(std::move(spare));
+}
+
+void CZrEnvNameIndex::Ordered::Enter(const_iterator hint, CZrEnvElement *pElem) {
+    if (!spare) {
+        insert(hint, pElem);
+        return;
+    }
+    spare.value() = pElem;
+    insert(hint, std::move(spare));
+}
+
+void CZrEnvNameIndex::Reserve(CZrEnvElement *pElem) {
+    if (m_pOrdered->spare)
+        return;
+    Ordered one;
+    m_pOrdered->spare = one.extract(one.insert(pElem));
+}
+
 void CZrEnvNameIndex::Insert(CZrEnvElement *pElem) {
     if (m_pOrdered)
-        m_pOrdered->insert(pElem);
+        m_pOrdered->Enter(pElem);
     else
         InsertHashed(pElem);
 }
@@ -131,16 +156,16 @@ void CZrEnvNameIndex::InsertBefore(CZrEnvElement *pElem, CZrEnvElement *pBefore)
     const auto at = std::find(m_pOrdered->begin(), m_pOrdered->end(), pBefore);
     if (at != m_pOrdered->end()) {
         if (!less(*at, pElem) && (at == m_pOrdered->begin() || !less(pElem, *std::prev(at)))) {
-            m_pOrdered->insert(at, pElem);
+            m_pOrdered->Enter(at, pElem);
             return;
         }
         const auto behind = std::next(at);
         if (!less(pElem, *at) && (behind == m_pOrdered->end() || !less(*behind, pElem))) {
-            m_pOrdered->insert(behind, pElem);
+            m_pOrdered->Enter(behind, pElem);
             return;
         }
     }
-    m_pOrdered->insert(m_pOrdered->lower_bound(pElem), pElem);
+    m_pOrdered->Enter(m_pOrdered->lower_bound(pElem), pElem);
 }
 
 CZrEnvNameIndex::Ordered::iterator CZrEnvNameIndex::EntryOf(CZrEnvElement *pElem) {
@@ -166,7 +191,7 @@ void CZrEnvNameIndex::Forget(CZrEnvElement *pElem) {
 void CZrEnvNameIndex::Replace(CZrEnvElement *pOld, CZrEnvElement *pNew) {
     const auto at = EntryOf(pOld);
     if (at == m_pOrdered->end()) {
-        m_pOrdered->insert(pNew);
+        m_pOrdered->Enter(pNew);
         m_bStale = true;
         return;
     }

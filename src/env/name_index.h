@@ -37,6 +37,8 @@ public:
 
     // Behind all namesakes. On std::bad_alloc nothing is inserted; a hash form is then no longer complete.
     void Insert(CZrEnvElement *pElem);
+    // Ordered form only: keeps the memory of one entry, so that the next insertion or replacement, here of pElem, cannot fail.
+    void Reserve(CZrEnvElement *pElem);
     // Ordered form only: before the entry of pBefore, if the name fits there.
     void InsertBefore(CZrEnvElement *pElem, CZrEnvElement *pBefore);
     // Takes out the entry found under the present name; false if there is none.
@@ -44,7 +46,7 @@ public:
     // Ordered form only: drops what entries an element has left, at whatever place.
     void Forget(CZrEnvElement *pElem);
     // Ordered form only: pNew takes over the memory of pOld's entry and goes behind its own namesakes. Identical arguments
-    // move an element behind its namesakes. Needs memory only if pOld's entry is not found.
+    // move an element behind its namesakes. Needs memory only if pOld's entry is not found, where a new one is made.
     void Replace(CZrEnvElement *pOld, CZrEnvElement *pNew);
 
     // The lPos-th of that name, from 1; less than 1 counts as 1. For how many names the index was made is a mere hint.
@@ -61,7 +63,13 @@ private:
         bool operator()(const CZrEnvElement *pA, std::string_view b) const;
         bool operator()(std::string_view a, const CZrEnvElement *pB) const;
     };
-    using Ordered = std::multiset<CZrEnvElement *, Less>;
+    struct Ordered : std::multiset<CZrEnvElement *, Less> {
+        // Takes the kept entry, if there is one.
+        void Enter(CZrEnvElement *pElem);
+        void Enter(const_iterator hint, CZrEnvElement *pElem);
+
+        node_type spare;
+    };
 
     // Several children of one name, in order, from `head` on.
     struct Group {

@@ -1,101 +1,19 @@
-// The env_ functions without memory: what is told, what the result is, that nothing leaks, and that the tree stays sound.
-// Every allocation of the program goes through the counters below.
-#include <cstdint>
-#include <cstdlib>
+// The env_ functions with every single allocation refused in turn, alone and with all behind it: what is told, what the
+// result is, that nothing leaks, that both trees stay sound, and that the call does its work once there is memory again.
 #include <cstring>
 #include <functional>
-#include <new>
 #include <string>
 
-#include <gtest/gtest.h>
+#include "env/refused_memory.h"
+#include "env/report_capture.h"
+#include "env/tree_checker.h"
+#include "frame/refused_heap.h"
+#include "function_fixture.h"
 
 #include "env/node_store.h"
-#include "function_fixture.h"
 #include "platform/services.h"
 
-namespace {
-
-bool limited = false;      // the limit holds
-std::size_t remaining = 0; // so many blocks are still given
-bool refused = false;      // and this one was not
-long long blocks = 0;      // given and not yet back
-
-void *Allocate(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) noexcept {
-    if (limited && remaining == 0) {
-        refused = true;
-        return nullptr;
-    }
-    if (limited)
-        --remaining;
-    // In front of the block lies the address of the memory that it is a part of.
-    void *memory = std::malloc(size + alignment + sizeof(void *));
-    if (!memory)
-        return nullptr;
-    const auto first = reinterpret_cast<std::uintptr_t>(memory) + sizeof(void *);
-    void **block = reinterpret_cast<void **>((first + alignment - 1) / alignment * alignment);
-    block[-1] = memory;
-    ++blocks;
-    return block;
-}
-
-void *AllocateOrThrow(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) {
-    void *block = Allocate(size, alignment);
-    if (!block)
-        throw std::bad_alloc();
-    return block;
-}
-
-void Release(void *block) noexcept {
-    if (!block)
-        return;
-    --blocks;
-    std::free(static_cast<void **>(block)[-1]);
-}
-
-} // namespace
-
-void *operator new(std::size_t size) {
-    return AllocateOrThrow(size);
-}
-void *operator new[](std::size_t size) {
-    return AllocateOrThrow(size);
-}
-void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
-    return Allocate(size);
-}
-void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
-    return Allocate(size);
-}
-void *operator new(std::size_t size, std::align_val_t alignment) {
-    return AllocateOrThrow(size, static_cast<std::size_t>(alignment));
-}
-void operator delete(void *block) noexcept {
-    Release(block);
-}
-void operator delete[](void *block) noexcept {
-    Release(block);
-}
-void operator delete(void *block, std::size_t) noexcept {
-    Release(block);
-}
-void operator delete[](void *block, std::size_t) noexcept {
-    Release(block);
-}
-void operator delete(void *block, const std::nothrow_t &) noexcept {
-    Release(block);
-}
-void operator delete[](void *block, const std::nothrow_t &) noexcept {
-    Release(block);
-}
-void operator delete(void *block, std::align_val_t) noexcept {
-    Release(block);
-}
-void operator delete(void *block, std::size_t, std::align_val_t) noexcept {
-    Release(block);
-}
-
-using namespace zr::test;
-
+namespace zr::test {
 namespace {
 
 const char *kModel = "[Model of a long name]\n"
@@ -106,17 +24,26 @@ const char *kSection = "Model of a long name";
 const char *kPath = "outer@middle@inner";
 const char *kLeaf = "a long name at the end"; // searched for through all blocks
 
-std::string told; // what zr_error says to the debugger
-
-void Tell(const char *text) {
-    const bool before = limited;
-    limited = false;
-    told += text;
-    limited = before;
-}
+// The same with more than one chunk of nodes, with names and values too long for a chunk, and with many of one block.
+const std::string kLongModel = [] {
+    std::string text = kModel + std::string("[") + std::string(3000, 's') + "]\n" + std::string(3000, 'n') + " =1\n" +
+                       std::string(9000, 'b') + " ={\nx =" + std::string(3000, 'v') +
+                       "\nlong =" + std::string(70000, 'l') + "\n}\nfolded na\\\nme =fol\\\nded\n[Many]\n";
+    for (int i = 0; i < 1500; ++i)
+        text += "n" + std::to_string(i) + " =" + std::to_string(i * i) + "\n";
+    return text;
+}();
 
 // A call with two environments of the model at hand, the second one being the default of none.
 using Call = std::function<int(zr_env env, zr_env other)>;
+
+// What a call may do without memory beyond what is asked of the others.
+enum Freedom : unsigned {
+    None = 0,
+    MaySayNothing = 1,    // its failure is not reported
+    MayLeaveNameless = 2, // an element that finds no memory for its new name has none then, which is no failure
+    MayNotBeRepeated = 4  // what is done by the time of a failure makes the next call another one
+};
 
 struct Case {
     const char *function;
@@ -124,85 +51,144 @@ struct Case {
     int done;        // the result with enough memory
     int failure;     // and without
     Call call;
+    unsigned freedom = None;
 };
 
 int Closed(zr_env env) {
     return env ? env_close(env, 0) + 1 : 0;
 }
 
+void Count(zr_env, const char *, const char *, void *user) {
+    ++*static_cast<int *>(user);
+}
+
 void Ignore(zr_env, const char *, const char *, void *) {}
 
-// A report with the given tag about the lack of memory.
-bool IsTold(const char *tag) {
-    const std::size_t at = told.find(std::string("\"") + tag + "\" line ");
-    return at != std::string::npos && told.compare(told.find('\n', at) + 1, 13, "Out of memory") == 0;
+bool IsTold(const Reports &reports, const char *tag) {
+    return std::find(reports.begin(), reports.end(), Error(tag, "Out of memory")) != reports.end();
 }
 
-// Blocks that nobody has given back, without those that only wait for the next reading.
-long long BlocksInUse() {
-    Zr::CZrEnvNodeStore::DropSpareChunks();
-    return blocks;
-}
+// An environment to work on and one more; when they have gone, nothing is left of them.
+class Pair {
+public:
+    Pair() { Zr::CZrEnvNodeStore::DropSpareChunks(); }
 
-// Runs the case with 0, 1, 2, ... allocations until it needs no more.
-void RunWithEveryLimit(const Case &rCase) {
-    SCOPED_TRACE(rCase.function);
-    bool anyTold = false;
-    for (std::size_t count = 0;; ++count) {
-        ASSERT_LT(count, 10000u);
-        const long long before = BlocksInUse();
-        {
-            EnvHandle env(kModel, 3);
-            EnvHandle other(kModel, 4);
-            const std::string text = WrittenText(env);
-            Zr::CZrEnvNodeStore::DropSpareChunks();
-            told.clear();
-            refused = false;
-            remaining = count;
-            limited = true;
-            const int result = rCase.call(env, other);
-            limited = false;
-            const bool toldNow = rCase.tag && IsTold(rCase.tag);
-            anyTold = anyTold || toldNow;
-            EXPECT_TRUE(result == rCase.done || (refused && result == rCase.failure)) << result << " with " << count;
-            EXPECT_TRUE(!toldNow || result == rCase.failure) << result << " with " << count;
-            // What was there is still there, and all of it can be used.
-            for (const zr_env each : {static_cast<zr_env>(env), static_cast<zr_env>(other)}) {
-                EXPECT_EQ(ValueOf(each, "Other", "x"), "1");
-                EXPECT_EQ(ValueOf(each, kSection, "outer@middle@inner@a long name at the end@2"), "2");
-                EXPECT_EQ(env_put(each, kSection, "later@a@b", "y"), 0);
-                EXPECT_EQ(ValueOf(each, kSection, "later@a@b"), "y");
-                EXPECT_EQ(env_delete(each, kSection, "later"), 0);
-            }
-            if (!refused)
-                count = SIZE_MAX - 1;
+    std::string Trees() const { return Describe(*env.operator->()) + "\n" + Describe(*other.operator->()); }
+
+    void ExpectSoundAndUsable() const {
+        for (const EnvHandle *each : {&env, &other}) {
+            using Check = Zr::CZrEnvTreeCheck;
+            EXPECT_EQ("", Check::OfEnvironment(*each->operator->(), Check::Indexes::AsTheyAre).what);
+            EXPECT_EQ("", Check::OfEnvironment(*each->operator->(), Check::Indexes::Build).what);
+            EXPECT_EQ(env_put(*each, "Later", "later@a@b", "y"), 0);
+            EXPECT_EQ(ValueOf(*each, "Later", "later@a@b"), "y");
+            EXPECT_EQ(env_delete(*each, "Later", nullptr), 0);
         }
-        std::string().swap(told);
-        EXPECT_EQ(BlocksInUse(), before) << "leak with " << count;
-        if (count == SIZE_MAX - 1)
-            break;
     }
-    EXPECT_EQ(anyTold, rCase.tag != nullptr);
-}
+
+    EnvHandle env{kModel, 3};
+    EnvHandle other{kModel, 4};
+};
+
+// Which allocations are refused.
+enum class Way {
+    OneNew,
+    AllNew,
+    OneOfTheHeap
+};
 
 class EnvMemory : public testing::Test {
 protected:
-    EnvMemory() { zr::platform::services.debug_output = Tell; }
-    ~EnvMemory() override {
-        limited = false;
-        zr::platform::services = {};
-        std::string().swap(told);
+    // Runs the case with each of its allocations refused in turn, until there are no more.
+    void RunWithEveryRefusal(const Case &rCase) {
+        SCOPED_TRACE(rCase.function);
+        std::string whole;
+        {
+            const Pair pair;
+            ASSERT_EQ(rCase.done, rCase.call(pair.env, pair.other));
+            whole = pair.Trees();
+        }
+        bool anyTold = false;
+        for (const Way way : {Way::OneNew, Way::AllNew, Way::OneOfTheHeap})
+            for (int others = 0; RunWithOneRefusal(rCase, way, others, whole, anyTold) && !HasFailure(); ++others)
+                ASSERT_LT(others, 10000);
+        EXPECT_TRUE(HasFailure() || anyTold == (rCase.tag != nullptr));
+    }
+
+    ReportCapture m_reports;
+
+private:
+    // False when nothing was left to refuse.
+    bool RunWithOneRefusal(const Case &rCase, Way way, int others, const std::string &whole, bool &rAnyTold) {
+        SCOPED_TRACE("way " + std::to_string(static_cast<int>(way)) + ", behind " + std::to_string(others));
+        Zr::CZrEnvNodeStore::DropSpareChunks();
+        const MemoryBalance memory;
+        const HeapBalance heap;
+        bool met = false;
+        {
+            const Pair pair;
+            m_reports.Take();
+            const int result = Refusing(rCase, way, others, pair, met);
+            const Reports reports = m_reports.Take();
+            if (result == rCase.failure && met) {
+                ExpectFailure(rCase, pair, whole, reports);
+                rAnyTold = rAnyTold || (rCase.tag && IsTold(reports, rCase.tag));
+            } else {
+                EXPECT_EQ(rCase.done, result);
+                if (reports.empty() && !(rCase.freedom & MayLeaveNameless)) {
+                    EXPECT_EQ(whole, pair.Trees());
+                }
+                pair.ExpectSoundAndUsable();
+            }
+        }
+        Zr::CZrEnvNodeStore::DropSpareChunks();
+        EXPECT_EQ(0, memory.Open()) << "something leaks";
+        EXPECT_EQ(0, heap.Open()) << "something leaks";
+        return met;
+    }
+
+    // Where no memory is left for the log either, what is told would not be heard.
+    static std::FILE *OpenLog(const char *name, const char *mode) {
+        const Unrefused unrefused;
+        return zr::platform::backend::OpenText(name, mode);
+    }
+
+    static int Refusing(const Case &rCase, Way way, int others, const Pair &pair, bool &rMet) {
+        if (way == Way::OneOfTheHeap) {
+            const HeapRefusal refusal(others);
+            const int result = rCase.call(pair.env, pair.other);
+            rMet = refusal.Met();
+            return result;
+        }
+        if (way == Way::AllNew)
+            zr::platform::services.open_text = OpenLog;
+        const NthAllocation refusal(others, way == Way::AllNew);
+        const int result = rCase.call(pair.env, pair.other);
+        rMet = refusal.Met();
+        zr::platform::services.open_text = zr::platform::backend::OpenText;
+        return result;
+    }
+
+    static void ExpectFailure(const Case &rCase, const Pair &pair, const std::string &whole, const Reports &reports) {
+        EXPECT_TRUE(!reports.empty() || (rCase.freedom & MaySayNothing));
+        pair.ExpectSoundAndUsable();
+        if (rCase.freedom & MayNotBeRepeated)
+            return;
+        EXPECT_EQ(rCase.done, rCase.call(pair.env, pair.other));
+        EXPECT_EQ(whole, pair.Trees());
+        pair.ExpectSoundAndUsable();
     }
 };
 
 TEST_F(EnvMemory, CoreFunctionsReportAndGiveTheirErrorValue) {
     const char *name = nullptr;
     const Case cases[] = {
-        {"env_open", nullptr, 1, 0, [](zr_env env, zr_env) { return Closed(env_open(1, env)); }},
+        {"env_open", nullptr, 1, 0, [](zr_env env, zr_env) { return Closed(env_open(1, env)); }, MaySayNothing},
         {"env_open_subenv", nullptr, 1, 0,
-         [](zr_env env, zr_env) { return Closed(env_open_subenv(env, kSection, kPath, 1)); }},
+         [](zr_env env, zr_env) { return Closed(env_open_subenv(env, kSection, kPath, 1)); }, MaySayNothing},
         {"env_create_subenv", nullptr, 1, 0,
-         [](zr_env env, zr_env) { return Closed(env_create_subenv(env, kSection, "new@of a long name indeed")); }},
+         [](zr_env env, zr_env) { return Closed(env_create_subenv(env, kSection, "new@of a long name indeed")); },
+         MaySayNothing},
         {"env_attach_as_last_default", "Env_core", 1, 0,
          [](zr_env env, zr_env other) {
              env_attach_as_last_default(env, other);
@@ -222,6 +208,31 @@ TEST_F(EnvMemory, CoreFunctionsReportAndGiveTheirErrorValue) {
          [&name](zr_env env, zr_env) { return env_get_core(env, kSection, "inner", 0, 1, nullptr, &name, nullptr); }},
         {"env_rename", "Env_core", 0, -10,
          [](zr_env env, zr_env) { return env_rename(env, kSection, "Title of a long name", "x"); }},
+        {"env_rename, to a longer name", "Env_core", 0, -10,
+         [](zr_env env, zr_env) {
+             return env_rename(env, "Other", "value", "a longer name than before, for all memory");
+         },
+         MayLeaveNameless},
+        {"env_rename, of a section", nullptr, 0, -10,
+         [](zr_env env, zr_env) { return env_rename(env, "Other", nullptr, "Another name, too long for its place"); },
+         MayLeaveNameless},
+        {"env_rename, twice and back", "Env_core", 0, -10,
+         [](zr_env env, zr_env) {
+             const int first = env_rename(env, "Other", "value", "a");
+             const int second = first ? first : env_rename(env, "Other", "a", "z");
+             return second ? second : env_rename(env, "Other", "x", "y");
+         },
+         MayNotBeRepeated},
+        {"env_delete", nullptr, 0, -10, [](zr_env env, zr_env) { return env_delete(env, kSection, kPath); }},
+        {"env_delete, of a section", nullptr, 0, -10,
+         [](zr_env env, zr_env) { return env_delete(env, kSection, nullptr); }},
+        {"env_close, of a chain", nullptr, 1, 0,
+         [](zr_env env, zr_env other) {
+             const int first = Closed(env_open(1, env));
+             const int second = Closed(env_open(2, other));
+             return first && second ? 1 : 0;
+         },
+         MaySayNothing},
         {"env_insert_before", "Env_core", 0, -10,
          [](zr_env env, zr_env) { return env_insert_before(env, kSection, "outer", "a new one of a long name"); }},
         {"env_insert_before, of a section", "Env_core", 0, -10,
@@ -230,7 +241,7 @@ TEST_F(EnvMemory, CoreFunctionsReportAndGiveTheirErrorValue) {
          [](zr_env env, zr_env) { return env_traverse(env, kSection, kPath, 1, Ignore, nullptr); }},
     };
     for (const Case &rCase : cases)
-        RunWithEveryLimit(rCase);
+        RunWithEveryRefusal(rCase);
 }
 
 TEST_F(EnvMemory, AccessFunctionsReportAndGiveTheirErrorValue) {
@@ -249,12 +260,14 @@ TEST_F(EnvMemory, AccessFunctionsReportAndGiveTheirErrorValue) {
              const int result = sub ? env_put(sub, nullptr, "a@b", "a new value") : -10;
              env_close(sub, 0);
              return result;
-         }},
+         },
+         MaySayNothing},
         {"env_put, where names are in order already", "Env_pg", 0, -10,
          [](zr_env env, zr_env) {
              const int result = env_rename(env, "Other", "value", "v");
              return result ? result : env_put(env, "Other", "new@4@b", "a new value");
-         }},
+         },
+         MayNotBeRepeated},
         {"env_get_pos", "Env_pg", -2, -10,
          [&](zr_env env, zr_env) {
              return env_get_pos(env, kSection, "middle", 0, 1, nullptr, 50, buffer, 0, nullptr);
@@ -267,22 +280,7 @@ TEST_F(EnvMemory, AccessFunctionsReportAndGiveTheirErrorValue) {
          }},
     };
     for (const Case &rCase : cases)
-        RunWithEveryLimit(rCase);
-}
-
-TEST_F(EnvMemory, IterationThatCannotStartIsNone) {
-    EnvHandle env(kModel);
-    char name[50] = "?";
-    remaining = 0;
-    limited = true;
-    const int first = env_get_first(env, nullptr, nullptr, 1, nullptr, 50, name, 0, nullptr, 0);
-    limited = false;
-    EXPECT_EQ(first, -10);
-    EXPECT_STREQ(name, "?");
-    EXPECT_TRUE(IsTold("Env_pg"));
-    EXPECT_EQ(env_get_next(env, 50, name, 0, nullptr, 0), -10);
-    EXPECT_EQ(env_get_first(env, nullptr, nullptr, 1, nullptr, 50, name, 0, nullptr, 0), -2);
-    EXPECT_EQ(env_get_next(env, 50, name, 0, nullptr, 0), -2);
+        RunWithEveryRefusal(rCase);
 }
 
 TEST_F(EnvMemory, TypedFunctionsReportAndGiveTheirErrorValue) {
@@ -333,6 +331,34 @@ TEST_F(EnvMemory, TypedFunctionsReportAndGiveTheirErrorValue) {
          [](zr_env env, zr_env) { return env_put_long(env, kSection, "new@of a long name indeed", 5); }},
         {"env_put_long, in place of a block", "Env_uti2", 0, -10,
          [](zr_env env, zr_env) { return env_put_long(env, "Other", "block", 5); }},
+        {"env_put_long, where there is a value", nullptr, 0, -10,
+         [](zr_env env, zr_env) { return env_put_long(env, "Other", "value", -2147483647); }},
+        {"env_put_double", nullptr, 0, -10,
+         [](zr_env env, zr_env) {
+             return env_put_double(env, kSection, "new@of a long name indeed", -1.234567890123e-200);
+         }},
+        {"env_put_longs", nullptr, 0, -10,
+         [](zr_env env, zr_env) {
+             const zr_long values[] = {1, -2147483647, 3, 2147483647, 5};
+             return env_put_longs(env, kSection, "new@of a long name indeed", 5, values);
+         }},
+        {"env_put_doubles", nullptr, 0, -10,
+         [](zr_env env, zr_env) {
+             const double values[] = {1, -1.234567890123e-200, 3.5};
+             return env_put_doubles(env, kSection, "new@of a long name indeed", 3, values);
+         }},
+        {"env_put_strings", nullptr, 0, -10,
+         [](zr_env env, zr_env) {
+             const char *items[] = {"one of them", "", "and one more"};
+             return env_put_strings(env, kSection, "new@of a long name indeed", 3, items);
+         }},
+        {"env_put_strings, where there is a value", nullptr, 0, -10,
+         [](zr_env env, zr_env) {
+             const char *items[] = {"one of them", "and one more"};
+             return env_put_strings(env, "Other", "value", 2, items);
+         }},
+        {"env_put_bin, in place of a block", "Env_uti2", 0, -10,
+         [](zr_env env, zr_env) { return env_put_bin(env, "Other", "block", "\0\n=", 3); }},
         {"env_put_bin", nullptr, 0, -10,
          [](zr_env env, zr_env) { return env_put_bin(env, kSection, "new@of a long name indeed", "abc", 3); }},
         {"env_set_data_version", nullptr, 0, -10,
@@ -345,17 +371,61 @@ TEST_F(EnvMemory, TypedFunctionsReportAndGiveTheirErrorValue) {
          }},
     };
     for (const Case &rCase : cases)
-        RunWithEveryLimit(rCase);
+        RunWithEveryRefusal(rCase);
 }
 
 TEST_F(EnvMemory, WalksReportAndGiveTheirErrorValue) {
     char names[200];
     const Case cases[] = {
+        {"env_traverse, counting", "Env_core", 3, -10,
+         [](zr_env env, zr_env) {
+             int visits = 0;
+             const int result = env_traverse(env, "Other", nullptr, 1, Count, &visits);
+             return result == 0 ? visits : result;
+         }},
+        {"env_traverse_leafs, counting", "Env_uti2", 6, -10,
+         [](zr_env env, zr_env) {
+             int visits = 0;
+             const int result = env_traverse_leafs(env, Count, &visits);
+             return result == 0 ? visits : result;
+         }},
+        {"env_get_first and next", "Env_pg", 3, -10,
+         [&](zr_env env, zr_env) {
+             int count = 0;
+             int result = env_get_first(env, "Other", nullptr, 1, nullptr, 200, names, 200, names, 0);
+             for (; result == -1 || result == -2; ++count)
+                 result = env_get_next(env, 200, names, 200, names, 0);
+             return result == -4 ? count : result;
+         }},
         {"env_traverse_leafs", "Env_uti2", 0, -10,
          [](zr_env env, zr_env) { return env_traverse_leafs(env, Ignore, nullptr); }},
-        {"env_sink", "Env_uti2", 0, -10, [](zr_env env, zr_env other) { return env_sink(env, other, 2); }},
+        {"env_sink, appending", "Env_uti2", 0, -10, [](zr_env env, zr_env other) { return env_sink(env, other, 1); },
+         MayNotBeRepeated},
+        {"env_sink, overwriting", "Env_uti2", 0, -10,
+         [](zr_env env, zr_env other) {
+             const int result = env_put(other, "Other", "value", "a longer one than the other has");
+             return result ? result : env_sink(env, other, 2);
+         }},
+        {"env_sink, updating", "Env_uti2", 0, -10,
+         [](zr_env env, zr_env other) {
+             const int result = env_put(other, "Other", "value", "a longer one than the other has");
+             return result ? result : env_sink(env, other, 3);
+         }},
+        {"env_sink, of what is missing", "Env_uti2", 0, -10,
+         [](zr_env env, zr_env other) {
+             const int result = env_put(other, "New", "block@value", "one that the other has not");
+             return result ? result : env_sink(env, other, 0);
+         },
+         MayNotBeRepeated},
+        {"env_copy_block", "Env_uti2", 0, -10,
+         [](zr_env env, zr_env other) {
+             const int result = env_delete(env, kSection, "outer");
+             return result == 0 || result == -4 ? env_copy_block(env, other, kSection, kPath, 2) : result;
+         },
+         MaySayNothing},
         {"env_copy_block_to", "Env_uti2", 0, -10,
-         [](zr_env env, zr_env other) { return env_copy_block_to(env, other, "New", "to@here", kSection, kPath, 0); }},
+         [](zr_env env, zr_env other) { return env_copy_block_to(env, other, "New", "to@here", kSection, kPath, 2); },
+         MaySayNothing},
         {"env_list_elem_names", "Env_uti2", 0, -10,
          [&](zr_env env, zr_env) {
              std::strcpy(names, "kept");
@@ -365,47 +435,87 @@ TEST_F(EnvMemory, WalksReportAndGiveTheirErrorValue) {
          }},
     };
     for (const Case &rCase : cases)
-        RunWithEveryLimit(rCase);
+        RunWithEveryRefusal(rCase);
 }
 
-TEST_F(EnvMemory, ReadingReportsAndGivesItsErrorValue) {
-    EnvHandle env(kModel);
-    bool anyTold = false;
-    for (std::size_t count = 0;; ++count) {
-        told.clear();
-        refused = false;
-        remaining = count;
-        limited = true;
-        const int result = env_read_from_string(kModel, env);
-        limited = false;
-        if (!refused) {
-            EXPECT_EQ(result, 0);
-            break;
-        }
-        anyTold = anyTold || IsTold("Env_uti2");
-        EXPECT_TRUE(result == -10 || result == 0) << result;
-        EXPECT_EQ(IsTold("Env_uti2"), result == -10) << count;
+TEST_F(EnvMemory, ReadingAndWritingReportAndGiveTheirErrorValue) {
+    const TempFolder folder;
+    const std::string source = folder.File("source.zrenv");
+    const std::string target = folder.File("target.zrenv");
+    const std::string faulty = kLongModel + "[X]\nb ={\nx =1\n[Y]\n";
+    std::string text;
+    {
+        const EnvHandle env(kLongModel.c_str());
+        text = WrittenText(env);
+        ASSERT_EQ(env_write_file(source.c_str(), env), 1);
     }
-    EXPECT_TRUE(anyTold);
+    const Case cases[] = {
+        {"env_read_from_string", "Env_uti2", 0, -10,
+         [](zr_env env, zr_env) { return env_read_from_string(kLongModel.c_str(), env); }},
+        {"env_read_from_string, with a fault", "Env_uti2", -5, -10,
+         [&](zr_env env, zr_env) { return env_read_from_string(faulty.c_str(), env); }},
+        {"env_read_file", "Env_uti2", 0, -10, [&](zr_env env, zr_env) { return env_read_file(source.c_str(), env); }},
+        {"env_write_to_string", "Env_uti2", 1, 0,
+         [&](zr_env env, zr_env) {
+             if (env_read_from_string(kLongModel.c_str(), env) != 0)
+                 return 0;
+             char *written = env_write_to_string(env);
+             std::size_t at = 0;
+             bool same = written != nullptr;
+             for (const char *next = written; same && *next; ++next)
+                 same = *next == '\r' || (at < text.size() && *next == text[at++]);
+             same = same && at == text.size();
+             env_free_string(written);
+             return same ? 1 : 0;
+         }},
+        {"env_write_file", "Env_uti2", 1, 0,
+         [&](zr_env env, zr_env) {
+             return env_read_file(source.c_str(), env) == 0 ? env_write_file(target.c_str(), env) : 0;
+         }},
+    };
+    for (const Case &rCase : cases)
+        RunWithEveryRefusal(rCase);
 }
 
-TEST_F(EnvMemory, EnvironmentThatCannotBeMadeIsNull) {
-    remaining = 0;
-    limited = true;
-    const zr_env none = env_open(1, nullptr);
-    limited = false;
-    EXPECT_EQ(none, nullptr);
+TEST_F(EnvMemory, IterationThatCannotStartIsNone) {
+    EnvHandle env(kModel);
+    char name[50] = "?";
+    int first = 0;
+    {
+        const NthAllocation refusal(0);
+        first = env_get_first(env, nullptr, nullptr, 1, nullptr, 50, name, 0, nullptr, 0);
+    }
+    EXPECT_EQ(first, -10);
+    EXPECT_STREQ(name, "?");
+    EXPECT_TRUE(IsTold(m_reports.Take(), "Env_pg"));
+    EXPECT_EQ(env_get_next(env, 50, name, 0, nullptr, 0), -10);
+    EXPECT_EQ(env_get_first(env, nullptr, nullptr, 1, nullptr, 50, name, 0, nullptr, 0), -2);
+    EXPECT_EQ(env_get_next(env, 50, name, 0, nullptr, 0), -2);
 }
 
-TEST_F(EnvMemory, CloseWithAllEndsTheWholeChain) {
-    const long long before = BlocksInUse();
+TEST_F(EnvMemory, CloseAndDeleteNeedNone) {
+    Zr::CZrEnvNodeStore::DropSpareChunks();
+    const MemoryBalance memory;
     const zr_env last = env_open(1, nullptr);
     const zr_env middle = env_open(2, last);
     const zr_env env = env_open(3, middle);
-    EXPECT_EQ(env_read_from_string(kModel, last), 0);
-    EXPECT_EQ(env_read_from_string(kModel, middle), 0);
-    EXPECT_EQ(env_close(env, 1), 0);
-    EXPECT_EQ(BlocksInUse(), before);
+    EXPECT_EQ(env_read_from_string(kLongModel.c_str(), last), 0);
+    EXPECT_EQ(env_read_from_string(kLongModel.c_str(), middle), 0);
+    const zr_env sub = env_open_subenv(middle, kSection, kPath, 1);
+    char name[50];
+    EXPECT_EQ(env_get_first(sub, nullptr, nullptr, 1, nullptr, 50, name, 0, nullptr, 0), -7);
+    {
+        const NthAllocation refusal(0, true);
+        EXPECT_EQ(env_delete(last, "Other", "block"), 0);
+        EXPECT_EQ(env_delete(last, "Many", "n500"), 0) << "found without an index";
+        EXPECT_EQ(env_delete(last, "Other", nullptr), 0);
+        EXPECT_EQ(env_close(sub, 0), 0);
+        EXPECT_EQ(env_close(env, 1), 0);
+    }
+    Zr::CZrEnvNodeStore::DropSpareChunks();
+    EXPECT_EQ(0, memory.Open());
+    EXPECT_EQ(Reports{}, m_reports.Take());
 }
 
 } // namespace
+} // namespace zr::test

@@ -1,20 +1,25 @@
-// Lets allocations fail, chosen by their size or their number. Replaces the program's operator new, so only its test source includes this.
+// Lets allocations fail, chosen by their size or their number, and counts them. Replaces the program's operator new, so only
+// its test source includes this.
 #ifndef TESTS_ENV_REFUSED_MEMORY_H
 #define TESTS_ENV_REFUSED_MEMORY_H
 
+#include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <new>
 
 namespace zr::test {
 
-// While it lives, the allocation that comes after so many others fails; with an action it calls that and succeeds. One at a
-// time.
+// While it lives, the allocation that comes after so many others fails, and with `lasting` all behind it; with an action it
+// calls that and succeeds. One at a time.
 class NthAllocation {
 public:
-    explicit NthAllocation(int others, void (*action)() = nullptr) {
-        s_action = action;
+    explicit NthAllocation(int others, void (*action)() = nullptr) : NthAllocation(others, false) { s_action = action; }
+    NthAllocation(int others, bool lasting) {
+        s_action = nullptr;
+        s_lasting = lasting;
         s_left = others;
         s_met = false;
     }
@@ -25,9 +30,15 @@ public:
     bool Met() const { return s_met; } // there was such an allocation
 
     static bool Refuses() {
-        if (s_left < 0 || s_left-- > 0)
+        if (s_left < 0)
             return false;
+        if (s_left > 0) {
+            --s_left;
+            return false;
+        }
         s_met = true;
+        if (!s_lasting)
+            s_left = -1;
         if (s_action == nullptr)
             return true;
         s_action();
@@ -36,6 +47,7 @@ public:
 
 private:
     static inline void (*s_action)() = nullptr;
+    static inline bool s_lasting = false;
     static inline int s_left = -1;
     static inline bool s_met = false;
 };
@@ -56,13 +68,11 @@ public:
     bool Met() const { return s_left == 0; }             // all of them were asked for
     bool Untouched() const { return s_left == m_times; } // none was
 
-    static void *Allocate(std::size_t size) {
-        if (NthAllocation::Refuses())
-            return nullptr;
+    static bool Refuses(std::size_t size) {
         if (s_left == 0 || size < s_from || size > s_to)
-            return std::malloc(size != 0 ? size : 1);
+            return false;
         --s_left;
-        return nullptr;
+        return true;
     }
 
 private:
@@ -73,11 +83,67 @@ private:
     int m_times;
 };
 
-inline void *AllocateOrThrow(std::size_t size) {
-    void *block = Refusal::Allocate(size);
+// While it lives, no allocation fails, nor does one count.
+class Unrefused {
+public:
+    Unrefused() { ++s_count; }
+    Unrefused(const Unrefused &) = delete;
+    Unrefused &operator=(const Unrefused &) = delete;
+    ~Unrefused() { --s_count; }
+
+    static bool Holds() { return s_count != 0; }
+
+private:
+    static inline int s_count = 0;
+};
+
+// Blocks that were not there when it was made.
+class MemoryBalance {
+public:
+    long long Open() const { return s_blocks - m_before; }
+
+    static void Count(int blocks) { s_blocks.fetch_add(blocks, std::memory_order_relaxed); }
+
+private:
+    static inline std::atomic<long long> s_blocks = 0;
+
+    const long long m_before = s_blocks;
+};
+
+// With so many bytes beyond those asked for.
+inline void *Allocate(std::size_t size, std::size_t more = 0) {
+    if (!Unrefused::Holds() && (NthAllocation::Refuses() || Refusal::Refuses(size)))
+        return nullptr;
+    void *block = std::malloc(size + more != 0 ? size + more : 1);
+    MemoryBalance::Count(block != nullptr ? 1 : 0);
+    return block;
+}
+
+inline void Release(void *block) {
+    MemoryBalance::Count(block != nullptr ? -1 : 0);
+    std::free(block);
+}
+
+inline void *AllocateOrThrow(std::size_t size, std::size_t more = 0) {
+    void *block = Allocate(size, more);
     if (block == nullptr)
         throw std::bad_alloc();
     return block;
+}
+
+// In front of an aligned block lies the address of the memory that it is a part of.
+inline void *AllocateAligned(std::size_t size, std::align_val_t align) {
+    const auto alignment = static_cast<std::size_t>(align);
+    void *memory = AllocateOrThrow(size, alignment + sizeof(void *));
+    const auto first = reinterpret_cast<std::uintptr_t>(memory) + sizeof(void *);
+    void **block = reinterpret_cast<void **>((first + alignment - 1) / alignment * alignment);
+    block[-1] = memory;
+    return block;
+}
+
+inline void ReleaseAligned(void *block) {
+    if (block != nullptr)
+        Release(static_cast<void **>(block)[-1]);
 }
 
 } // namespace zr::test
@@ -89,28 +155,37 @@ void *operator new[](std::size_t size) {
     return zr::test::AllocateOrThrow(size);
 }
 void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
-    return zr::test::Refusal::Allocate(size);
+    return zr::test::Allocate(size);
 }
 void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
-    return zr::test::Refusal::Allocate(size);
+    return zr::test::Allocate(size);
 }
 void operator delete(void *block) noexcept {
-    std::free(block);
+    zr::test::Release(block);
 }
 void operator delete[](void *block) noexcept {
-    std::free(block);
+    zr::test::Release(block);
 }
 void operator delete(void *block, std::size_t) noexcept {
-    std::free(block);
+    zr::test::Release(block);
 }
 void operator delete[](void *block, std::size_t) noexcept {
-    std::free(block);
+    zr::test::Release(block);
 }
 void operator delete(void *block, const std::nothrow_t &) noexcept {
-    std::free(block);
+    zr::test::Release(block);
 }
 void operator delete[](void *block, const std::nothrow_t &) noexcept {
-    std::free(block);
+    zr::test::Release(block);
+}
+void *operator new(std::size_t size, std::align_val_t align) {
+    return zr::test::AllocateAligned(size, align);
+}
+void operator delete(void *block, std::align_val_t) noexcept {
+    zr::test::ReleaseAligned(block);
+}
+void operator delete(void *block, std::size_t, std::align_val_t) noexcept {
+    zr::test::ReleaseAligned(block);
 }
 
 #endif

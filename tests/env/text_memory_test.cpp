@@ -1,142 +1,64 @@
 // Reading and writing with little memory and none: what is told, what the result is, and that nothing leaks. Every
 // allocation of the program goes through the counters below.
+#include <climits>
 #include <cstdint>
-#include <cstdlib>
-#include <new>
 #include <string>
 
 #include "env/node_store.h"
 #include "env/reference_reader.h"
+#include "env/refused_memory.h"
 #include "env/text_support.h"
-
-namespace {
-
-bool limited = false;           // the two limits hold
-std::size_t largest = 0;        // larger blocks are refused,
-std::size_t largestRefused = 0; // unless they are still larger than this
-std::size_t remaining = 0;      // so many blocks are still given
-long long blocks = 0;           // given and not yet back
-
-void *Allocate(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) noexcept {
-    if (limited && ((size > largest && size <= largestRefused) || remaining == 0))
-        return nullptr;
-    if (limited)
-        --remaining;
-    // In front of the block lies the address of the memory that it is a part of.
-    void *memory = std::malloc(size + alignment + sizeof(void *));
-    if (!memory)
-        return nullptr;
-    const auto first = reinterpret_cast<std::uintptr_t>(memory) + sizeof(void *);
-    void **block = reinterpret_cast<void **>((first + alignment - 1) / alignment * alignment);
-    block[-1] = memory;
-    ++blocks;
-    return block;
-}
-
-void *AllocateOrThrow(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) {
-    void *block = Allocate(size, alignment);
-    if (!block)
-        throw std::bad_alloc();
-    return block;
-}
-
-void Release(void *block) noexcept {
-    if (!block)
-        return;
-    --blocks;
-    std::free(static_cast<void **>(block)[-1]);
-}
-
-} // namespace
-
-void *operator new(std::size_t size) {
-    return AllocateOrThrow(size);
-}
-void *operator new[](std::size_t size) {
-    return AllocateOrThrow(size);
-}
-void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
-    return Allocate(size);
-}
-void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
-    return Allocate(size);
-}
-void *operator new(std::size_t size, std::align_val_t alignment) {
-    return AllocateOrThrow(size, static_cast<std::size_t>(alignment));
-}
-void operator delete(void *block) noexcept {
-    Release(block);
-}
-void operator delete[](void *block) noexcept {
-    Release(block);
-}
-void operator delete(void *block, std::size_t) noexcept {
-    Release(block);
-}
-void operator delete[](void *block, std::size_t) noexcept {
-    Release(block);
-}
-void operator delete(void *block, const std::nothrow_t &) noexcept {
-    Release(block);
-}
-void operator delete[](void *block, const std::nothrow_t &) noexcept {
-    Release(block);
-}
-void operator delete(void *block, std::align_val_t) noexcept {
-    Release(block);
-}
-void operator delete(void *block, std::size_t, std::align_val_t) noexcept {
-    Release(block);
-}
+#include "env/tree_check.h"
 
 namespace text_test {
 namespace {
 
-constexpr std::size_t NoLimit = SIZE_MAX;
+using zr::test::MemoryBalance;
+using zr::test::NthAllocation;
+using zr::test::Refusal;
+using zr::test::Unrefused;
 
 std::string told; // the texts of all errors, each with "|" in front
 
 void Tell(const char *text) {
-    const bool before = limited;
-    limited = false;
+    const Unrefused unrefused;
     if (std::string(text) != "\n\n" && !std::string(text).starts_with("ZR_ERROR in "))
         told += std::string("|") + text;
-    limited = before;
 }
 
 class TextMemory : public TextTest {
 protected:
-    TextMemory() { zr::platform::services.debug_output = Tell; }
+    TextMemory() {
+        told.reserve(1000); // no test counts its memory
+        zr::platform::services.debug_output = Tell;
+    }
     ~TextMemory() override {
-        limited = false;
         zr::platform::services = {};
         told.clear();
     }
 
-    // Runs the call without blocks of more than `size`, and with at most `count` of the others. Blocks beyond `upTo`
-    // aren't refused. False if std::bad_alloc came out.
+    // Runs the call, and gives false if std::bad_alloc came out.
     template <class Call>
-    static bool With(std::size_t size, std::size_t count, Call call, std::size_t upTo = NoLimit) {
+    static bool Ends(Call call) {
         told.clear();
-        largest = size;
-        largestRefused = upTo;
-        remaining = count;
-        limited = true;
-        bool ended = true;
         try {
             call();
         } catch (const std::bad_alloc &) {
-            ended = false;
+            return false;
         }
-        limited = false;
-        return ended;
+        return true;
+    }
+
+    // The same without blocks of more than `size` bytes, up to `upTo`.
+    template <class Call>
+    static bool WithSmallBlocks(std::size_t size, Call call, std::size_t upTo = SIZE_MAX) {
+        const Refusal refusal(size + 1, upTo, INT_MAX);
+        return Ends(call);
     }
 };
 
-// Blocks that nobody has given back, without those that only wait for the next reading.
-long long BlocksInUse() {
-    Zr::CZrEnvNodeStore::DropSpareChunks();
-    return blocks;
+void ExpectSound(const Zr::CZrEnv &env) {
+    EXPECT_EQ(Zr::CZrEnvTreeCheck::OfEnvironment(env, Zr::CZrEnvTreeCheck::Indexes::Build).what, "");
 }
 
 const std::string outOfMemory = "|CZrEnvReader::AccumulateString : Out of memory|";
@@ -145,7 +67,7 @@ TEST_F(TextMemory, TextThatCannotGrowIsCutAndReadingGoesOn) {
     Zr::EZrEnvError result = Zr::ENV_ERROR;
     const std::string large(70000, 'a');
     const std::string longer = "[A]\nx=" + large + "\\\n" + large + "\ny=1\nz=" + large + "\\\n" + large + "\n";
-    ASSERT_TRUE(With(65536, NoLimit, [&] { result = env->ReadString(longer.c_str(), eEnvReadWrapped); }));
+    ASSERT_TRUE(WithSmallBlocks(65536, [&] { result = env->ReadString(longer.c_str(), eEnvReadWrapped); }));
     EXPECT_EQ(result, Zr::ENV_OK);
     EXPECT_EQ(told, outOfMemory + outOfMemory) << "once for each text";
     const std::string cut(65535, 'a');
@@ -161,30 +83,45 @@ TEST_F(TextMemory, EveryAllocationOfAReadingMayFail) {
     const ReferenceReader whole(text, false, eEnvReadAuto, "");
     WriteBytes(Path("a.env"), text);
     const std::string path = Path("a.env");
-    for (const bool asFile : {false, true}) {
-        std::size_t failures = 0;
-        for (std::size_t count = 0;; ++count) {
-            env->DeleteEnvironmentSections();
-            const long long before = BlocksInUse();
+    for (const bool asFile : {false, true})
+        for (const bool lasting : {false, true}) {
+            int failures = 0;
             Zr::EZrEnvError result = Zr::ENV_ERROR;
-            const bool ended = With(NoLimit, count, [&] {
+            const auto read = [&] {
                 result =
                     asFile ? env->ReadFile(path.c_str(), eEnvReadAuto) : env->ReadString(text.c_str(), eEnvReadAuto);
-            });
-            const bool untouched = remaining != 0;
-            zr_long line = 0, column = 0;
-            EXPECT_EQ(env->GetErrorPosition(line, column), ended && result == 0 ? Zr::ENV_NOT_FOUND : Zr::ENV_OK);
-            if (untouched) {
-                EXPECT_TRUE(ended);
+            };
+            for (int others = 0;; ++others) {
+                SCOPED_TRACE(others);
+                env->DeleteEnvironmentSections();
+                Zr::CZrEnvNodeStore::DropSpareChunks();
+                const MemoryBalance memory;
+                bool ended = false;
+                bool met = false;
+                {
+                    const NthAllocation refusal(others, lasting);
+                    ended = Ends(read);
+                    met = refusal.Met();
+                }
+                zr_long line = 0, column = 0;
+                EXPECT_EQ(env->GetErrorPosition(line, column), ended && result == 0 ? Zr::ENV_NOT_FOUND : Zr::ENV_OK);
+                if (ended && told.empty()) {
+                    EXPECT_TRUE(TreeOf(*env) == whole.sections);
+                }
+                ExpectSound(*env);
+                if (!met) {
+                    EXPECT_TRUE(ended);
+                    break;
+                }
+                failures += ended ? 0 : 1;
+                EXPECT_TRUE(Ends(read));
                 EXPECT_TRUE(TreeOf(*env) == whole.sections);
-                break;
+                env->DeleteEnvironmentSections();
+                Zr::CZrEnvNodeStore::DropSpareChunks();
+                ASSERT_EQ(memory.Open(), 0);
             }
-            failures += ended ? 0 : 1;
-            env->DeleteEnvironmentSections();
-            ASSERT_EQ(BlocksInUse() - before, 0) << count;
+            EXPECT_GE(failures, 5);
         }
-        EXPECT_GE(failures, 5u);
-    }
 }
 
 TEST_F(TextMemory, SmallerBlockReadsTheSame) {
@@ -198,10 +135,13 @@ TEST_F(TextMemory, SmallerBlockReadsTheSame) {
 
     Zr::EZrEnvError result = Zr::ENV_ERROR;
     const auto read = [&] { result = env->ReadFile(path.c_str(), eEnvReadAuto); };
-    ASSERT_TRUE(With(15001, NoLimit, read, 30000)); // half of the block and one more is given
+    ASSERT_TRUE(WithSmallBlocks(15001, read, 30000)); // half of the block and one more is given
     EXPECT_EQ(result, Zr::ENV_OK);
     EXPECT_TRUE(TreeOf(*env) == tree);
-    EXPECT_FALSE(With(8192, 0, read));
+    {
+        const NthAllocation refusal(0);
+        EXPECT_FALSE(Ends(read));
+    }
     EXPECT_TRUE(TreeOf(*env) == tree) << "nothing was touched yet";
 }
 
@@ -212,7 +152,7 @@ TEST_F(TextMemory, StringThatCannotGrowIsCutAndToldOnce) {
     for (const std::size_t size : {std::size_t{65536}, std::size_t{131072}, std::size_t{40000}}) {
         const std::size_t capacity = size == 40000 ? 32769 : size; // half of 65536 and one more
         char *text = nullptr;
-        ASSERT_TRUE(With(size, NoLimit, [&] { text = env->WriteString(false); }));
+        ASSERT_TRUE(WithSmallBlocks(size, [&] { text = env->WriteString(false); }));
         EXPECT_EQ(told, "|Can not allocate buffer");
         EXPECT_TRUE(text == whole.substr(0, capacity - 1)) << size;
         Zr::CZrEnv::FreeString(text);
@@ -227,14 +167,12 @@ TEST_F(TextMemory, FileIsWrittenThroughASmallBuffer) {
     const std::string path = Path("w.env");
     zr::platform::services.open_text = [](const char *name,
                                           const char *mode) { // the stream's own memory is no matter here
-        limited = false;
-        std::FILE *stream = zr::platform::backend::OpenText(name, mode);
-        limited = true;
-        return stream;
+        const Unrefused unrefused;
+        return zr::platform::backend::OpenText(name, mode);
     };
     bool done = false;
     for (const std::size_t size : {40000u, 300u}) {
-        ASSERT_TRUE(With(size, NoLimit, [&] { done = env->WriteFile(path.c_str(), true); }));
+        ASSERT_TRUE(WithSmallBlocks(size, [&] { done = env->WriteFile(path.c_str(), true); }));
         EXPECT_TRUE(done);
         EXPECT_TRUE(ReadBytes(path) == whole) << size;
     }
@@ -245,44 +183,65 @@ TEST_F(TextMemory, ChunksWaitForTheNextReading) {
     std::string text = "[A]\n";
     for (int i = 0; i < 5000; ++i)
         text += "x" + std::to_string(i) + "=1\n";
-    const long long before = BlocksInUse();
+    Zr::CZrEnvNodeStore::DropSpareChunks();
+    const MemoryBalance memory;
     ASSERT_EQ(env->ReadString(text.c_str(), eEnvReadAuto), Zr::ENV_OK);
-    const long long whileRead = blocks;
+    const long long whileRead = memory.Open();
     env->DeleteEnvironmentSections();
-    const long long kept = blocks - before;
+    const long long kept = memory.Open();
     EXPECT_GE(kept, 4) << "64 KB each for 5000 leaves of 36 bytes or more, and one for the section";
     ASSERT_EQ(env->ReadString(text.c_str(), eEnvReadAuto), Zr::ENV_OK);
-    EXPECT_EQ(blocks, whileRead) << "the same chunks again";
+    EXPECT_EQ(memory.Open(), whileRead) << "the same chunks again";
     env->DeleteEnvironmentSections();
-    EXPECT_EQ(blocks - before, kept);
-    EXPECT_EQ(BlocksInUse(), before);
+    EXPECT_EQ(memory.Open(), kept);
+    Zr::CZrEnvNodeStore::DropSpareChunks();
+    EXPECT_EQ(memory.Open(), 0);
 }
 
 TEST_F(TextMemory, NoMoreThanEightMegabytesWait) {
     std::string text = "[A]\n";
     for (int i = 0; i < 400000; ++i)
         text += "x=1\n";
-    const long long before = BlocksInUse();
+    Zr::CZrEnvNodeStore::DropSpareChunks();
+    const MemoryBalance memory;
     ASSERT_EQ(env->ReadString(text.c_str(), eEnvReadAuto), Zr::ENV_OK);
-    EXPECT_GT(blocks - before, 128);
+    EXPECT_GT(memory.Open(), 128);
     env->DeleteEnvironmentSections();
-    EXPECT_EQ(blocks - before, 128);
-    EXPECT_EQ(BlocksInUse(), before);
+    EXPECT_EQ(memory.Open(), 128);
+    Zr::CZrEnvNodeStore::DropSpareChunks();
+    EXPECT_EQ(memory.Open(), 0);
 }
 
 TEST_F(TextMemory, WritingWithoutMemoryLeaksNothing) {
     Zr::CZrEnvSection *section = env->InsertSection("A");
     section->InsertElement(new Zr::CZrEnvBlock("b"));
     const std::string path = Path("w.env");
-    for (const std::size_t count : {0u, 1u}) {
-        const long long before = BlocksInUse();
-        char *text = nullptr;
-        EXPECT_FALSE(With(NoLimit, count, [&] { text = env->WriteString(false); })) << count;
-        EXPECT_EQ(text, nullptr);
-        With(NoLimit, count, [&] { env->WriteFile(path.c_str(), false); }); // opening may have failed already
-        EXPECT_EQ(BlocksInUse() - before, 0);
-    }
-    EXPECT_EQ(Written(true), "[A]\r\n  b ={\r\n  }\r\n");
+    const std::string whole = Written(true);
+    for (const bool lasting : {false, true})
+        for (int others = 0;; ++others) {
+            const MemoryBalance memory;
+            char *text = nullptr;
+            bool met = false;
+            {
+                const NthAllocation refusal(others, lasting);
+                const bool ended = Ends([&] { text = env->WriteString(true); });
+                met = refusal.Met();
+                EXPECT_TRUE(ended == (text != nullptr));
+                EXPECT_TRUE(!ended || text == whole);
+                Zr::CZrEnv::FreeString(text);
+            }
+            {
+                const NthAllocation refusal(others, lasting);
+                Ends([&] { env->WriteFile(path.c_str(), true); }); // opening may have failed already
+                met = met || refusal.Met();
+            }
+            EXPECT_EQ(memory.Open(), 0);
+            EXPECT_EQ(Written(true), whole);
+            if (!met)
+                break;
+        }
+    EXPECT_EQ(whole, "[A]\r\n  b ={\r\n  }\r\n");
+    EXPECT_TRUE(ReadBytes(path) == whole);
 }
 
 } // namespace

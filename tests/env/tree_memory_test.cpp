@@ -1,70 +1,10 @@
 // The tree with one refused allocation at a time: what each operation then gives and reports, that the tree is still sound
 // and that nothing leaks.
+#include "env/refused_memory.h"
 #include "env/report_capture.h"
 #include "env/tree_checker.h"
 
-#include <cstdlib>
-#include <new>
-
-namespace {
-
-constexpr long never = -1;
-
-long givenBefore = never; // so many allocations are still given; the one behind them is refused, and no other
-long long blocks = 0;     // given and not yet back
-
-void *Allocate(std::size_t size) noexcept {
-    if (givenBefore != never && givenBefore-- == 0)
-        return nullptr;
-    void *block = std::malloc(size ? size : 1);
-    blocks += block ? 1 : 0;
-    return block;
-}
-
-void *AllocateOrThrow(std::size_t size) {
-    void *block = Allocate(size);
-    if (!block)
-        throw std::bad_alloc();
-    return block;
-}
-
-void Release(void *block) noexcept {
-    blocks -= block ? 1 : 0;
-    std::free(block);
-}
-
-} // namespace
-
-void *operator new(std::size_t size) {
-    return AllocateOrThrow(size);
-}
-void *operator new[](std::size_t size) {
-    return AllocateOrThrow(size);
-}
-void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
-    return Allocate(size);
-}
-void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
-    return Allocate(size);
-}
-void operator delete(void *block) noexcept {
-    Release(block);
-}
-void operator delete[](void *block) noexcept {
-    Release(block);
-}
-void operator delete(void *block, std::size_t) noexcept {
-    Release(block);
-}
-void operator delete[](void *block, std::size_t) noexcept {
-    Release(block);
-}
-void operator delete(void *block, const std::nothrow_t &) noexcept {
-    Release(block);
-}
-void operator delete[](void *block, const std::nothrow_t &) noexcept {
-    Release(block);
-}
+#include <functional>
 
 namespace zr::test {
 namespace {
@@ -80,17 +20,14 @@ enum class Outcome {
 
 // Runs the call with its allocation number `refused`, from 0, refused.
 template <class Call>
-Outcome Refusing(long refused, Call call) {
-    bool threw = false;
-    givenBefore = refused;
+Outcome Refusing(int refused, Call call) {
+    const NthAllocation refusal(refused);
     try {
         call();
     } catch (const std::bad_alloc &) {
-        threw = true;
+        return Outcome::Threw;
     }
-    const bool used = givenBefore == never;
-    givenBefore = never;
-    return threw ? Outcome::Threw : used ? Outcome::Told : Outcome::Whole;
+    return refusal.Met() ? Outcome::Told : Outcome::Whole;
 }
 
 // S: 12 leaves n0 to n11, three leaves m, a block b { x=1 }; with a rename that has called for the ordered index.
@@ -116,11 +53,11 @@ protected:
     // `check` gets what came out. Gives the number of refusals.
     template <class Change, class Check>
     int EachRefused(Change change, Check check) {
-        for (long refused = 0;; ++refused) {
+        for (int refused = 0;; ++refused) {
             const testing::ScopedTrace trace(__FILE__, __LINE__, "refused: number " + std::to_string(refused));
             m_env.reset();
             m_reports.Take();
-            const long long before = blocks;
+            const MemoryBalance balance;
             Build();
             const Outcome outcome = change(refused);
             if (outcome != Outcome::Whole) {
@@ -128,10 +65,10 @@ protected:
                 EXPECT_TRUE(EnvIsSound(*m_env));
             }
             m_env.reset();
-            EXPECT_EQ(0, blocks - before) << "something leaks";
+            EXPECT_EQ(0, balance.Open()) << "something leaks";
             Build();
             if (outcome == Outcome::Whole || refused > 1000)
-                return static_cast<int>(refused);
+                return refused;
         }
     }
 
@@ -172,7 +109,7 @@ TEST_F(TreeMemory, RenameOfAChild_NamelessOrUntouched) {
     bool set = false;
     int nameless = 0;
     const int refusals = EachRefused(
-        [&](long refused) {
+        [&](int refused) {
             pElem = m_pSection->GetElement("m", 2);
             return Refusing(refused, [&] { set = pElem->SetName("a longer name"); });
         },
@@ -195,7 +132,7 @@ TEST_F(TreeMemory, RenameOfAChild_NamelessOrUntouched) {
 // Insertion and replacement
 
 TEST_F(TreeMemory, LookUpsDoWithoutAnIndex) {
-    for (long refused = 0; refused < 3; ++refused) {
+    for (int refused = 0; refused < 3; ++refused) {
         Build();
         CZrEnvElement *pFound = nullptr;
         EXPECT_EQ(Outcome::Told, Refusing(refused, [&] { pFound = m_pSection->GetElement("m", 3); }));
@@ -215,6 +152,7 @@ TEST_F(TreeMemory, LookUpsDoWithoutAnIndex) {
 TEST_F(TreeMemory, Insert_AbandonedElementStaysTheCallers) {
     CZrEnvDataElement *pNew = NewLeaf("m");
     MakeOrdered();
+    AddLeaf(*m_pSection, "m"); // in the entry that the rename has kept
     const std::string tree = Describe(*m_env);
     EXPECT_EQ(Outcome::Threw, Refusing(0, [&] { m_pSection->InsertElement(pNew); }));
     EXPECT_EQ(nullptr, pNew->GetParent());
@@ -227,7 +165,7 @@ TEST_F(TreeMemory, InsertBefore_AbandonedElementStaysTheCallers) {
     CZrEnvDataElement *pNew = nullptr;
     const std::string tree = Describe(*m_env);
     const int refusals = EachRefused(
-        [&](long refused) {
+        [&](int refused) {
             pNew = NewLeaf("m");
             return Refusing(refused, [&] { m_pSection->InsertElementBefore(pNew, m_pSection->GetElement("m", 2)); });
         },
@@ -247,7 +185,7 @@ TEST_F(TreeMemory, Replace_AbandonedChangesNothing) {
     CZrEnvDataElement *pNew = nullptr;
     const std::string tree = Describe(*m_env);
     const int refusals = EachRefused(
-        [&](long refused) {
+        [&](int refused) {
             pNew = NewLeaf("m");
             CZrEnvElement *pOld = m_pBlock;
             return Refusing(refused, [&] { m_pSection->ReplaceElement(pOld, pNew); });
@@ -261,13 +199,119 @@ TEST_F(TreeMemory, Replace_AbandonedChangesNothing) {
     EXPECT_GT(refusals, 16);
 }
 
+// Changes that happen wholly or, when std::bad_alloc comes out, not at all: also where an element comes from elsewhere, and
+// where the entry of a name stays behind. T, the second section, is { b=1 a{ x=2 } c }, u, the third, { a 0=3 c }, both
+// with an ordered index, in which the element 0 has two entries.
+class WholeOrNot : public TreeMemory {
+protected:
+    using Change = std::function<void(CZrEnv &env)>;
+
+    void BuildMore() {
+        CZrEnvSection *pSecond = m_env->InsertSection("T");
+        AddLeaf(*pSecond, "b", "1");
+        AddLeaf(*AddBlock(*pSecond, "a"), "x", "2");
+        ASSERT_TRUE(pSecond->GetFirstElement()->SetName("b"));
+        CZrEnvSection *pThird = m_env->InsertSection("u");
+        AddLeaf(*pThird, "a");
+        ASSERT_TRUE(AddLeaf(*pThird, "b", "3")->SetName("0"));
+        ASSERT_EQ(3u, pThird->GetElemCount());
+        // The entries that the renames have kept are used up.
+        AddLeaf(*pSecond, "c");
+        AddLeaf(*pThird, "c");
+    }
+
+    static CZrEnvBlock &Below(CZrEnv &env, const char *szSection) { return *env.GetSection(szSection); }
+
+    void Expect(const char *szName, const std::string &expected, const Change &change) {
+        SCOPED_TRACE(szName);
+        EachRefused(
+            [&](int refused) {
+                BuildMore();
+                const std::string before = Describe(*m_env);
+                const Outcome outcome = Refusing(refused, [&] { change(*m_env); });
+                if (outcome == Outcome::Threw) {
+                    EXPECT_EQ(before, Describe(*m_env));
+                    EXPECT_FALSE(Fault());
+                    change(*m_env);
+                }
+                EXPECT_NE(std::string::npos, Describe(*m_env).find(expected)) << Describe(*m_env);
+                EXPECT_FALSE(Fault());
+                m_env->DeleteEnvironmentSections(); // with the entries that have stayed behind
+                return outcome;
+            },
+            [](Outcome) {});
+    }
+
+    bool Fault() {
+        const auto fault = Zr::CZrEnvTreeCheck::OfEnvironment(*m_env, Zr::CZrEnvTreeCheck::Indexes::AsTheyAre);
+        EXPECT_EQ("", fault.what);
+        return static_cast<bool>(fault);
+    }
+};
+
+TEST_F(WholeOrNot, RenamesAcrossASibling) {
+    Expect("among few", "[T]z=1 a{x=2} c", [](CZrEnv &env) { Below(env, "T").GetFirstElement()->SetName("z"); });
+    Expect("with an entry left behind", "[u]a z=3 c",
+           [](CZrEnv &env) { Below(env, "u").GetElement("0", 1)->SetName("z"); });
+    Expect("among many", "[S]0 n1 n2", [](CZrEnv &env) { Below(env, "S").GetFirstElement()->SetName("0"); });
+}
+
+TEST_F(WholeOrNot, MovesFromBlockToBlock) {
+    const auto moved = [](CZrEnv &env) { return Below(env, "T").GetElement("a", 1); };
+    Expect("to many without an index", "b{x=1} a{x=2}[T]b=1 c",
+           [&](CZrEnv &env) { EXPECT_TRUE(Below(env, "S").InsertElement(moved(env))); });
+    Expect("to an ordered index", "[u]a 0=3 c a{x=2}",
+           [&](CZrEnv &env) { EXPECT_TRUE(Below(env, "u").InsertElement(moved(env))); });
+    Expect("in front", "[S]a{x=2} n0", [&](CZrEnv &env) {
+        CZrEnvBlock &to = Below(env, "S");
+        EXPECT_TRUE(to.InsertElementBefore(moved(env), to.GetFirstElement()));
+    });
+    Expect("in front of one with two entries", "[u]a a{x=2} 0=3 c", [&](CZrEnv &env) {
+        CZrEnvBlock &to = Below(env, "u");
+        EXPECT_TRUE(to.InsertElementBefore(moved(env), to.GetElement("0", 1)));
+    });
+    Expect("in place of one with two entries", "[u]a a{x=2} c", [&](CZrEnv &env) {
+        CZrEnvBlock &to = Below(env, "u");
+        EXPECT_TRUE(to.ReplaceElement(to.GetElement("0", 1), moved(env)));
+    });
+    Expect("in place of one among many", "[S]a{x=2} n1", [&](CZrEnv &env) {
+        CZrEnvBlock &to = Below(env, "S");
+        EXPECT_TRUE(to.ReplaceElement(to.GetFirstElement(), moved(env)));
+    });
+}
+
+TEST_F(WholeOrNot, DeletionsAndLists) {
+    Expect("removed among many", "[S]n1 n2",
+           [](CZrEnv &env) { Below(env, "S").RemoveElement(Below(env, "S").GetFirstElement(), true); });
+    Expect("removed with two entries", "[u]a c", [](CZrEnv &env) { EXPECT_EQ(ENV_OK, env.Delete("u", "0")); });
+    Expect("a section", "b{x=1}[u]", [](CZrEnv &env) { EXPECT_EQ(ENV_OK, env.DeleteSection("T")); });
+    Expect("lists", "[S]n0 n1", [](CZrEnv &env) {
+        std::vector<CZrEnvElement *> elems;
+        std::vector<CZrEnvSection *> sections;
+        std::vector<std::string> names;
+        EXPECT_EQ(ENV_OK, env.GetElems("S", nullptr, true, elems));
+        EXPECT_EQ(ENV_OK, env.GetElemNames("S", nullptr, true, names));
+        EXPECT_EQ(ENV_OK, env.GetSections(sections));
+        EXPECT_EQ(ENV_OK, env.GetSectionNames(names));
+        EXPECT_EQ(elems.size() + 3, names.size());
+        EXPECT_EQ(3u, sections.size());
+    });
+    Expect("default chains", "[S]n0 n1", [](CZrEnv &env) {
+        const EnvPtr other(CZrEnv::CreateEnv(2, nullptr));
+        if (!other)
+            throw std::bad_alloc();
+        env.AttachAsLastDefault(other.get());
+        EXPECT_EQ(other.get(), env.DetachDefaultChain());
+    });
+}
+
 // Environments
 
 TEST_F(TreeMemory, CreateEnv_NullWithoutMemory) {
     for (CZrEnv *pDefault : {static_cast<CZrEnv *>(nullptr), m_env.get()}) {
-        long refused = 0;
+        int refused = 0;
         for (;; ++refused) {
-            const long long before = blocks;
+            const MemoryBalance balance;
             CZrEnv *pEnv = m_env.get();
             const Outcome outcome = Refusing(refused, [&] { pEnv = CZrEnv::CreateEnv(1, pDefault); });
             if (outcome == Outcome::Whole) {
@@ -276,7 +320,7 @@ TEST_F(TreeMemory, CreateEnv_NullWithoutMemory) {
             }
             EXPECT_EQ(Outcome::Told, outcome);
             EXPECT_EQ(nullptr, pEnv);
-            EXPECT_EQ(0, blocks - before);
+            EXPECT_EQ(0, balance.Open());
         }
         EXPECT_EQ(pDefault ? 2 : 1, refused);
     }
@@ -286,7 +330,7 @@ TEST_F(TreeMemory, OpenSubenv_NullWithoutMemory) {
     CZrEnv *pSub = nullptr;
     for (const bool byPath : {false, true}) {
         const int refusals = EachRefused(
-            [&](long refused) {
+            [&](int refused) {
                 pSub = m_env.get();
                 const Outcome outcome = Refusing(refused, [&] {
                     pSub = byPath ? m_env->OpenSubenv("S", nullptr, true) : m_env->OpenSubenv(m_pSection);
@@ -336,7 +380,7 @@ TEST_F(TreeMemory, Writes_FailWithAReport) {
             SCOPED_TRACE(std::string(row.szPath) + (ordered ? ", ordered" : ""));
             Zr::EZrEnvError result = ENV_OK;
             const int refusals = EachRefused(
-                [&](long refused) {
+                [&](int refused) {
                     if (ordered)
                         MakeOrdered();
                     m_reports.Take();
@@ -360,7 +404,7 @@ TEST_F(TreeMemory, Writes_FailWithAReport) {
 TEST_F(TreeMemory, SubenvironmentsLeafRoot_StaysWithoutMemory) {
     for (const bool ordered : {false, true}) {
         EachRefused(
-            [&](long refused) {
+            [&](int refused) {
                 if (ordered)
                     MakeOrdered();
                 CZrEnvElement *pRoot = m_pSection->GetFirstElement();
