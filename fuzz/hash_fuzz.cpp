@@ -68,7 +68,7 @@ public:
             else
                 Call(m_pairs[m_input.Byte() % m_pairs.size()]);
             for (const Pair &pair : m_pairs)
-                Require(pair.reference->IsLike(*pair.table), "same slots and cursors");
+                Require(pair.reference->IsLike(*pair.table), "same slots, cursors and children");
         }
         while (!m_pairs.empty())
             CloseLast();
@@ -108,6 +108,7 @@ private:
                 hash_close(pair.table);
         }
         hash_close(m_pairs.back().table);
+        m_pairs.back().reference->Close();
         m_pairs.pop_back();
     }
 

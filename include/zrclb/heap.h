@@ -33,7 +33,8 @@ ZR_API void heap_free(void *block) ZR_NOEXCEPT;
 ZR_API void heap_smart_free(void **place) ZR_NOEXCEPT;
 
 /* One block of a pool: this header and its data behind it, in one allocation. A pool is a chain of them, and its first
-   one is the handle. The data begins at the first multiple of 8 bytes behind the header. For reading only. */
+   one is the handle. The data begins at the first multiple of 8 bytes behind the header. For reading only: heap_allocate
+   trusts these fields. */
 typedef struct heap_pool_block {
     zr_long cachesize;                  /* bytes of data, a multiple of 8 */
     zr_long free;                       /* of these, not yet handed out */
@@ -43,8 +44,9 @@ typedef struct heap_pool_block {
 } heap_pool_block;
 
 /* A new pool, which heap_close ends, of blocks with cachesize bytes each, rounded up to a multiple of 8; the first one is
-   made at once. With clear not 0 the pool hands out zeros, else bytes of any value. Null, with the error "heap_open: out
-   of space" under the tag "Heap", without memory and for more than 2147483640 bytes. */
+   made at once. With clear not 0 the pool hands out zeros, else bytes of any value. A pool of 0 bytes serves requests of 0
+   bytes alone, each from a block of its own. Null, with the error "heap_open: out of space" under the tag "Heap", without
+   memory and for more than 2147483640 bytes. */
 ZR_API heap_pool_block *heap_open(unsigned int cachesize, int clear) ZR_NOEXCEPT;
 
 /* size bytes on a multiple of 8, valid until heap_close. They come from the first block of the chain that has more left
@@ -53,7 +55,8 @@ ZR_API heap_pool_block *heap_open(unsigned int cachesize, int clear) ZR_NOEXCEPT
    have the same address.
    Null, and the pool as it was, with one of these errors under the tag "Heap":
      "heap_allocate: incorrect ID for this heap"                    pool is null
-     "heap_allocate: parameter 'size' greater than cachesize"       of the first block, compared rounded
+     "heap_allocate: parameter 'size' greater than cachesize"       of the first block, compared rounded, or of the last
+                                                                    one, after which a new block is made
      "heap_allocate: out of space"
    A process-wide sum of all sizes asked of pools, the failed ones of the last two kinds included, is there to be seen in
    a debugger; calls of several threads may miss one another in it. */
@@ -63,7 +66,8 @@ ZR_API void *heap_allocate(heap_pool_block *pool, unsigned int size) ZR_NOEXCEPT
    ID for this heap" under the tag "Heap". Further arguments are ignored. */
 ZR_API void heap_deallocate(heap_pool_block *pool, ...) ZR_NOEXCEPT;
 
-/* Frees pool and all blocks behind it in the chain, and with them all that was allocated there. Null does nothing. */
+/* Frees pool and all blocks behind it in the chain, and with them all that was allocated there. Null does nothing, and is
+   not reported. */
 ZR_API void heap_close(heap_pool_block *pool) ZR_NOEXCEPT;
 
 #ifdef __cplusplus

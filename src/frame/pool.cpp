@@ -36,34 +36,37 @@ heap_pool_block *MakeBlock(zr_long cachesize, zr_long clear) {
     return block;
 }
 
-// What `block` has free behind a request of `rounded` bytes; below 0 if that doesn't fit. It follows from next_free, which
-// is read alone: calls behind one another then wait for one value of the block instead of two.
-std::int64_t FreeBehind(heap_pool_block *block, std::int64_t rounded) {
+// Hands out the next `rounded` bytes of a block, the first `size` of them zero if the block says so. What is then free follows
+// from next_free: calls behind one another wait for one value that was just written instead of two.
+void *Serve(heap_pool_block *block, std::int64_t rounded, unsigned size) {
+    auto *data = static_cast<char *>(block->next_free);
     const char *end = reinterpret_cast<char *>(block) + pool_data_offset + block->cachesize;
-    return end - static_cast<char *>(block->next_free) - rounded;
+    block->next_free = data + rounded;
+    block->free = static_cast<zr_long>(end - data - rounded);
+    return block->clear != 0 ? std::memset(data, 0, size) : data;
 }
 
-// Hands out `rounded` bytes of a block that has `left` free behind them, the first `size` of them zero if the block says so.
-void *Serve(heap_pool_block *block, std::int64_t rounded, std::int64_t left, unsigned size) {
-    void *data = block->next_free;
-    block->next_free = static_cast<char *>(data) + rounded;
-    block->free = static_cast<zr_long>(left);
-    return block->clear != 0 ? std::memset(data, 0, size) : data;
+void ReportTooLarge(int line) {
+    zr_error("heap_allocate: parameter 'size' greater than cachesize", nullptr, nullptr, "Heap", line);
 }
 
 // For a request that the first block cannot serve: from the rest of the chain, or from a new block behind it. Apart, so that
 // the common way through an allocation has no registers to save.
 [[gnu::noinline]] void *ServeBehind(heap_pool_block *first, std::int64_t rounded, unsigned size) {
     if (rounded > first->cachesize) {
-        zr_error("heap_allocate: parameter 'size' greater than cachesize", nullptr, nullptr, "Heap", __LINE__);
+        ReportTooLarge(__LINE__);
         return nullptr;
     }
     heap_pool_block *last = first;
     for (heap_pool_block *block = first->next_block; block != nullptr; block = block->next_block) {
-        const std::int64_t left = FreeBehind(block, rounded);
-        if (left > 0)
-            return Serve(block, rounded, left, size);
+        if (block->free > rounded)
+            return Serve(block, rounded, size);
         last = block;
+    }
+    // Of different sizes are only pools that their owner hung together.
+    if (rounded > last->cachesize) {
+        ReportTooLarge(__LINE__);
+        return nullptr;
     }
     heap_pool_block *added = MakeBlock(last->cachesize, last->clear);
     if (added == nullptr) {
@@ -71,7 +74,7 @@ void *Serve(heap_pool_block *block, std::int64_t rounded, std::int64_t left, uns
         return nullptr;
     }
     last->next_block = added;
-    return Serve(added, rounded, FreeBehind(added, rounded), size);
+    return Serve(added, rounded, size);
 }
 
 } // namespace
@@ -97,9 +100,8 @@ void *heap_allocate(heap_pool_block *pool, unsigned int size) noexcept {
     CountBytes(size);
     const std::int64_t rounded = RoundUp(size);
     // What a block has free is never above its cachesize: what fits is not too large.
-    const std::int64_t left = FreeBehind(pool, rounded);
-    if (left > 0)
-        return Serve(pool, rounded, left, size);
+    if (pool->free > rounded)
+        return Serve(pool, rounded, size);
     return ServeBehind(pool, rounded, size);
 }
 

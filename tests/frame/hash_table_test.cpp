@@ -14,6 +14,7 @@
 #include <zrclb/heap.h>
 
 #include "frame/counted_allocation.h"
+#include "frame/hash_probe.h"
 #include "frame/hash_size.h"
 #include "frame/reference_hash.h"
 #include "frame/refused_heap.h"
@@ -23,6 +24,8 @@ namespace {
 
 using zr::frame::HashSize;
 using zr::frame::heap_block_count;
+using zr::test::HeapBalance;
+using zr::test::HeapInterruption;
 using zr::test::HeapRefusal;
 using zr::test::ReferenceHash;
 
@@ -133,6 +136,21 @@ TEST_F(Hash, OpenGivesAnEmptyTable) {
         EXPECT_EQ(table->slots[index].value, 0u);
 }
 
+TEST_F(Hash, OpenAllocatesTheSlotsAndThenTheRecord) {
+    static int at_second;
+    static const HeapBalance *balance;
+    const HeapBalance here;
+    balance = &here;
+    at_second = -1;
+    {
+        const HeapInterruption second(1, [] { at_second = balance->Open(); });
+        Open(1, 11);
+    }
+    EXPECT_EQ(at_second, 0); // what came before was a heap_calloc
+    EXPECT_EQ(here.Open(), 1);
+    EXPECT_EQ(Blocks(), 2);
+}
+
 TEST_F(Hash, SizeIsRaisedToAPrime) {
     const zr_long sizes[][2] = {{0, 3},   {1, 3},   {2, 3},   {3, 3},  {4, 5},      {10, 11},   {11, 11},
                                 {12, 13}, {24, 29}, {25, 29}, {-1, 3}, {lowest, 3}, {121, 127}, {9, 11}};
@@ -147,6 +165,18 @@ TEST_F(Hash, GreatestSizesArePrimesToo) {
     EXPECT_EQ(HashSize(2147483629), 2147483629);
     EXPECT_EQ(HashSize(2147483630), 2147483647);
     EXPECT_EQ(HashSize(2147483647), 2147483647);
+}
+
+TEST_F(Hash, WaysThroughTheGreatestTableDoNotOverflow) {
+    zr::frame::HashTable table = {};
+    table.shown.size = INT32_MAX;
+    EXPECT_EQ(zr::frame::NextSlot(table, INT32_MAX - 1, INT32_MAX - 1), INT32_MAX - 2);
+    EXPECT_EQ(zr::frame::NextSlot(table, INT32_MAX - 1, 1), 0);
+    EXPECT_EQ(zr::frame::NextSlot(table, 0, INT32_MAX - 1), INT32_MAX - 1);
+    table.shown.hash = [](const char *) { return lowest; };
+    EXPECT_EQ(zr::frame::WayOf(table, "x").home, 3); // 2147483648 modulo 2147483646, plus 1
+    table.shown.hash = [](const char *) -> zr_long { return INT32_MAX - 2; };
+    EXPECT_EQ(zr::frame::WayOf(table, "x").home, INT32_MAX - 1);
 }
 
 TEST_F(Hash, SizesAreTheNextPrimesOfTheSieve) {
@@ -177,6 +207,33 @@ TEST_F(Hash, FunctionIsTheOwnThatOfTheParentOrTheDefault) {
     EXPECT_EQ(own->hash, NumberHash);
     EXPECT_EQ(child_of_plain->hash, plain->hash);
     EXPECT_EQ(child->parent, parent);
+}
+
+TEST_F(Hash, FunctionIsCalledOnceForEachTableThatIsReached) {
+    static int calls;
+    const hash_function counting = [](const char *name) {
+        ++calls;
+        return NumberHash(name);
+    };
+    calls = 0;
+    hash_table *parent = Open(1, 11, counting);
+    hash_table *child = Open(2, 11, counting, parent);
+    EXPECT_EQ(calls, 0);
+    const auto calls_of = [](auto call) {
+        calls = 0;
+        call();
+        return calls;
+    };
+    EXPECT_EQ(calls_of([child] { hash_put(child, "3a", 1); }), 1);
+    EXPECT_EQ(calls_of([child] { hash_put(child, "3b", 2); }), 1);
+    EXPECT_EQ(calls_of([child] { Get(child, "3a"); }), 1); // at home, before the parent
+    EXPECT_EQ(calls_of([child] { Get(child, "3b"); }), 2);
+    EXPECT_EQ(calls_of([child] { Get(child, "4"); }), 2);
+    EXPECT_EQ(calls_of([parent] { Get(parent, "4"); }), 1);
+    EXPECT_EQ(calls_of([child] { hash_remove_name(child, "3b"); }), 1);
+    EXPECT_EQ(calls_of([child] { hash_remove_index(child, 4); }), 0);
+    EXPECT_EQ(calls_of([child] { hash_reset(child); }), 0);
+    EXPECT_EQ(calls_of([child] { hash_put(child, nullptr, 1); }), 0);
 }
 
 TEST_F(Hash, DefaultIsTheSumOfSignedBytes) {
@@ -381,6 +438,24 @@ TEST_F(Hash, NearerTableWinsAtTheSameDepthOnly) {
     hash_put(parent, "3taken too", 2);
     EXPECT_EQ(hash_put(parent, "3", 32), 8);
     EXPECT_EQ(Get(child, "3"), (Answer{8, 31, 2}));
+}
+
+TEST_F(Hash, LongerTableIsSearchedToItsEndAfterAShorterOne) {
+    hash_table *parent = Open(1, 101, SevenHash);
+    hash_table *child = Open(2, 3, SevenHash, parent);
+    hash_table *grandchild = Open(3, 11, SevenHash, child);
+    for (hash_table *table : {parent, child, grandchild}) {
+        for (zr_long i = 1; i <= table->size; ++i)
+            hash_put(table, (std::to_string(table->id) + "/" + std::to_string(i)).c_str(), static_cast<zr_value>(i));
+        EXPECT_NE(table->slots[0].name, nullptr);
+    }
+    EXPECT_EQ(Get(grandchild, "1/101"), (Answer{0, 101, 1}));
+    EXPECT_EQ(child->probe_position, 2);      // at home again
+    EXPECT_EQ(grandchild->probe_position, 8); // at home again
+    EXPECT_EQ(Get(grandchild, "2/3"), (Answer{0, 3, 2}));
+    EXPECT_EQ(Get(grandchild, "3/11"), (Answer{0, 11, 3}));
+    EXPECT_EQ(Get(grandchild, "1/102"), not_found);
+    EXPECT_EQ(parent->probe_position, 8);
 }
 
 TEST_F(Hash, NameThatIsNowhereLeavesTheOutputsAlone) {
@@ -644,6 +719,10 @@ TEST_F(Hash, OpenWithoutMemoryGivesNullAndLeavesNothing) {
     }
     EXPECT_EQ(failures, 2);
     EXPECT_EQ(parent->children, 1);
+    HeapRefusal refusal(0);
+    EXPECT_EQ(Open(3, INT32_MAX, nullptr, parent), nullptr);
+    EXPECT_TRUE(refusal.Met());
+    EXPECT_EQ(parent->children, 1);
 }
 
 TEST_F(Hash, PutWithoutMemoryLeavesTheTable) {
@@ -656,6 +735,7 @@ TEST_F(Hash, PutWithoutMemoryLeavesTheTable) {
         EXPECT_EQ(hash_put(table, "3a", 32), 4); // needs none
     }
     EXPECT_EQ(Contents(table), "4:3a");
+    EXPECT_EQ(table->slots[8].value, 0u);
     EXPECT_EQ(Blocks(), 3);
     EXPECT_EQ(Get(table, "3b"), not_found);
     EXPECT_EQ(Get(table, "3a"), (Answer{4, 32, 1}));
@@ -725,7 +805,10 @@ TEST_F(Hash, AnyCallsGoAsTold) {
             const std::string name = std::to_string(static_cast<int>(below(30)) - 15) + (below(2) != 0 ? "x" : "");
             const auto value = static_cast<zr_value>(random());
             const unsigned kind = below(100);
-            if (kind < 40) {
+            if (kind < 4) {
+                HeapRefusal refusal(0);
+                ASSERT_EQ(hash_put(table, name.c_str(), value), reference.PutWithoutMemory(name, value)) << name;
+            } else if (kind < 40) {
                 ASSERT_EQ(hash_put(table, name.c_str(), value), reference.Put(name, value)) << name;
             } else if (kind < 50) {
                 ASSERT_EQ(hash_remove_name(table, name.c_str()), reference.RemoveName(name)) << name;

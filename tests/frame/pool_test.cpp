@@ -29,8 +29,11 @@ namespace {
 
 using zr::frame::heap_block_count;
 using zr::frame::heap_pool_bytes;
+using zr::test::HeapBalance;
 using zr::test::HeapRefusal;
 using zr::test::ReferencePool;
+
+const zr_long bytes_at_start = heap_pool_bytes; // before any pool
 
 constexpr unsigned largest = 2147483640; // the greatest multiple of 8 in 31 bits
 constexpr const char *too_large = "heap_allocate: parameter 'size' greater than cachesize";
@@ -111,6 +114,21 @@ TEST_F(Pool, OpenMakesOneBlockOfTheRoundedSize) {
         EXPECT_EQ(reinterpret_cast<std::uintptr_t>(pool->next_free) % 8, 0u);
     }
     EXPECT_EQ(Bytes(), 0);
+}
+
+TEST_F(Pool, EachBlockIsOneAllocation) {
+    const HeapBalance balance;
+    heap_pool_block *pool = Open(100);
+    EXPECT_EQ(balance.Open(), 1);
+    heap_allocate(pool, 40);
+    heap_allocate(pool, 40);
+    EXPECT_EQ(balance.Open(), 1);
+    heap_allocate(pool, 40);
+    EXPECT_EQ(balance.Open(), 2);
+    EXPECT_EQ(Blocks(), 2);
+    Close(pool);
+    EXPECT_EQ(balance.Open(), 0);
+    EXPECT_EQ(Blocks(), 0);
 }
 
 TEST_F(Pool, BlockIsNotFilledToItsLastByte) {
@@ -202,6 +220,34 @@ TEST_F(Pool, NewBlockTakesAfterTheLastOne) {
     EXPECT_EQ(second->next_block->clear, 1);
     for (int i = 0; i < 60; ++i)
         EXPECT_EQ(data[i], 0);
+
+    second->next_block->cachesize = 128;
+    EXPECT_EQ(heap_allocate(pool, 65), nullptr); // the first block decides
+    EXPECT_EQ(TakeError(), too_large);
+    void *fourth = heap_allocate(pool, 56);
+    heap_pool_block *last = second->next_block->next_block;
+    ASSERT_NE(last, nullptr);
+    EXPECT_EQ(fourth, ReferencePool::DataOf(last));
+    EXPECT_EQ(last->cachesize, 128);
+    EXPECT_EQ(last->free, 72);
+    EXPECT_EQ(heap_allocate(pool, 64), ReferencePool::DataOf(last) + 56);
+    EXPECT_EQ(Blocks(), 4);
+}
+
+// Two pools that were made one.
+TEST_F(Pool, NewBlockThatWouldBeTooSmallIsRefused) {
+    heap_pool_block *pool = Open(64);
+    pool->next_block = heap_open(16, 0);
+    EXPECT_EQ(heap_allocate(pool, 64), nullptr);
+    EXPECT_EQ(TakeError(), too_large);
+    EXPECT_EQ(Blocks(), 2);
+    EXPECT_EQ(pool->free, 64);
+    EXPECT_EQ(pool->next_block->free, 16);
+    EXPECT_EQ(pool->next_block->next_block, nullptr);
+    EXPECT_EQ(heap_allocate(pool, 56), ReferencePool::DataOf(pool));
+    void *third = heap_allocate(pool, 16);
+    ASSERT_NE(pool->next_block->next_block, nullptr);
+    EXPECT_EQ(third, ReferencePool::DataOf(pool->next_block->next_block));
 }
 
 TEST_F(Pool, MoreThanTheCachesizeIsRefused) {
@@ -261,10 +307,26 @@ TEST_F(Pool, LargestPoolIsThereIfMemoryIs) {
     EXPECT_EQ(TakeError(), too_large);
 }
 
+TEST_F(Pool, LargestNewBlockIsThereIfMemoryIs) {
+    heap_pool_block *pool = Open(64);
+    pool->cachesize = static_cast<zr_long>(largest); // as if it were one
+    for (unsigned size : {largest, largest - 7}) {
+        HeapRefusal refusal(0);
+        EXPECT_EQ(heap_allocate(pool, size), nullptr);
+        EXPECT_TRUE(refusal.Met()) << size;
+        EXPECT_EQ(TakeError(), "heap_allocate: out of space");
+    }
+    EXPECT_EQ(heap_allocate(pool, largest + 1), nullptr);
+    EXPECT_EQ(TakeError(), too_large);
+    EXPECT_EQ(pool->next_block, nullptr);
+}
+
 TEST_F(Pool, ZeroBytesAreAnAllocation) {
     heap_pool_block *pool = Open(16, 1);
+    std::memset(pool->next_free, 0xAA, 16);
     void *first = heap_allocate(pool, 0);
     EXPECT_EQ(Offset(pool, first), 0);
+    EXPECT_EQ(*static_cast<unsigned char *>(first), 0xAA);
     EXPECT_EQ(heap_allocate(pool, 0), first);
     EXPECT_EQ(pool->free, 16);
     heap_allocate(pool, 16);
@@ -336,6 +398,10 @@ TEST_F(Pool, LaterBlockAsHandleIsTheRestOfTheChain) {
     EXPECT_EQ(Blocks(), 1);
 }
 
+TEST_F(Pool, SumOfSizesStartsAtZero) {
+    EXPECT_EQ(bytes_at_start, 0);
+}
+
 TEST_F(Pool, SizesAreSummedAsTheyWereAsked) {
     heap_pool_block *pool = Open(100);
     heap_allocate(pool, 1);
@@ -365,12 +431,16 @@ TEST_F(Pool, OpenWithoutMemoryReports) {
     EXPECT_TRUE(refusal.Met());
     EXPECT_EQ(TakeError(), "heap_open: out of space");
     EXPECT_EQ(Blocks(), 0);
+    EXPECT_EQ(Bytes(), 0);
 }
 
 TEST_F(Pool, AllocateWithoutMemoryLeavesThePool) {
     heap_pool_block *pool = Open(100);
+    auto *data = static_cast<char *>(heap_allocate(pool, 90));
+    std::memset(data, 'x', 90);
     heap_allocate(pool, 90);
-    heap_allocate(pool, 90);
+    const heap_pool_block first = *pool;
+    const heap_pool_block second = *pool->next_block;
     {
         HeapRefusal refusal(0, true);
         EXPECT_EQ(heap_allocate(pool, 90), nullptr);
@@ -378,8 +448,9 @@ TEST_F(Pool, AllocateWithoutMemoryLeavesThePool) {
         EXPECT_EQ(TakeError(), "heap_allocate: out of space");
     }
     EXPECT_EQ(Blocks(), 2);
-    EXPECT_EQ(pool->next_block->next_block, nullptr);
-    EXPECT_EQ(pool->next_block->free, 8);
+    EXPECT_EQ(std::memcmp(pool, &first, sizeof first), 0);
+    EXPECT_EQ(std::memcmp(pool->next_block, &second, sizeof second), 0);
+    EXPECT_EQ(std::string(data, 90), std::string(90, 'x'));
     EXPECT_NE(heap_allocate(pool, 90), nullptr);
     EXPECT_EQ(Blocks(), 3);
 }

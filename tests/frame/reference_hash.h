@@ -26,6 +26,14 @@ public:
         while (!IsPrime(prime))
             ++prime;
         m_slots.resize(static_cast<std::size_t>(prime));
+        if (m_parent != nullptr)
+            ++m_parent->m_children;
+    }
+
+    // Of one without children, before its end.
+    void Close() {
+        if (m_parent != nullptr)
+            --m_parent->m_children;
     }
 
     zr_long Put(const std::string &name, zr_value value) {
@@ -34,6 +42,12 @@ public:
             return -1;
         At(index) = {name, value};
         return static_cast<zr_long>(index);
+    }
+
+    // A name that is there needs no copy.
+    zr_long PutWithoutMemory(const std::string &name, zr_value value) {
+        const std::int64_t index = FindSlot(name);
+        return index >= 0 && At(index).name ? Put(name, value) : -1;
     }
 
     zr_long Get(const std::string &name, zr_value *value, zr_long *owner) {
@@ -70,9 +84,10 @@ public:
     std::int64_t Size() const { return static_cast<std::int64_t>(m_slots.size()); }
     const std::vector<Slot> &Slots() const { return m_slots; }
 
-    // Whether `table` has the same slots and cursor.
+    // Whether `table` has the same slots, cursor and number of children.
     bool IsLike(const hash_table &table) const {
-        if (table.size != Size() || table.probe_position != m_position || table.probe_step != m_step)
+        if (table.size != Size() || table.probe_position != m_position || table.probe_step != m_step ||
+            table.id != m_id || table.children != m_children)
             return false;
         for (std::size_t i = 0; i < m_slots.size(); ++i) {
             const hash_slot &slot = table.slots[i];
@@ -146,6 +161,7 @@ private:
     hash_function m_hash;
     ReferenceHash *m_parent;
     std::vector<Slot> m_slots;
+    zr_long m_children = 0;
     std::int64_t m_position = -1;
     std::int64_t m_step = -1;
 };
