@@ -451,6 +451,12 @@ TEST_F(Serial, CheckFindsTheKind) {
     EXPECT_EQ(WinCommPortCheck("COM1"), 2);
 }
 
+TEST_F(Serial, ThisSystem_HasTheDefaultAndThe32BitPath) {
+    services = zr::platform::Services();
+    EXPECT_EQ(WinCommPortCheck("COM2:"), 2);
+    EXPECT_EQ(Entry("no port of this system"), "9600,n,8,1,p");
+}
+
 TEST_F(Serial, ParameterFileHasThreeLines) {
     const CurrentFolder inside(m_folder.Folder());
     SetEntry("19200,e,7,2,x");
