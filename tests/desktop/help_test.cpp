@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "desktop/help_state.h"
+#include "env/refused_memory.h"
 #include "platform/help_viewer.h"
 #include "settings/installation_fixture.h"
 
@@ -97,6 +98,8 @@ TEST_F(Help, StoredType_IsWebForOneAndLocalForOthers) {
                  {"UseWebHelp=2\n", ZR_HELP_LOCAL},
                  {"UseWebHelp=\n", ZR_HELP_LOCAL},
                  {"UseWebHelp=yes\n", ZR_HELP_LOCAL},
+                 {"UseWebHelp=99999999999\n", ZR_HELP_LOCAL},
+                 {"UseWebHelp= 1 \n", ZR_HELP_WEB},
                  {"[Other]\nUseWebHelp=0\n", ZR_HELP_WEB}};
     for (const auto &row : cases) {
         zr::desktop::help_state = {};
@@ -181,6 +184,9 @@ TEST_F(Help, Url_OnlyTheFirstOfEachPlaceIsFilled) {
     Settings("HelpURL=$$VERSION$$VERSION$$APP$$APP$$ID$$ID\n");
     EXPECT_EQ(Url("Ab", 5), "1<2013$$VERSIONab$$APP5$$ID>");
     zr::desktop::help_state = {};
+    Settings("HelpURL=$$ID/$$AP$$APP/$VERSION$$VERSIO$$VERSION/$$\n"); // in any order, and pieces that are none
+    EXPECT_EQ(Url("Ab", 5), "1<5/$$APab/$VERSION$$VERSIO2013/$$>");
+    zr::desktop::help_state = {};
     Settings("HelpURL=http://all/$$app\n");
     EXPECT_EQ(Url("Ab", 5), "1<http://all/$$app>");
     EXPECT_EQ(Reports(), Texts{});
@@ -189,7 +195,7 @@ TEST_F(Help, Url_OnlyTheFirstOfEachPlaceIsFilled) {
 // The application's own text is lowered before the id is put in.
 TEST_F(Help, Url_PlacesInTheApplicationAreNone) {
     Settings("HelpURL=u/$$APP/$$ID\n");
-    EXPECT_EQ(Url("$$ID$$APP", 5), "1<u/$$id$$app/5>");
+    EXPECT_EQ(Url("$$ID$$APP$$VERSION", 5), "1<u/$$id$$app$$version/5>");
 }
 
 TEST_F(Help, Url_IsCutAtTheBuffersSize) {
@@ -367,6 +373,47 @@ TEST_F(Help, NullApplication_IsReported) {
     }
     EXPECT_EQ(Opened(), "");
     EXPECT_EQ(s_tests, 0);
+}
+
+// ---- Without memory ----
+
+// What is opened is counted only: to note it would take memory.
+int opened = 0;
+
+// Lets each allocation of a call fail in turn. Either it opens something and says so, or neither; and what is kept is sound
+// afterwards.
+void RefuseEach(bool (*open)()) {
+    int others = 0;
+    for (bool met = true; met; ++others) {
+        zr::desktop::help_state = {};
+        zr::settings::ForgetInstallation();
+        opened = 0;
+        {
+            const zr::test::NthAllocation refusal(others);
+            const bool is_open = open();
+            met = refusal.Met();
+            EXPECT_EQ(opened, is_open ? 1 : 0) << others;
+            EXPECT_TRUE(is_open || met) << others;
+        }
+        zr::settings::ForgetInstallation();
+        EXPECT_TRUE(open()) << others;
+    }
+    EXPECT_GE(others, 2); // there was one to refuse
+}
+
+TEST_F(Help, WithoutMemory_OpensOrIsFalse) {
+    Settings(std::string("UseWebHelp=1\n") + web);
+    auto &services = zr::platform::services;
+    services.known_folder = [](int, char *, std::size_t) { return false; };
+    services.known_folder_below = [](int, const char *, char *, std::size_t) { return false; };
+    services.open_url = [](const char *url) {
+        opened += std::strcmp(url, "http://help.test/2013/beam/12") == 0 ? 1 : 100;
+    };
+    services.show_help_file = [](const char *, HelpCommand, zr_ulong) { return ++opened == 1; };
+    const auto on_the_web = [] { return zrHelp("Beam", 12, ZR_HELP_DEFAULT); };
+    const auto from_the_file = [] { return zrHelp("Beam", 12, ZR_HELP_LOCAL); };
+    RefuseEach(on_the_web);
+    RefuseEach(from_the_file);
 }
 
 TEST_F(Help, LocalOfNoName_IsFalse) {

@@ -2,6 +2,7 @@
 #include "platform/help_viewer.h"
 
 #include <cstdio>
+#include <cstring>
 
 #include <net/route.h>
 
@@ -37,26 +38,46 @@ bool StartViewer(const Viewer &viewer, const char *file, const char *topic) {
     return StartInstalled(topic != nullptr && viewer.topic_option != nullptr ? with_topic : alone);
 }
 
-} // namespace
-
-bool posix::HasDefaultRoute(const char *file) {
+// Whether a line of the file passes the test; false without the file.
+bool AnyLine(const char *file, bool (*passes)(const char *line)) {
     std::FILE *table = std::fopen(file, "re");
     if (table == nullptr)
         return false;
     char line[256];
     bool found = false;
-    while (!found && std::fgets(line, sizeof line, table) != nullptr) {
-        unsigned destination = 0, flags = 0, mask = 0;
-        // Interface, destination, gateway, flags, three counts, mask.
-        found = std::sscanf(line, "%*s %8x %*8x %4x %*d %*d %*d %8x", &destination, &flags, &mask) == 3 &&
-                destination == 0 && mask == 0 && (flags & RTF_UP) != 0 && (flags & RTF_REJECT) == 0;
-    }
+    while (!found && std::fgets(line, sizeof line, table) != nullptr)
+        found = passes(line);
     std::fclose(table);
     return found;
 }
 
+bool CanBeUsed(unsigned flags) {
+    return (flags & RTF_UP) != 0 && (flags & RTF_REJECT) == 0;
+}
+
+} // namespace
+
+bool posix::HasDefaultRoute(const char *file) {
+    return AnyLine(file, [](const char *line) {
+        unsigned destination = 0, flags = 0, mask = 0;
+        // Interface, destination, gateway, flags, three counts, mask.
+        return std::sscanf(line, "%*s %8x %*8x %4x %*d %*d %*d %8x", &destination, &flags, &mask) == 3 &&
+               destination == 0 && mask == 0 && CanBeUsed(flags);
+    });
+}
+
+bool posix::HasDefaultRouteIpv6(const char *file) {
+    return AnyLine(file, [](const char *line) {
+        char destination[33];
+        unsigned length = 0, flags = 0;
+        // Destination and its length, source and its length, next hop, metric, two counts, flags.
+        return std::sscanf(line, "%32s %2x %*32s %*2x %*32s %*8x %*8x %*8x %8x", destination, &length, &flags) == 3 &&
+               std::strspn(destination, "0") == 32 && length == 0 && CanBeUsed(flags);
+    });
+}
+
 bool backend::IsOnline() {
-    return posix::HasDefaultRoute("/proc/net/route");
+    return posix::HasDefaultRoute("/proc/net/route") || posix::HasDefaultRouteIpv6("/proc/net/ipv6_route");
 }
 
 void backend::OpenUrl(const char *url) {

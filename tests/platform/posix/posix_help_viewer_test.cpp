@@ -107,7 +107,38 @@ TEST_F(PosixHelpViewer, DefaultRoute_IsOneToEverywhereThatIsUp) {
     }
     EXPECT_FALSE(posix::HasDefaultRoute(m_folder.Path("none").c_str()));
     EXPECT_FALSE(posix::HasDefaultRoute(m_folder.Path("bin").c_str()));
-    EXPECT_EQ(IsOnline(), posix::HasDefaultRoute("/proc/net/route"));
+}
+
+TEST_F(PosixHelpViewer, DefaultRouteIpv6_IsOneToEverywhereThatIsUp) {
+    const std::string zero(32, '0');
+    const std::string hop = "20010db8000000000000000000000001";
+    const std::string end = " 00000400 00000001 00000000 ";
+    const struct {
+        std::string rows;
+        bool online;
+    } cases[] = {{"", false},
+                 {zero + " 00 " + zero + " 00 " + hop + end + "00450003     eth0\n", true},
+                 {zero + " 00 " + zero + " 00 " + zero + end + "00000001     ppp0\n", true},
+                 {zero + " 00 " + zero + " 00 " + hop + end + "00450002     eth0\n", false}, // down
+                 {zero + " 00 " + zero + " 00 " + zero + " ffffffff 00000001 00000000 00200200       lo\n", false},
+                 {zero + " 00 " + zero + " 00 " + zero + end + "00000201     eth0\n", false}, // refuses
+                 {zero + " 03 " + zero + " 00 " + hop + end + "00450003     eth0\n", false},  // an eighth of everywhere
+                 {hop + " 00 " + zero + " 00 " + zero + end + "00000001     eth0\n", false},
+                 {hop + " 40 " + zero + " 00 " + zero + end + "00000001     eth0\n" + zero + " 00 " + zero + " 00 " +
+                      hop + end + "00000003     eth0\n",
+                  true},
+                 {zero + " 00 " + zero + "\n", false},
+                 {std::string(1000, '0') + "\n", false}};
+    for (const auto &row : cases) {
+        m_folder.Write("route", row.rows);
+        EXPECT_EQ(posix::HasDefaultRouteIpv6(m_folder.Path("route").c_str()), row.online) << row.rows;
+    }
+    EXPECT_FALSE(posix::HasDefaultRouteIpv6(m_folder.Path("none").c_str()));
+}
+
+TEST_F(PosixHelpViewer, Online_IsWhatTheKernelsTablesSay) {
+    EXPECT_EQ(IsOnline(),
+              posix::HasDefaultRoute("/proc/net/route") || posix::HasDefaultRouteIpv6("/proc/net/ipv6_route"));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // The help control: where its library comes from, what its function gets, which failures are kept; the connection test.
 #include "platform/win32/help_control.h"
 
+#include <filesystem>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -9,6 +10,8 @@
 #include <windows.h>
 
 #include <gtest/gtest.h>
+
+#include "platform/temp_folder.h"
 
 namespace {
 
@@ -34,15 +37,17 @@ public:
     OwnClasses(const OwnClasses &) = delete;
     OwnClasses &operator=(const OwnClasses &) = delete;
 
-    void SetControl(DWORD type, const std::string &path) const {
+    // Writes a value; null is the key's default one.
+    void Set(const std::string &path, const char *name, DWORD type, const std::string &text) const {
         HKEY key = nullptr;
-        RegCreateKeyExA(m_key, control_key, 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-        const LSTATUS status = RegSetValueExA(key, nullptr, 0, type, reinterpret_cast<const BYTE *>(path.c_str()),
-                                              static_cast<DWORD>(path.size() + 1));
+        RegCreateKeyExA(m_key, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &key, nullptr);
+        const LSTATUS status = RegSetValueExA(key, name, 0, type, reinterpret_cast<const BYTE *>(text.c_str()),
+                                              static_cast<DWORD>(text.size() + 1));
         RegCloseKey(key);
         if (status != ERROR_SUCCESS)
-            throw std::runtime_error("can't write the control");
+            throw std::runtime_error("can't write to " + path);
     }
+    void SetControl(DWORD type, const std::string &path) const { Set(control_key, nullptr, type, path); }
 
 private:
     std::string m_root;
@@ -147,6 +152,43 @@ TEST_F(WindowsHelpViewer, ControlThatShowsNothing_IsTold) {
     win32::HelpControl control;
     EXPECT_FALSE(control.Show("a.chm", HelpCommand::start, 0));
     EXPECT_EQ(s_calls, Texts{"a.chm 0 0"});
+}
+
+// As the library calls it: one control for the process. No other test here may get to it.
+TEST_F(WindowsHelpViewer, Process_HasOneControl) {
+    s_loadable = "hhctrl.ocx";
+    EXPECT_TRUE(ShowHelpFile("a.chm", HelpCommand::topic, 12));
+    s_window = nullptr;
+    EXPECT_FALSE(ShowHelpFile("b.chm", HelpCommand::start, 0));
+    EXPECT_EQ(s_calls, (Texts{"a.chm 15 12", "b.chm 0 0"}));
+    EXPECT_EQ(s_asked, (Texts{"hhctrl.ocx", "entry 14"}));
+}
+
+// A program of the test's own is registered for a scheme of its own.
+TEST_F(WindowsHelpViewer, Url_GoesToTheProgramOfItsScheme) {
+    services = Services();
+    const TempFolder folder;
+    const std::string answer = folder.Path("answer");
+    m_classes.Set("zrtest", nullptr, REG_SZ, "URL:test");
+    m_classes.Set("zrtest", "URL Protocol", REG_SZ, "");
+    m_classes.Set("zrtest\\shell\\open\\command", nullptr, REG_SZ, "\"" ZR_STAND_IN "\" \"%1\"");
+    m_classes.Set("zrtest\\shell\\edit\\command", nullptr, REG_SZ, "\"" ZR_STAND_IN "\" edit");
+    SetEnvironmentVariableA("ZR_TEST_ANSWER", answer.c_str());
+    OpenUrl("zrtest://help/2013/beam/12");
+    SetEnvironmentVariableA("ZR_TEST_ANSWER", nullptr);
+    // Its window is shown as usual. The program may still be writing.
+    const std::string expected = std::to_string(SW_SHOWNORMAL) + "|\"zrtest://help/2013/beam/12\"";
+    const auto written = [&] { return std::filesystem::exists(answer) && folder.Read("answer") == expected; };
+    for (int i = 0; i < 3000 && !written(); ++i)
+        Sleep(10);
+    EXPECT_TRUE(written()) << (std::filesystem::exists(answer) ? folder.Read("answer") : "nothing");
+}
+
+TEST_F(WindowsHelpViewer, UrlWithoutAProgram_IsNoFault) {
+    services = Services();
+    OpenUrl("zrnone://help/");
+    OpenUrl("");
+    EXPECT_EQ(s_asked, Texts{});
 }
 
 // The desktop's own control has the entry under its number.
