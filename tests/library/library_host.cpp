@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iostream>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 
 #include <zrclb/ini.h>
@@ -14,6 +15,7 @@
 #include <zrclb/report.h>
 #include <zrclb/str.h>
 #include <zrclb/system.h>
+#include <zrclb/timer.h>
 
 #include "loaded_library.h"
 #include "process_measures.h"
@@ -50,6 +52,29 @@ void Answer(const std::string &path, std::ostream &out) {
     ZR_FUNCTION(library, zr_error)("reported by the host", nullptr, nullptr, "Host", 7);
 }
 
+zr_window window = nullptr;
+
+// Sets timers that are still there when the library goes, one that runs in a window, one whose window has ended, and one without.
+void LeaveTimers(const LoadedLibrary &library) {
+    const auto set = ZR_FUNCTION(library, zrTimerSet);
+    const zr_window_function current = [] { return window; };
+    const zr_timer_function never = [](void *) { std::abort(); };
+    const auto open = [&] {
+        window = ZR_FUNCTION(library, zrWindowCreate)([](zr_window, unsigned, zr_value, void *) {}, nullptr);
+        return window != nullptr;
+    };
+    const auto close = [&] { return ZR_FUNCTION(library, zrWindowDestroy)(window) == 1; };
+    if (!open() || set(current, 3600000, never, nullptr) != 0 || !close() || !open() ||
+        set(current, 3600000, never, nullptr) != 1 || ZR_FUNCTION(library, zrPumpNextDue)() <= 0)
+        throw std::runtime_error("no timers");
+    ZR_FUNCTION(library, zrPumpDescriptor)();
+    ZR_FUNCTION(library, Yield_and_PeekMessage)();
+    if (!close()) // all windows have to end before the library
+        throw std::runtime_error("no window");
+    window = nullptr;
+    set(current, 3600000, never, nullptr);
+}
+
 // Lives of the library in this process; it is used in every tenth.
 void LoadAndUnload(const std::string &path, int times) {
     for (int i = 0; i < times; ++i) {
@@ -60,6 +85,7 @@ void LoadAndUnload(const std::string &path, int times) {
         ZR_FUNCTION(library, zr_error)("reported by the host", nullptr, nullptr, "Host", 7);
         ZR_FUNCTION(library, zr_GetBinDir)();
         ZR_FUNCTION(library, dos_to_win)(text, 0);
+        LeaveTimers(library);
     }
 }
 
