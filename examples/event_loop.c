@@ -51,6 +51,7 @@ int main(void) {
     }
     printf("quick ticks: %s\n", quick_ticks > 2 ? "several" : "too few");
     printf("waits: %s\n", waits <= 50 ? "few" : "many"); /* it slept in between */
-    zrWindowDestroy(window);
+    printf("window: %s\n",
+           zrWindowDestroy(window) == 1 ? "ended" : "still there"); /* with it the timers that run in it */
     return 0;
 }

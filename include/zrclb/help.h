@@ -5,7 +5,8 @@
  *      HelpURL      where help lies on the web, at most 511 characters, with the places "$$VERSION", "$$APP", "$$ID"
  *      Help         the folder of the local files, a path as zr_suche_pfad reads it
  *    UseWebHelp and HelpURL are kept for the process once they were read; a later change of the file isn't seen.
- * 2. Texts are zero-terminated bytes in code page 1252.
+ * 2. Texts are zero-terminated bytes in code page 1252. They stay the caller's, and nothing of them is kept. What can't be read for
+ *    want of memory counts as missing.
  * 3. Messages and errors carry the tag "zrHelp". Those of the search for the settings file may come in front of them.
  * 4. Threads: for the thread of the user interface; what is kept is not guarded. */
 #ifndef ZRCLB_HELP_H

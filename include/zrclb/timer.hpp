@@ -5,11 +5,16 @@
 #include <zrclb/timer.h>
 
 // Calls a function every so many milliseconds as long as a window receives its message; see timer.h. An object stays where
-// it is: its address is the identifier of its message. Objects belong to the thread that owns their windows.
+// it is: its address is the identifier of its message. Nothing is reported. Functions and values stay the caller's and have to
+// last as long as the object.
+//
+// Threads: an object belongs to the thread that owns its windows, and several threads may have objects. The global window function
+// belongs to the thread of timer.h; where other threads have objects without a function of their own, it has to be one for all.
 struct ZR_API zrTimer {
     // Store the arguments, ask for the window, and start in it; without a window the timer is idle. The first one asks the
     // global window function, the second has a fixed window (which a global window function replaces), the third asks
-    // its own. Without memory a timer is idle for ever, and does nothing.
+    // its own. The period is that of zrTimerSet. Without memory for the library's note of it, a timer is idle for ever, and
+    // zrTimerExecute takes it for none.
     zrTimer(zr_long timeout, void (*function)(void *), void *user_data) noexcept;
     zrTimer(zr_window hwnd, zr_long timeout, void (*function)(void *), void *user_data) noexcept;
     zrTimer(zr_window (*hwnd_function)(), zr_long timeout, void (*function)(void *), void *user_data) noexcept;
@@ -22,10 +27,11 @@ struct ZR_API zrTimer {
     // Ends the running timer if window and identifier are there.
     ~zrTimer();
 
-    // Starts the timer in `hwnd`, which is not kept; null only clears the identifier.
+    // Starts the timer in `hwnd`, which is not kept; one that runs there starts anew. Null only clears the identifier, which is 0, too,
+    // if the desktop refuses.
     void InitTimer(zr_window hwnd) noexcept;
 
-    // Calls the function, if there is one, and counts that.
+    // Calls the function, if there is one, and counts that behind the call. The function may end the object.
     void ExecuteFunction() noexcept;
 
     // Asks for the current window: its own window function, else the global one; without either the window stays. From one
@@ -33,10 +39,10 @@ struct ZR_API zrTimer {
     // while the running timer goes on.
     void UpdateHwndFunction() noexcept;
 
-    // The window; asked for anew if the timer has a function.
+    // The window, which may be null; asked for anew if the timer has a function (not: a window function).
     zr_window GetHwnd() noexcept;
 
-    // Counts only while the timer has neither a window nor a window function.
+    // Counts only while the timer has neither a window nor a window function. Asks nothing yet, and starts nothing.
     void SetHwndFunction(zr_window (*hwnd_function)()) noexcept;
 
     // A new period, in milliseconds: asks for the window, ends the running timer and starts in the window.
