@@ -105,7 +105,7 @@ EZrEnvError CZrEnvReader::ReadStream(CZrEnv &env, const char *szPath) {
         return ENV_ERROR;
     }
 
-    const long lStart = std::ftell(pStream.get());
+    // The line is handed on, not read again: a pipe cannot go back.
     char szLine[255] = "";
     std::size_t uLength = 0;
     while (uLength + 1 < sizeof szLine && (uLength == 0 || szLine[uLength - 1] != '\n')) {
@@ -114,15 +114,17 @@ EZrEnvError CZrEnvReader::ReadStream(CZrEnv &env, const char *szPath) {
             break;
         szLine[uLength++] = static_cast<char>(iChar);
     }
+    std::string_view head(szLine, uLength);
     CZrEnvReaderSource::Place first;
-    if (!DetectReadMode(szLine))
-        std::fseek(pStream.get(), lStart, SEEK_SET);
-    else if (uLength != 0 && szLine[uLength - 1] == '\n')
-        first.uLine = 2;
-    else
-        first.uColumn += uLength;
+    if (DetectReadMode(szLine)) {
+        if (head.ends_with('\n'))
+            first.uLine = 2;
+        else
+            first.uColumn += uLength;
+        head = {};
+    }
 
-    m_Source.OpenStream(pStream.get(), first);
+    m_Source.OpenStream(head, pStream.get(), first);
     Parse(env);
     pStream.reset();
     if (m_eError != ENV_OK)

@@ -51,7 +51,7 @@ void CZrEnvReaderSource::OpenText(const char *pText, std::size_t uLength, Place 
     m_BlockPlace = first;
 }
 
-void CZrEnvReaderSource::OpenStream(std::FILE *pStream, Place first) {
+void CZrEnvReaderSource::OpenStream(std::string_view head, std::FILE *pStream, Place first) {
     m_uCapacity = BlockSize;
     m_pOwned.reset(new (std::nothrow) char[m_uCapacity]);
     while (!m_pOwned) {
@@ -60,23 +60,34 @@ void CZrEnvReaderSource::OpenStream(std::FILE *pStream, Place first) {
         m_uCapacity = m_uCapacity / 2 + 1;
         m_pOwned.reset(new (std::nothrow) char[m_uCapacity]);
     }
-    m_pStream = pStream;
+    m_Head = head;
+    m_pStream = std::feof(pStream) || std::ferror(pStream) ? nullptr : pStream;
     m_pBlock = m_pNext = m_pFilled = m_pOwned.get();
     m_BlockPlace = first;
 }
 
 int CZrEnvReaderSource::Refill() {
     m_bEnded = true;
-    if (!m_pStream)
+    if (m_Head.empty() && !m_pStream)
         return End;
     m_BlockPlace = PlaceBehind(m_BlockPlace, m_pBlock, m_pFilled);
     m_pBlock = m_pNext = m_pFilled = m_pOwned.get();
-    const std::size_t uCame = std::fread(m_pOwned.get(), 1, m_uCapacity, m_pStream);
-    if (uCame == 0)
+    m_pFilled += m_Head.copy(m_pOwned.get(), m_uCapacity);
+    m_Head.remove_prefix(static_cast<std::size_t>(m_pFilled - m_pBlock));
+    Fetch();
+    if (m_pFilled == m_pBlock)
         return End;
     m_bEnded = false;
-    m_pFilled += uCame;
     return static_cast<unsigned char>(*m_pNext++);
+}
+
+// Fills the rest of the block. After a failure the stream is not asked again: it might go on behind a gap.
+void CZrEnvReaderSource::Fetch() {
+    const std::size_t uRoom = m_uCapacity - static_cast<std::size_t>(m_pFilled - m_pBlock);
+    const std::size_t uCame = m_pStream ? std::fread(m_pOwned.get() + m_uCapacity - uRoom, 1, uRoom, m_pStream) : 0;
+    m_pFilled += uCame;
+    if (uCame < uRoom)
+        m_pStream = nullptr;
 }
 
 CZrEnvReaderSource::Place CZrEnvReaderSource::LastPlace() const {

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <memory>
+#include <string_view>
 
 namespace Zr {
 
@@ -22,13 +23,14 @@ public:
     // Takes the bytes of [pText, pText + uLength), which stay the caller's. first is the place of the first of them.
     void OpenText(const char *pText, std::size_t uLength, Place first);
 
-    // Takes what pStream delivers from its present position on; the stream stays the caller's. With little memory the
-    // block is smaller; std::bad_alloc when not even a few bytes are left.
-    void OpenStream(std::FILE *pStream, Place first);
+    // Takes the bytes of head, then what pStream delivers from its present position on, up to its end or the first call
+    // that fails. Both stay the caller's, for as long as bytes are taken. With little memory the block is smaller;
+    // std::bad_alloc when not even a few bytes are left.
+    void OpenStream(std::string_view head, std::FILE *pStream, Place first);
 
     // The next byte, 0 to 255, or End. A carriage return is dropped and the byte behind it taken in its place, whatever
     // it is. The first byte of a block that was just filled is taken without this test, and so is, at the end of a block,
-    // the byte behind a carriage return. After End the stream is asked again.
+    // the byte behind a carriage return. After End there is nothing but End.
     int Get() {
         if (m_pNext == m_pFilled)
             return Refill();
@@ -48,8 +50,10 @@ public:
 
 private:
     int Refill();
+    void Fetch();
 
-    std::FILE *m_pStream = nullptr;
+    std::string_view m_Head;          // comes before what the stream still holds
+    std::FILE *m_pStream = nullptr;   // null: there is no more
     std::unique_ptr<char[]> m_pOwned; // the block of a stream
     std::size_t m_uCapacity = 0;
     const char *m_pBlock = nullptr;

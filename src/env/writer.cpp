@@ -7,6 +7,7 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <utility>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -82,7 +83,8 @@ bool CZrEnvWriter::WriteFile(const CZrEnv *pEnv, const char *szPath) {
     }
     SetUpBuffer(pStream.get());
     WriteEnv(*pEnv);
-    std::fwrite(m_pBuffer.get(), 1, m_uCount, pStream.get());
+    if (m_bOk)
+        FlushBuffer();
     return true; // the file could be opened; a full disk is not told
 }
 
@@ -333,13 +335,16 @@ void CZrEnvWriter::PutBytes(const char *pBytes, std::size_t uLength) {
     }
 }
 
+// False if the stream does not take it: what is in the file stays the front of the text, without a gap.
+bool CZrEnvWriter::FlushBuffer() {
+    const std::size_t uWritten = std::fwrite(m_pBuffer.get(), 1, m_uCount, m_pStream);
+    return uWritten == std::exchange(m_uCount, 0);
+}
+
 // Writes the buffer out or, for a text in memory, makes it larger. False if that fails: all further output is dropped.
 bool CZrEnvWriter::MakeRoom() {
-    if (m_pStream) {
-        std::fwrite(m_pBuffer.get(), 1, m_uCount, m_pStream);
-        m_uCount = 0;
-        return true;
-    }
+    if (m_pStream)
+        return FlushBuffer();
     const std::uint64_t uCapacity = m_uCapacity + std::uint64_t{Grain} * std::max(m_uCapacity / Grain, 1u);
     const bool bFits = uCapacity <= std::numeric_limits<std::uint32_t>::max();
     std::unique_ptr<char[]> pLarger(bFits ? new (std::nothrow) char[static_cast<std::size_t>(uCapacity)] : nullptr);

@@ -50,6 +50,7 @@ private:
     void PutFold();
     void PutBytes(const char *pBytes, std::size_t uLength);
     bool MakeRoom();
+    bool FlushBuffer();
 
     std::FILE *m_pStream = nullptr; // null: the text stays in the buffer
     std::unique_ptr<char[]> m_pBuffer;
