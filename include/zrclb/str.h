@@ -164,7 +164,7 @@ ZR_API int convert_ltos(zr_long value, int width, char *dst) ZR_NOEXCEPT;
 /* Turns the German letters of the old DOS code page in s into those of code page 1252, in place, and gives s. Only where
    entry "DosToWin" of section "System" of the installation's settings file is neither missing nor 0, which the first call
    of the process looks up, and flag is 0: with another flag, or for null, nothing changes. Reports of the look-up: those of
-   zr_suche_datei. */
+   ini_read_long with a null file. */
 ZR_API char *dos_to_win(char *s, int flag) ZR_NOEXCEPT;
 
 #ifdef __cplusplus

@@ -2,6 +2,7 @@
 #include "library/frame_settings.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <tuple>
@@ -21,6 +22,8 @@
 #include "settings/installation_fixture.h"
 
 namespace {
+
+const zr_long mode_at_start = zr::settings::dos_to_win_mode; // before any call
 
 class FrameSettings : public InstallationFixture {
 protected:
@@ -374,6 +377,20 @@ TEST_F(FrameSettings, ThousandsAreBlocksOfAGigabyteAndTheRestIsMegabytes) {
     EXPECT_EQ(Reports(), Texts{});
 }
 
+TEST_F(FrameSettings, BlocksAreTheStandardAllocatorsAndAreNotCounted) {
+    EXPECT_EQ(m_reserve_before, static_cast<zr::library::ReserveBlock>(std::malloc));
+    static std::vector<void *> given;
+    zr::library::reserve_block = [](std::size_t size) { return given.emplace_back(std::malloc(size)); };
+    WriteSystem("AllocProg=\nAllocMByte=1");
+    const zr_long blocks = zr::frame::heap_block_count;
+    zr::library::ReserveMemory();
+    EXPECT_EQ(zr::frame::heap_block_count, blocks);
+    EXPECT_EQ(given.size(), 1U);
+    for (void *block : given)
+        std::free(block); // still there: else the second time
+    given.clear();
+}
+
 TEST_F(FrameSettings, RefusedBlocksDoNotEndTheReservation) {
     WriteSystem("AllocProg=\nAllocMByte=99999999999"); // read as 2147483647
     s_block_count = 0;
@@ -426,6 +443,13 @@ TEST_F(FrameSettings, OverLongProgramIsNone) {
     }
     WriteSystem("AllocMByte=1\nAllocProg=" + std::string(200, 'p'));
     EXPECT_EQ(Reserved(), Sizes{mega});
+    // The longest name that the splitter gives; nothing is cut to it.
+    s_program = "C:\\" + std::string(255, 'p');
+    EXPECT_EQ(ProgramName(299), std::string(255, 'p') + "[C:\\...]");
+    WriteSystem("AllocMByte=1\nAllocProg=" + std::string(255, 'p'));
+    EXPECT_EQ(Reserved(), Sizes{mega});
+    WriteSystem("AllocMByte=1\nAllocProg=" + std::string(256, 'p'));
+    EXPECT_EQ(Reserved(), Sizes{});
 }
 
 TEST_F(FrameSettings, ProgramThatIsNotKnownReserves) {
@@ -490,6 +514,9 @@ TEST_F(FrameSettings, BeepsAreReadAndTheLastReadIsTheResult) {
     Write("zr\\zr.zrini", "[Beep]\nError=11,12,13\nTick=14\n");
     EXPECT_EQ(ini_initialize_clib(), INI_DONE);
     EXPECT_EQ(Beeps(), (Sizes{11, 12, 3, 4, 14, 9}));
+    Write("zr\\zr.zrini", "[Beep]\nError=15\nWarning=16,17\n");
+    EXPECT_EQ(ini_initialize_clib(), INI_NO_ENTRY);
+    EXPECT_EQ(Beeps(), (Sizes{15, 12, 16, 17, 14, 9}));
     EXPECT_EQ(Reports(), Texts{});
 }
 
@@ -533,6 +560,10 @@ TEST_F(FrameSettings, FlagAndEmptyAndNullTextAreNotConverted) {
     char constant[] = "\0\x81";
     dos_to_win(constant, 0);
     EXPECT_EQ(constant[1], '\x81'); // nothing behind the end
+}
+
+TEST_F(FrameSettings, CodePageSettingIsUnreadAtFirst) {
+    EXPECT_EQ(mode_at_start, -1);
 }
 
 TEST_F(FrameSettings, NothingIsConvertedWithoutTheSetting) {
