@@ -1,10 +1,12 @@
 // Timers and their slots, over a desktop that only notes what it is asked for.
 #include <zrclb/timer.hpp>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <random>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -706,6 +708,260 @@ TEST_F(Timers, Threads_HaveObjectsOfTheirOwn) {
         });
     for (std::thread &thread : threads)
         thread.join();
+}
+
+// ---- Beside a model that does all word for word ----
+
+// The windows of three window functions, which the test changes.
+zr_window given[3];
+const zr_window_function window_functions[] = {nullptr, [] { return given[0]; }, [] { return given[1]; },
+                                               [] { return given[2]; }};
+
+// What the desktop was asked for, as the model has it.
+std::string model_calls;
+zr_value model_ids = 0;
+zr_window_function model_global = nullptr;
+
+std::string CallText(char verb, zr_window window, zr_value value) {
+    return std::string(1, verb) + static_cast<char>(reinterpret_cast<zr_value>(window)) + std::to_string(value) + " ";
+}
+
+struct ModelTimer {
+    zr_value timer_id = 0;
+    zr_long timeout;
+    bool has_function;
+    int run_count = 0;
+    zr_window hwnd;
+    zr_window_function hwnd_function;
+
+    ModelTimer(bool fixed, zr_window window, zr_window_function function, zr_long period, bool has)
+        : timeout(period), has_function(has), hwnd(window), hwnd_function(function) {
+        if (!fixed)
+            Update();
+        Init(GetHwnd());
+    }
+    void End() const {
+        if (hwnd != nullptr && timer_id != 0)
+            model_calls += CallText('-', hwnd, timer_id);
+    }
+    void Init(zr_window window) {
+        timer_id = 0;
+        if (window != nullptr) {
+            model_calls += CallText('+', window, static_cast<zr_value>(timeout));
+            timer_id = ++model_ids;
+        }
+    }
+    void Update() {
+        const zr_window old = hwnd;
+        if (hwnd_function != nullptr)
+            hwnd = hwnd_function();
+        else if (model_global != nullptr)
+            hwnd = model_global();
+        if (old != nullptr && hwnd != nullptr && old != hwnd) {
+            model_calls += CallText('-', old, timer_id);
+            Init(hwnd);
+        }
+    }
+    zr_window GetHwnd() {
+        if (has_function)
+            Update();
+        return hwnd;
+    }
+    void SetHwndFunction(zr_window_function function) {
+        if (hwnd == nullptr && hwnd_function == nullptr)
+            hwnd_function = function;
+    }
+    void ChangeTimeOut(zr_long period) {
+        const zr_window window = GetHwnd();
+        timeout = period;
+        model_calls += CallText('-', window, timer_id);
+        Init(window);
+    }
+};
+
+// Objects of the class, and slots, of the library and of the model.
+struct Pair {
+    std::unique_ptr<zrTimer> timer;
+    std::unique_ptr<ModelTimer> model;
+};
+
+void ExpectSame(const Pair &pair) {
+    EXPECT_EQ(pair.timer->timer_id, pair.model->timer_id);
+    EXPECT_EQ(pair.timer->timeout, pair.model->timeout);
+    EXPECT_EQ(pair.timer->run_count, pair.model->run_count);
+    EXPECT_EQ(pair.timer->hwnd, pair.model->hwnd);
+    EXPECT_EQ(pair.timer->hwnd_function, pair.model->hwnd_function);
+}
+
+class TimersAsTheModel : public Timers {
+protected:
+    void SetUp() override {
+        Timers::SetUp();
+        texts.clear();
+        ids = model_ids = 0;
+        model_calls.clear();
+        model_global = nullptr;
+        services.start_window_timer = [](zr_window window, zr_value, zr_long period) {
+            texts += CallText('+', window, static_cast<zr_value>(period));
+            return ++ids;
+        };
+        services.stop_window_timer = [](zr_window window, zr_value id) {
+            texts += CallText('-', window, id);
+            return true;
+        };
+        std::fill(given, given + 3, nullptr);
+    }
+
+    int Random(int below) { return static_cast<int>(m_random() % static_cast<unsigned>(below)); }
+    zr_window RandomWindow() { return Random(3) == 0 ? nullptr : Window(static_cast<char>('A' + Random(2))); }
+    zr_window_function RandomFunction() { return window_functions[Random(4)]; }
+
+    void Renew(Pair &pair) {
+        const bool fixed = Random(2) == 0;
+        const zr_window window = fixed ? RandomWindow() : nullptr;
+        const zr_window_function function = fixed ? nullptr : RandomFunction();
+        const bool has = Random(4) != 0;
+        const zr_long period = Random(100);
+        void (*const called)(void *) = has ? Run : nullptr;
+        if (pair.model != nullptr)
+            pair.model->End();
+        pair.timer.reset();
+        pair.timer.reset(fixed                 ? new zrTimer(window, period, called, nullptr)
+                         : function != nullptr ? new zrTimer(function, period, called, nullptr)
+                                               : new zrTimer(period, called, nullptr));
+        pair.model = std::make_unique<ModelTimer>(fixed, window, function, period, has);
+    }
+
+    // An action on one or two objects.
+    void ActOn(Pair &pair, const Pair &other) {
+        const zr_window window = RandomWindow();
+        const zr_window_function function = RandomFunction();
+        switch (Random(7)) {
+        case 0:
+            pair.timer->InitTimer(window);
+            pair.model->Init(window);
+            break;
+        case 1:
+            pair.timer->UpdateHwndFunction();
+            pair.model->Update();
+            break;
+        case 2:
+            EXPECT_EQ(pair.timer->GetHwnd(), pair.model->GetHwnd());
+            break;
+        case 3:
+            pair.timer->SetHwndFunction(function);
+            pair.model->SetHwndFunction(function);
+            break;
+        case 4:
+            pair.timer->ChangeTimeOut(40);
+            pair.model->ChangeTimeOut(40);
+            break;
+        case 5:
+            EXPECT_EQ(zrTimerExecute(pair.timer.get()), 1);
+            ++pair.model->run_count;
+            break;
+        default:
+            *pair.timer = *other.timer;
+            *pair.model = *other.model;
+            break;
+        }
+    }
+
+    // An action on the slots, and on what is none.
+    void ActOnSlots() {
+        const int slot = Random(104) - 2;
+        const bool in_table = slot >= 0 && slot < 100;
+        std::unique_ptr<ModelTimer> *place = in_table ? &m_table[slot] : nullptr;
+        const zr_window_function function = RandomFunction();
+        switch (Random(10)) {
+        case 0:
+        case 1:
+        case 2:
+        case 3:
+            EXPECT_EQ(zrTimerDel(slot), in_table && *place != nullptr ? 1 : -1);
+            if (in_table && *place != nullptr) {
+                (*place)->End();
+                place->reset();
+            }
+            break;
+        case 4:
+            zrTimerUpdateHwnd();
+            UpdateModels();
+            break;
+        case 5:
+            zrTimerSetHwndFunction(function);
+            model_global = function;
+            break;
+        case 6:
+            zrTimerChangeTimeOut(slot, 70);
+            if (in_table && *place != nullptr)
+                (*place)->ChangeTimeOut(70);
+            break;
+        default: {
+            if (std::find(m_table, m_table + 100, nullptr) == m_table + 100)
+                break; // one without a slot could never be deleted
+            const bool has = Random(4) != 0;
+            void (*const called)(void *) = has ? Run : nullptr;
+            const int answer = function != nullptr ? zrTimerSet(function, 50, called, nullptr)
+                                                   : zrTimerSetWithoutHwnd(50, called, nullptr);
+            EXPECT_EQ(answer, AddModel(std::make_unique<ModelTimer>(false, nullptr, function, 50, has)));
+        }
+        }
+    }
+
+    int AddModel(std::unique_ptr<ModelTimer> model) {
+        for (int slot = 0; slot < 100; ++slot)
+            if (m_table[slot] == nullptr) {
+                m_table[slot] = std::move(model);
+                UpdateModels();
+                return slot;
+            }
+        return -1;
+    }
+    void UpdateModels() {
+        for (const auto &model : m_table)
+            if (model != nullptr)
+                model->Update();
+    }
+
+    std::mt19937 m_random{11};
+    std::unique_ptr<ModelTimer> m_table[100];
+
+    static inline std::string texts;
+    static inline zr_value ids = 0;
+};
+
+TEST_F(TimersAsTheModel, Objects) {
+    Pair pairs[3];
+    for (Pair &pair : pairs)
+        Renew(pair);
+    for (int i = 0; i < 20000 && !HasFailure(); ++i) {
+        given[Random(3)] = RandomWindow();
+        if (Random(20) == 0)
+            zrTimerSetHwndFunction(model_global = RandomFunction());
+        Pair &pair = pairs[Random(3)];
+        if (Random(10) == 0)
+            Renew(pair);
+        else
+            ActOn(pair, pairs[Random(3)]);
+        ExpectSame(pair);
+        EXPECT_EQ(texts, model_calls) << i;
+        texts.clear();
+        model_calls.clear();
+    }
+}
+
+TEST_F(TimersAsTheModel, Slots) {
+    int most = 0;
+    for (int i = 0; i < 3000 && !HasFailure(); ++i) {
+        given[Random(3)] = RandomWindow();
+        ActOnSlots();
+        most = std::max(most, static_cast<int>(100 - std::count(m_table, m_table + 100, nullptr)));
+        EXPECT_EQ(texts, model_calls) << i;
+        texts.clear();
+        model_calls.clear();
+    }
+    EXPECT_GE(most, 80);
 }
 
 TEST_F(Timers, Unload_DeletesWhatIsLeft) {

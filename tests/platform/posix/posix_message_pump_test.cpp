@@ -4,10 +4,12 @@
 #include <algorithm>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <pthread.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -191,6 +193,47 @@ TEST_F(PosixMessagePump, Window_WithoutMemory) {
     })
         .join();
     EXPECT_GE(allocations, 2);
+}
+
+TEST_F(PosixMessagePump, Timer_WithoutMemory) {
+    int allocations = 0;
+    for (bool met = true; met; ++allocations) {
+        const zr::test::NthAllocation refusal(allocations);
+        const zr_value id = zr::platform::StartWindowTimer(window, 5, 60000);
+        met = refusal.Met();
+        EXPECT_EQ(id, met ? 0U : 5U);
+        EXPECT_EQ(zrPumpNextDue(), met ? -1 : 60000);
+        EXPECT_EQ(zr::platform::StopWindowTimer(window, 5), !met);
+    }
+    EXPECT_EQ(allocations, 3); // two that were refused, and none
+}
+
+TEST_F(PosixMessagePump, Descriptor_WithoutMemory) {
+    std::thread([] { // with nothing of its own yet
+        const zr::test::NthAllocation refusal(0);
+        EXPECT_EQ(zrPumpDescriptor(), -1);
+        EXPECT_TRUE(refusal.Met());
+        EXPECT_GE(zrPumpDescriptor(), 0); // another try
+    })
+        .join();
+}
+
+// The process has given out all of its keys for what belongs to threads.
+TEST_F(PosixMessagePump, Threads_WithoutAKey) {
+    EXPECT_EQ(zrWindowDestroy(window), 1);
+    zr::platform::EndMessagePumps();
+    std::vector<pthread_key_t> taken;
+    for (pthread_key_t key; pthread_key_create(&key, nullptr) == 0;)
+        taken.push_back(key);
+    EXPECT_EQ(zrWindowCreate(Note, nullptr), nullptr);
+    EXPECT_EQ(zrPumpDescriptor(), -1);
+    EXPECT_EQ(zrPumpNextDue(), -1);
+    EXPECT_EQ(Yield_and_PeekMessage(), 0);
+    for (const pthread_key_t key : taken)
+        pthread_key_delete(key);
+    EXPECT_GE(taken.size(), 1U);
+    window = zrWindowCreate(Note, nullptr);
+    EXPECT_NE(window, nullptr);
 }
 
 TEST_F(PosixMessagePump, End_WindowsCanBeMadeAgain) {

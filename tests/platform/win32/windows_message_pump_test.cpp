@@ -299,6 +299,24 @@ TEST_F(WindowsMessagePump, Timer_WithoutMemory) {
     EXPECT_EQ(allocations, 4); // three that were refused, and none
 }
 
+// The process has given out all of its places for what belongs to threads.
+TEST_F(WindowsMessagePump, Threads_WithoutAPlace) {
+    const zr_window made = zrWindowCreate([](zr_window, unsigned, zr_value, void *) {}, nullptr);
+    zr::platform::EndMessagePumps(); // gives back the library's own
+    std::vector<DWORD> taken;
+    for (DWORD place = FlsAlloc(nullptr); place != FLS_OUT_OF_INDEXES; place = FlsAlloc(nullptr))
+        taken.push_back(place);
+    EXPECT_EQ(zr::platform::StartWindowTimer(made, 5, 60000), 0U);
+    EXPECT_EQ(KillTimer(static_cast<HWND>(made), 5), 0);
+    EXPECT_EQ(zrPumpNextDue(), -1);
+    EXPECT_EQ(Yield_and_PeekMessage(), 0);
+    for (const DWORD place : taken)
+        FlsFree(place);
+    EXPECT_GE(taken.size(), 1U);
+    EXPECT_EQ(zr::platform::StartWindowTimer(made, 5, 60000), 5U);
+    EXPECT_EQ(zrWindowDestroy(made), 1);
+}
+
 TEST_F(WindowsMessagePump, Timer_RefusedByTheSystemIsNotDue) {
     const HWND ended = Make(false);
     DestroyWindow(ended);
