@@ -1,6 +1,9 @@
 // The lock of the env_ functions: threads on shared environments, and calls from within callbacks.
 #include <atomic>
 #include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <future>
 #include <iterator>
@@ -11,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "env/env_lock.h"
+#include "env/tree_check.h"
 #include "function_fixture.h"
 
 using namespace zr::test;
@@ -21,36 +25,266 @@ void CountStep(zr_env, const char *, const char *, void *user) {
     ++*static_cast<int *>(user);
 }
 
-// Puts, reads, iterates and walks on one environment that others use at the same time; the number of wrong results.
-int WorkOn(zr_env env, int thread, int rounds) {
-    const std::string own = "own" + std::to_string(thread);
-    int wrong = 0;
-    for (int round = 0; round < rounds; ++round) {
-        zr_long value = -1;
-        wrong += env_put_long(env, "Shared", own.c_str(), round) != 0;
-        wrong += env_get_long(env, "Shared", own.c_str(), 1, &value) < 0 || value != round;
-        wrong += env_put(env, "Shared", ("block@" + own).c_str(), "x") != 0;
-        wrong += env_exist(env, "Shared", ("block@" + own).c_str(), 1) != 1;
-        wrong += env_check(env, "Shared", own.c_str(), 1) != -1;
-        wrong += env_count_path(env, "Shared", own.c_str(), 1) != 1;
+// Eight threads on one chain of environments. What each writes is a function of its number and of how often it wrote, so
+// that all of it can be done again by one thread:
+//
+//   own blocks   each thread changes its own block as it likes; done again thread by thread
+//   contended    in a callback, thus under the lock, one block is changed by all, and the order noted; done again in it
+//   counter      in a callback, read and written back larger; must have counted all
+//   last         written by all without more ado; a reader must not see a thread's writes in the wrong order
+class Chain {
+public:
+    static constexpr int Threads = 8;
 
-        const zr_env sub = env_open_subenv(env, "Shared", nullptr, 1);
+    struct Turn {
+        int thread;
+        std::uint32_t step;
+        bool operator==(const Turn &) const = default;
+    };
+
+    // The steps that threads have taken, and what came out.
+    struct Record {
+        std::uint32_t steps = 0;
+        std::uint64_t results = 0; // all of them, mixed
+        std::uint32_t counted = 0;
+        std::uint32_t wrong = 0;    // readings that cannot be
+        zr_long seen[Threads] = {}; // the latest step of each thread that was found in `last`
+    };
+
+    Chain() {
+        std::string text = "[Stable]\ntree ={\nfirst =1\nsecond =2\ninner ={\nthird =3\n}\n}\n[Shared]\ncounter =0\n";
+        for (int thread = 0; thread < Threads; ++thread)
+            text += "own" + std::to_string(thread) + " ={\nkept =1\n}\n";
+        EXPECT_EQ(env_read_from_string((text + "contended ={\nkept =1\n}\n").c_str(), m_env), 0);
+        m_sub = env_open_subenv(m_env, "Shared", nullptr, 1);
+    }
+    Chain(const Chain &) = delete;
+    Chain &operator=(const Chain &) = delete;
+    ~Chain() { EXPECT_EQ(env_close(m_sub, 0), 0); }
+
+    // One thread's work until it is told to end, or for so many steps.
+    void Work(int thread, std::uint32_t steps, const std::atomic<bool> &end, std::atomic<std::uint64_t> &progress) {
+        Record record;
+        for (; record.steps < steps && !end; ++record.steps, ++progress) {
+            ChangeOwn(thread, record.steps, record.results);
+            if (record.steps % 4 == 0)
+                ChangeContended({thread, record.steps});
+            if (record.steps % 4 == 1)
+                Count(record);
+            WriteAndReadLast(thread, record);
+            Read(thread, record);
+            if (record.steps % 8 == 2)
+                UseDefault(record);
+            if (record.steps % 16 == 3)
+                Walk(record);
+        }
+        m_records[thread] = record;
+    }
+
+    // Does again what the threads of another chain did.
+    void Replay(const Chain &other) {
+        for (int thread = 0; thread < Threads; ++thread) {
+            Record record;
+            for (; record.steps < other.m_records[thread].steps; ++record.steps)
+                ChangeOwn(thread, record.steps, record.results);
+            m_records[thread] = record;
+        }
+        for (const Turn &turn : other.m_turns)
+            ChangeContended(turn);
+        zr_long last = 0;
+        EXPECT_EQ(env_get_long(other.m_env, "Shared", "last", 1, &last), 1);
+        EXPECT_EQ(env_put_long(m_env, "Shared", "last", last), 0);
+        EXPECT_EQ(env_put_long(m_env, "Shared", "counter", other.Counter()), 0);
+    }
+
+    void ExpectEqual(const Chain &other) const {
+        for (int thread = 0; thread < Threads; ++thread) {
+            EXPECT_EQ(m_records[thread].results, other.m_records[thread].results) << thread;
+            EXPECT_EQ(other.m_records[thread].wrong, 0u) << thread;
+        }
+        EXPECT_TRUE(m_turns == other.m_turns);
+        EXPECT_EQ(WrittenText(m_env), WrittenText(other.m_env));
+        EXPECT_EQ(WrittenText(m_default), WrittenText(other.m_default));
+    }
+
+    const EnvHandle &Env() const { return m_env; }
+    std::uint64_t Steps() const {
+        std::uint64_t steps = 0;
+        for (const Record &record : m_records)
+            steps += record.steps;
+        return steps;
+    }
+    std::uint64_t Counted() const {
+        std::uint64_t counted = 0;
+        for (const Record &record : m_records)
+            counted += record.counted;
+        return counted;
+    }
+    // Who wrote `last`, and when.
+    Turn Last() const {
+        zr_long last = 0;
+        EXPECT_EQ(env_get_long(m_sub, nullptr, "last", 1, &last), 1);
+        last += Threads / 2 * PerThread;
+        return {last / PerThread & (Threads - 1), static_cast<std::uint32_t>(last % PerThread)};
+    }
+    std::uint32_t StepsOf(int thread) const { return m_records[thread].steps; }
+
+    zr_long Counter() const {
+        zr_long counter = -1;
+        env_get_long(m_env, "Shared", "counter", 1, &counter);
+        return counter;
+    }
+
+private:
+    static constexpr zr_long PerThread = 1 << 28;
+
+    static std::uint32_t Mixed(int thread, std::uint32_t step) {
+        std::uint32_t mixed = step * 2654435761u + static_cast<std::uint32_t>(thread) * 40503u + 1;
+        mixed ^= mixed >> 15;
+        mixed *= 2246822519u;
+        return mixed ^ mixed >> 13;
+    }
+
+    // A change in a block of the section, of a few names; through the environment or the subenvironment.
+    int Change(const std::string &block, std::uint32_t random) {
+        const zr_env env = random & 1 ? static_cast<zr_env>(m_env) : m_sub;
+        const std::string key = block + "@k" + std::to_string(random >> 1 & 3);
+        const std::string inner = block + "@b@k" + std::to_string(random >> 3 & 3);
+        const double numbers[] = {1.5, 2.5, static_cast<double>(random & 0xFF)};
+        switch (random >> 8 & 7) {
+        case 0:
+            return env_put_long(env, "Shared", key.c_str(), static_cast<zr_long>(random & 0xFFFF));
+        case 1:
+            return env_put(env, "Shared", inner.c_str(), std::string(random & 63, 'v').c_str());
+        case 2:
+            return env_delete(env, "Shared", key.c_str());
+        case 3:
+            return env_rename(env, "Shared", inner.c_str(), "k1");
+        case 4:
+            return env_put_doubles(env, "Shared", inner.c_str(), 3, numbers);
+        case 5:
+            return env_insert_before(env, "Shared", (block + "@kept").c_str(), "k2");
+        case 6:
+            return env_copy_block_to(env, m_env, "Shared", (block + "@copy").c_str(), "Stable", "tree", 2);
+        default: {
+            const int result = env_delete(env, "Shared", (block + "@b").c_str());
+            const zr_env sub = env_create_subenv(env, "Shared", inner.c_str());
+            return result * 100 + env_put(sub, nullptr, "x", "1") * 10 + env_close(sub, 0);
+        }
+        }
+    }
+
+    void ChangeOwn(int thread, std::uint32_t step, std::uint64_t &results) {
+        const int result = Change("own" + std::to_string(thread), Mixed(thread, step));
+        results = results * 31 + static_cast<std::uint64_t>(static_cast<std::int64_t>(result));
+    }
+
+    // Under the lock while callback runs; for one child.
+    template <class Callback>
+    void InCallback(Callback callback) {
+        const auto call = [](zr_env, const char *, const char *, void *user) { (*static_cast<Callback *>(user))(); };
+        env_traverse(m_env, "Stable", nullptr, 1, call, &callback);
+    }
+
+    void ChangeContended(Turn turn) {
+        InCallback([&] {
+            Change("contended", Mixed(turn.thread + Threads, turn.step));
+            m_turns.push_back(turn);
+        });
+    }
+
+    void Count(Record &record) {
+        InCallback([&] {
+            zr_long counter = -1;
+            record.wrong += env_get_long(m_env, "Shared", "counter", 1, &counter) != 1;
+            record.wrong += env_put_long(m_env, "Shared", "counter", counter + 1) != 0;
+            ++record.counted;
+        });
+    }
+
+    void WriteAndReadLast(int thread, Record &record) {
+        const auto step = static_cast<zr_long>(record.steps);
+        record.wrong += env_put_long(m_env, "Shared", "last", (thread - Threads / 2) * PerThread + step) != 0;
+        const Turn last = Last();
+        zr_long &rSeen = record.seen[last.thread];
+        record.wrong += static_cast<zr_long>(last.step) < rSeen;
+        rSeen = static_cast<zr_long>(last.step);
+        record.wrong += last.thread == thread && rSeen != step;
+    }
+
+    void Read(int thread, Record &record) const {
+        const std::string own = "own" + std::to_string(thread);
+        zr_long value = 0;
+        record.wrong += env_get_long(m_env, "Shared", (own + "@kept").c_str(), 1, &value) != 1 || value != 1;
+        record.wrong += env_check(m_sub, nullptr, own.c_str(), 1) != -2;
+        record.wrong += env_count_path(m_env, "Shared", own.c_str(), 1) != 1;
+        record.wrong += env_count_elements(m_env, "Stable", "tree", 1) != 3;
+        char names[200];
+        record.wrong += env_list_elem_names(m_env, "Stable", "tree", 1, ',', sizeof names, names) != 0 ||
+                        std::string(names) != "first,second,inner,";
+
+        const zr_env tree = env_open_subenv(m_env, "Stable", "tree", 1);
         char name[40];
         char text[40];
-        const int first = env_get_first_core(sub, nullptr, nullptr, 1, nullptr, 40, name, 40, text);
-        int seen = first == -1 || first == -2;
-        while (env_get_next_core(sub, 40, name, 40, text) > -3)
-            ++seen;
-        wrong += seen < 2;
-        wrong += env_close(sub, 0) != 0;
-
-        int leafs = 0;
-        wrong += env_traverse_leafs(env, CountStep, &leafs) != 0 || leafs < 2;
-        char names[400];
-        wrong += env_list_elem_names(env, "Shared", nullptr, 1, ',', 400, names) != 0;
-        wrong += env_delete(env, "Shared", ("block@" + own).c_str()) != 0;
+        int seen = 0;
+        for (int kind = env_get_first_core(tree, nullptr, nullptr, 1, nullptr, 40, name, 40, text); kind > -3; ++seen)
+            kind = env_get_next_core(tree, 40, name, 40, text);
+        record.wrong += seen != 3;
+        record.wrong += env_close(tree, 0) != 0;
     }
-    return wrong;
+
+    // Through the chain, and through a chain of its own for a moment.
+    void UseDefault(Record &record) const {
+        zr_long value = 0;
+        record.wrong += env_get_long(m_env, "Far", "far", 1, &value) != 2 || value != 7;
+        const zr_env own = env_open(3, nullptr);
+        env_attach_as_last_default(own, m_default);
+        record.wrong += env_get_long(own, "Far", "far", 1, &value) != 2;
+        record.wrong += env_detach_default_chain(own) != static_cast<zr_env>(m_default);
+        record.wrong += env_sink(own, m_default, 2) != 0 || ValueOf(own, "Far", "far") != "7";
+        record.wrong += env_close(own, 0) != 0;
+    }
+
+    void Walk(Record &record) const {
+        int leaves = 0;
+        record.wrong += env_traverse_leafs(m_env, ReadLeaf, &leaves) != 0 || leaves < Threads + 3;
+        leaves = 0;
+        record.wrong += env_traverse_leafs(m_sub, ReadLeaf, &leaves) != 0 || leaves < Threads;
+    }
+
+    static void ReadLeaf(zr_env sub, const char *, const char *, void *user) {
+        const char *text = nullptr;
+        *static_cast<int *>(user) +=
+            env_check(sub, nullptr, nullptr, 1) == -1 && env_get_reference(sub, nullptr, nullptr, 1, &text) >= 0;
+    }
+
+    EnvHandle m_default{"[Far]\nfar =7\n[Stable]\nfar =8\n", 2};
+    EnvHandle m_env{"", 1, m_default};
+    zr_env m_sub = nullptr;
+    std::vector<Turn> m_turns; // guarded by nothing but the lock
+    Record m_records[Threads];
+};
+
+// Waits until the threads have ended; tells and gives up the process if they come to a stop.
+void Watch(const std::atomic<int> &running, const std::atomic<std::uint64_t> &progress, std::atomic<bool> &end,
+           std::chrono::seconds most) {
+    using Clock = std::chrono::steady_clock;
+    const auto start = Clock::now();
+    auto moved = start;
+    std::uint64_t seen = 0;
+    while (running != 0) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        const auto now = Clock::now();
+        if (now - start > most)
+            end = true;
+        if (progress != seen) {
+            seen = progress;
+            moved = now;
+        } else if (now - moved > std::chrono::seconds(60)) {
+            std::fputs("the threads have come to a stop\n", stderr);
+            std::abort();
+        }
+    }
 }
 
 struct Outsider {
@@ -77,17 +311,33 @@ void Descend(zr_env sub, const char *section, const char *, void *user) {
 
 } // namespace
 
-TEST(EnvThreads, FourThreadsShareEnvironments) {
-    EnvHandle deflt("[Shared]\nfar =1\n", 1);
-    EnvHandle env("[Shared]\nnear =2\nblock ={\nfirst =3\n}\n", 2, deflt);
+// ZR_TEST_LONG makes it a minute.
+TEST(EnvThreads, EightThreadsOnOneChain_EqualAReplay) {
+    const bool isLong = std::getenv("ZR_TEST_LONG") != nullptr;
+    const std::uint32_t steps = isLong ? 1u << 28 : 300;
+    Chain chain;
+    std::atomic<int> running = Chain::Threads;
+    std::atomic<std::uint64_t> progress = 0;
+    std::atomic<bool> end = false;
     std::vector<std::thread> threads;
-    std::atomic<int> wrong{0};
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([&, i] { wrong += WorkOn(env, i, 200); });
+    for (int i = 0; i < Chain::Threads; ++i)
+        threads.emplace_back([&, i] {
+            chain.Work(i, steps, end, progress);
+            --running;
+        });
+    Watch(running, progress, end, isLong ? std::chrono::seconds(60) : std::chrono::hours(1));
     for (std::thread &thread : threads)
         thread.join();
-    EXPECT_EQ(wrong, 0);
-    EXPECT_EQ(env_count_elements(env, "Shared", nullptr, 1), 6);
+
+    RecordProperty("steps", std::to_string(chain.Steps()));
+    using Check = Zr::CZrEnvTreeCheck; // knows what renames leave behind
+    EXPECT_EQ(Check::OfEnvironment(*chain.Env().operator->(), Check::Indexes::Build).what, "");
+    EXPECT_GE(chain.Steps(), Chain::Threads * std::uint64_t{300});
+    EXPECT_EQ(chain.Last().step + 1, chain.StepsOf(chain.Last().thread));
+    EXPECT_EQ(chain.Counter(), static_cast<zr_long>(chain.Counted()));
+    Chain replay;
+    replay.Replay(chain);
+    replay.ExpectEqual(chain);
 }
 
 TEST(EnvThreads, SinksRunBesideEachOther) {
