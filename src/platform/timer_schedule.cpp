@@ -64,6 +64,15 @@ void TimerSchedule::Repeat(zr_window window, zr_value id, std::int64_t now) noex
     Move(place, next > now ? next : now + period, period);
 }
 
+void TimerSchedule::RepeatInStep(zr_window window, zr_value id, std::int64_t now) noexcept {
+    const auto place = m_places.find(KeyOf(window, id));
+    if (place == m_places.end())
+        return;
+    const std::int64_t period = place->second->period;
+    const std::int64_t due = place->second->due;
+    Move(place, now < due ? now + period : due + ((now - due) / period + 1) * period, period);
+}
+
 // A node that is taken out and put back takes no memory.
 void TimerSchedule::Move(Places::iterator place, std::int64_t due, std::int64_t period) noexcept {
     auto node = m_order.extract(place->second);

@@ -40,6 +40,10 @@ public:
     // period from now. Nothing if it isn't there. Takes no memory.
     void Repeat(zr_window window, zr_value id, std::int64_t now) noexcept;
 
+    // The same in step with the start: the next time that is a whole number of periods behind the one that it was due at. For one
+    // that isn't due yet, a period from now, from where on that is its step. Never later than that.
+    void RepeatInStep(zr_window window, zr_value id, std::int64_t now) noexcept;
+
 private:
     struct Earlier {
         bool operator()(const Timer &a, const Timer &b) const {

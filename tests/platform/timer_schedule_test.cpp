@@ -46,6 +46,24 @@ TEST(TimerSchedule, Repeat_KeepsTheMeasure) {
     EXPECT_EQ(schedule.First()->due, 40 * millisecond);
 }
 
+TEST(TimerSchedule, RepeatInStep_IsAWholeNumberOfPeriodsLater) {
+    TimerSchedule schedule;
+    EXPECT_TRUE(schedule.Start(Window(1), 2, 10, 0));
+    const struct {
+        std::int64_t now, due; // in milliseconds
+    } rows[] = {{10, 20}, {23, 30}, {30, 40}, {45, 50}, {71, 80}, {80, 90}, {1000, 1010}, {1009, 1019}};
+    for (const auto &row : rows) { // the last one comes early
+        schedule.RepeatInStep(Window(1), 2, row.now * millisecond);
+        EXPECT_EQ(schedule.First()->due, row.due * millisecond);
+    }
+    schedule.RepeatInStep(Window(1), 3, 2000 * millisecond); // no such timer
+    EXPECT_EQ(schedule.First()->due, 1019 * millisecond);
+    const zr::test::NthAllocation refusal(0);
+    schedule.RepeatInStep(Window(1), 2, 2000 * millisecond);
+    EXPECT_EQ(schedule.First()->due, 2009 * millisecond);
+    EXPECT_FALSE(refusal.Met());
+}
+
 TEST(TimerSchedule, SameTime_EarlierStartStandsInFront) {
     TimerSchedule schedule;
     for (const zr_value id : {zr_value{5}, zr_value{3}, zr_value{4}})

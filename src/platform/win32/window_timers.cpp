@@ -1,6 +1,7 @@
 // Timers of windows, the messages they post, and windows that receive them: the system's own.
 //
-// The system doesn't tell when a timer is due next, so each thread keeps in mind when its timers are.
+// The system doesn't tell when a timer is due next, so each thread keeps in mind when its timers are. The system's stay in step with
+// their start, however late a message is taken.
 #include "platform/window_timers.h"
 
 #include <atomic>
@@ -116,7 +117,7 @@ void Dispatch(const MSG &message) {
         return;
     }
     if (message.message == WM_TIMER)
-        schedule->Repeat(message.hwnd, message.wParam, SteadyNanoseconds());
+        schedule->RepeatInStep(message.hwnd, message.wParam, SteadyNanoseconds());
     ++schedule->dispatching;
     DispatchMessageA(&message);
     --schedule->dispatching;
@@ -202,7 +203,7 @@ int NextMessageDue() {
         else if (left > -system_tick)
             return left > millisecond ? static_cast<int>((left + millisecond - 1) / millisecond) : 1;
         else
-            schedule->Repeat(first->window, first->id, now); // a loop of the application took its message
+            schedule->RepeatInStep(first->window, first->id, now); // a loop of the application took its message
     }
     return -1;
 }
