@@ -12,16 +12,23 @@
 namespace zr::test {
 
 inline std::atomic<long long> living_blocks = 0;
+inline std::atomic<long long> living_bytes = 0;
+inline std::atomic<long long> most_bytes = 0; // that lived at a time; a test sets it to living_bytes to begin anew
 
-// In front of the block lies the address of the memory that it is a part of.
+// In front of the block lie its size and the address of the memory that it is a part of.
 inline void *AllocateCounted(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) noexcept {
-    void *memory = std::malloc(size + alignment + sizeof(void *));
+    constexpr std::size_t front = sizeof(void *) + sizeof(std::size_t);
+    void *memory = std::malloc(size + alignment + front);
     if (memory == nullptr)
         return nullptr;
-    const auto first = reinterpret_cast<std::uintptr_t>(memory) + sizeof(void *);
+    const auto first = reinterpret_cast<std::uintptr_t>(memory) + front;
     void **block = reinterpret_cast<void **>((first + alignment - 1) / alignment * alignment);
     block[-1] = memory;
+    reinterpret_cast<std::size_t *>(block)[-2] = size;
     ++living_blocks;
+    const long long bytes = living_bytes += static_cast<long long>(size);
+    if (bytes > most_bytes)
+        most_bytes = bytes;
     return block;
 }
 
@@ -36,6 +43,7 @@ inline void ReleaseCounted(void *block) noexcept {
     if (block == nullptr)
         return;
     --living_blocks;
+    living_bytes -= static_cast<long long>(static_cast<std::size_t *>(block)[-2]);
     std::free(static_cast<void **>(block)[-1]);
 }
 
