@@ -148,6 +148,7 @@ bool CZrEnvBlock::InsertElementBefore(CZrEnvElement *pElem, CZrEnvElement *pBefo
         return false;
     CountTreeEdit();
     rIndex.InsertBefore(pElem, pBefore);
+    CZrEnvNodeStore::Scatter(*this);
     pElem->m_pParent = this;
     CZrEnvElement **ppLink = &m_pFirst;
     while (*ppLink && *ppLink != pBefore)
@@ -164,6 +165,7 @@ bool CZrEnvBlock::InsertElementBefore(CZrEnvElement *pElem, CZrEnvElement *pBefo
 
 // Takes a child out of the sequence. Its own successor link stays as it is.
 void CZrEnvBlock::Disown(CZrEnvElement *pElem) {
+    CZrEnvNodeStore::Scatter(*this);
     CZrEnvElement *pBefore = nullptr;
     CZrEnvElement *pAt = m_pFirst;
     while (pAt && pAt != pElem) {
@@ -215,6 +217,7 @@ bool CZrEnvBlock::ReplaceElement(CZrEnvElement *pOld, CZrEnvElement *pNew) {
         pEnv->ForgetRootsBelow(pOld);
 
     CountTreeEdit();
+    CZrEnvNodeStore::Scatter(*this);
     pNew->m_pParent = this;
     if (m_pLast == pOld)
         m_pLast = pNew;

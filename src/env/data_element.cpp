@@ -145,8 +145,10 @@ void CZrEnvDataElement::PutData(char *szData) {
         delete[] m_szData;
     m_szData = szData;
     m_uFlags &= ~std::uint32_t{CZrEnvNodeStore::OwnsData};
-    if (szData != nullptr)
+    if (szData != nullptr) {
+        CZrEnvNodeStore::ScatterAround(*this);
         m_uFlags |= CZrEnvNodeStore::OwnsData;
+    }
 }
 
 EZrEnvError CZrEnvDataElement::StoreText(std::string_view text) {

@@ -16,6 +16,7 @@ CZrEnvElement::CZrEnvElement(const CZrEnvElement &other)
 
 CZrEnvElement &CZrEnvElement::operator=(const CZrEnvElement &other) {
     if (this != &other) {
+        CZrEnvNodeStore::ScatterAround(*this);
         char *szName = other.m_szName;
         ReleaseName();
         m_szName = szName;
@@ -116,8 +117,10 @@ bool CZrEnvElement::SetName(const char *szName) {
             std::memcpy(szNew, szName, length + 1);
         ReleaseName();
         m_szName = szNew;
-        if (szNew)
+        if (szNew) {
+            CZrEnvNodeStore::ScatterAround(*this);
             m_uFlags |= CZrEnvNodeStore::OwnsName;
+        }
     }
 
     if (m_pParent)

@@ -7,6 +7,9 @@
 #include <memory>
 #include <new>
 
+#include "env/chunks.h"
+#include "platform/memory.h"
+
 namespace Zr {
 
 namespace {
@@ -67,26 +70,34 @@ bool CZrEnvNameIndex::Less::operator()(std::string_view a, const CZrEnvElement *
 
 // ---- Making and ending
 
-// Neither inline nor apart from each other: compilers that see one without the other take them for a mismatch.
-[[gnu::noinline]] void *CZrEnvNameIndex::operator new(std::size_t uSize, std::size_t uSlots) {
-    return ::operator new(uSize + uSlots * sizeof(Slot));
-}
-
-[[gnu::noinline]] void CZrEnvNameIndex::operator delete(void *pMemory) noexcept {
-    ::operator delete(pMemory);
-}
-
-[[gnu::noinline]] void CZrEnvNameIndex::operator delete(void *pMemory, std::size_t) noexcept {
-    ::operator delete(pMemory);
-}
-
-CZrEnvNameIndex::CZrEnvNameIndex(std::size_t uSlots) : m_pSlots(FirstSlots()), m_uMask(uSlots - 1) {
+CZrEnvNameIndex::CZrEnvNameIndex(std::size_t uSlots, bool bPiece)
+    : m_pSlots(FirstSlots()), m_uMask(uSlots - 1), m_bPiece(bPiece) {
     std::uninitialized_fill_n(m_pSlots, uSlots, Slot{0});
+}
+
+// The indexes of common blocks lie close together: look-ups go from one to another.
+CZrEnvNameIndex *CZrEnvNameIndex::Empty(std::size_t uSlots) {
+    constexpr std::size_t largestPiece = 4096;
+    const std::size_t size = sizeof(CZrEnvNameIndex) + uSlots * sizeof(Slot);
+    void *pPiece = size <= largestPiece ? zr::env::TakePiece(size) : nullptr;
+    void *pMemory = pPiece ? pPiece : ::operator new(size);
+    if (!pPiece)
+        zr::platform::WantLargePages(pMemory, size);
+    return ::new (pMemory) CZrEnvNameIndex(uSlots, pPiece != nullptr);
+}
+
+void CZrEnvNameIndex::operator delete(CZrEnvNameIndex *pIndex, std::destroying_delete_t) {
+    const bool bPiece = pIndex->m_bPiece;
+    pIndex->~CZrEnvNameIndex();
+    if (bPiece)
+        zr::env::ReleasePiece(pIndex);
+    else
+        ::operator delete(static_cast<void *>(pIndex));
 }
 
 CZrEnvNameIndex *CZrEnvNameIndex::Make(CZrEnvElement *pFirst, std::size_t uNames) {
     const std::size_t uSlots = SlotsFor(uNames);
-    std::unique_ptr<CZrEnvNameIndex> pIndex(new (uSlots) CZrEnvNameIndex(uSlots));
+    std::unique_ptr<CZrEnvNameIndex> pIndex(Empty(uSlots));
     for (CZrEnvElement *pElem = pFirst; pElem; pElem = pElem->m_pSucc)
         pIndex->InsertHashed(pElem);
     return pIndex.release();
@@ -99,8 +110,9 @@ CZrEnvNameIndex::~CZrEnvNameIndex() {
 void CZrEnvNameIndex::DropHash() {
     if (!m_pSlots)
         return;
-    for (std::size_t at = 0; at <= m_uMask; ++at)
+    for (std::size_t at = 0; m_bGroups && at <= m_uMask; ++at)
         delete GroupIn(m_pSlots[at]);
+    m_bGroups = false;
     if (m_pSlots != FirstSlots())
         delete[] m_pSlots;
     m_pSlots = nullptr;
@@ -314,6 +326,7 @@ void CZrEnvNameIndex::InsertHashed(CZrEnvElement *pElem) {
         group->elems = {ElementIn(slot), pElem};
         slot = SlotOf(group.get(), true, Tag(hash));
         group.release();
+        m_bGroups = true;
     }
 }
 

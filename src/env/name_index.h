@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <set>
 #include <string_view>
 #include <vector>
@@ -29,7 +30,7 @@ public:
     CZrEnvNameIndex(const CZrEnvNameIndex &other) = delete;
     CZrEnvNameIndex &operator=(const CZrEnvNameIndex &other) = delete;
     ~CZrEnvNameIndex();
-    static void operator delete(void *pMemory) noexcept;
+    static void operator delete(CZrEnvNameIndex *pIndex, std::destroying_delete_t);
 
     // Gives up the hash form for the ordered one. On std::bad_alloc the hash form stays.
     void MakeOrdered(CZrEnvElement *pFirst);
@@ -84,9 +85,8 @@ private:
     static constexpr unsigned TagBits = sizeof(Slot) == 8 ? 16 : 0;
     static constexpr Slot AddressBits = ~Slot{0} >> TagBits;
 
-    explicit CZrEnvNameIndex(std::size_t uSlots);
-    static void *operator new(std::size_t uSize, std::size_t uSlots);
-    static void operator delete(void *pMemory, std::size_t) noexcept;
+    CZrEnvNameIndex(std::size_t uSlots, bool bPiece);
+    static CZrEnvNameIndex *Empty(std::size_t uSlots);
 
     static std::size_t SlotsFor(std::size_t uNames);
     static Slot Tag(std::uint64_t uHash);
@@ -111,7 +111,9 @@ private:
     Slot *m_pSlots; // a power of two of them, some free: at first right behind this object; null in the ordered form
     std::size_t m_uMask;
     std::size_t m_uUsed = 0;
-    bool m_bStale = false; // an entry has stayed behind at an old place
+    bool m_bGroups = false; // there may be some
+    bool m_bStale = false;  // an entry has stayed behind at an old place
+    const bool m_bPiece;    // this object and its first slots share a chunk with others
     std::unique_ptr<Ordered> m_pOrdered;
 };
 

@@ -1,8 +1,6 @@
 // Chunks of nodes, single nodes, and the end of trees.
 #include "env/node_store.h"
 
-#include <array>
-#include <atomic>
 #include <cstring>
 #include <new>
 
@@ -10,71 +8,12 @@
 
 namespace Zr {
 
+using zr::env::Chunk;
+using zr::env::ChunkOf;
+
 namespace {
 
-// A chunk starts on a multiple of its span, so a node's address tells the chunk that it lies in. The size leaves room
-// for the allocator's own words, so that neighbouring chunks can follow each other without a hole.
-constexpr std::size_t kChunkSpan = 64 * 1024;
-constexpr std::size_t kChunkSize = kChunkSpan - 64;
-constexpr std::size_t kGrain = alignof(void *);
-
-// What an open chunk counts beside its nodes, so that it outlives the nodes that end before it is closed.
-constexpr std::uint32_t kOpen = 1u << 30;
-
 constexpr std::size_t kStride = 16;
-
-struct Chunk {
-    std::atomic<std::uint32_t> live;
-};
-
-// Empty chunks for the next reading: fresh memory costs as much as what is then done with it. Whoever finds another thread
-// at them goes without.
-constinit std::array<void *, 128> SpareChunks{};
-constinit std::size_t SpareCount = 0;
-constinit std::atomic_flag SparesInUse;
-
-class SpareGuard {
-public:
-    SpareGuard() : m_bMine(!SparesInUse.test_and_set(std::memory_order_acquire)) {}
-    ~SpareGuard() {
-        if (m_bMine)
-            SparesInUse.clear(std::memory_order_release);
-    }
-    SpareGuard(const SpareGuard &) = delete;
-    SpareGuard &operator=(const SpareGuard &) = delete;
-    explicit operator bool() const { return m_bMine; }
-
-private:
-    bool m_bMine;
-};
-
-void *NewChunkMemory() {
-    if (const SpareGuard guard; guard && SpareCount != 0)
-        return SpareChunks[--SpareCount];
-    return ::operator new (kChunkSize, std::align_val_t{kChunkSpan});
-}
-
-void DeleteChunkMemory(void *pMemory) {
-    if (const SpareGuard guard; guard && SpareCount != SpareChunks.size())
-        SpareChunks[SpareCount++] = pMemory;
-    else
-        ::operator delete (pMemory, std::align_val_t{kChunkSpan});
-}
-
-constexpr std::size_t Rounded(std::size_t size) {
-    return (size + kGrain - 1) / kGrain * kGrain;
-}
-
-Chunk *ChunkOf(void *pNode) {
-    return reinterpret_cast<Chunk *>(reinterpret_cast<std::uintptr_t>(pNode) & ~(std::uintptr_t{kChunkSpan} - 1));
-}
-
-void Release(Chunk *pChunk, std::uint32_t uCount) {
-    if (pChunk->live.fetch_sub(uCount, std::memory_order_acq_rel) == uCount) {
-        pChunk->~Chunk();
-        DeleteChunkMemory(pChunk);
-    }
-}
 
 char *PutText(char *pTo, std::string_view text) {
     if (!text.empty()) // the text of an empty view may be null
@@ -92,28 +31,7 @@ char *OwnText(std::string_view text) {
 CZrEnvNodeStore::Batch::~Batch() {
     m_Leaves.Close();
     m_Blocks.Close();
-}
-
-void CZrEnvNodeStore::Batch::Arena::Close() {
-    if (m_pChunk)
-        Release(static_cast<Chunk *>(m_pChunk), kOpen - m_uNodes);
-    m_pChunk = nullptr;
-    m_uNodes = 0;
-}
-
-// A part of a chunk for one node. Requests are far smaller than a chunk.
-char *CZrEnvNodeStore::Batch::Arena::Take(std::size_t size) {
-    size = Rounded(size);
-    if (static_cast<std::size_t>(m_pEnd - m_pNext) < size) {
-        void *pMemory = NewChunkMemory();
-        Close();
-        m_pChunk = new (pMemory) Chunk{{kOpen}};
-        m_pNext = static_cast<char *>(pMemory) + Rounded(sizeof(Chunk));
-        m_pEnd = static_cast<char *>(pMemory) + kChunkSize - ReadableBehind;
-    }
-    char *pTaken = m_pNext;
-    m_pNext += size;
-    return pTaken;
+    m_Source.Close();
 }
 
 CZrEnvDataElement *CZrEnvNodeStore::Batch::MakeData(std::string_view name, std::string_view value) {
@@ -121,7 +39,7 @@ CZrEnvDataElement *CZrEnvNodeStore::Batch::MakeData(std::string_view name, std::
     const bool ownValue = value.size() > LongestInChunk / 2;
     const std::size_t nameSize = ownName ? 0 : name.size() + 1;
     const std::size_t valueSize = ownValue ? 0 : value.size() + 1;
-    char *pPlace = m_Leaves.Take(sizeof(CZrEnvDataElement) + nameSize + valueSize);
+    char *pPlace = m_Leaves.Take(sizeof(CZrEnvDataElement) + nameSize + valueSize, m_Source);
     char *pText = pPlace + sizeof(CZrEnvDataElement);
     char *szName = ownName ? OwnText(name) : PutText(pText, name);
     char *szValue = nullptr;
@@ -132,7 +50,7 @@ CZrEnvDataElement *CZrEnvNodeStore::Batch::MakeData(std::string_view name, std::
             delete[] szName;
         throw;
     }
-    ++m_Leaves.m_uNodes;
+    m_Leaves.Count();
     return new (pPlace) CZrEnvDataElement(
         szName, szValue, InChunk | LibraryType | KindData | (ownName ? OwnsName : 0u) | (ownValue ? OwnsData : 0u));
 }
@@ -147,30 +65,30 @@ CZrEnvDataElement *CZrEnvNodeStore::Batch::MakeDataOfLine(std::string_view name,
     if (valueAt > name.size() + 2 || size > LongestInChunk ||
         static_cast<std::size_t>(pReadable - pLine) < size + ReadableBehind)
         return MakeData(name, value);
-    char *pPlace = m_Leaves.Take(sizeof(CZrEnvDataElement) + size + 1);
+    char *pPlace = m_Leaves.Take(sizeof(CZrEnvDataElement) + size + 1, m_Source);
     char *pText = pPlace + sizeof(CZrEnvDataElement);
     std::memcpy(pText, pLine, 2 * kStride);
     for (std::size_t at = 2 * kStride; at < size; at += kStride)
         std::memcpy(pText + at, pLine + at, kStride);
     pText[name.size()] = '\0';
     pText[size] = '\0';
-    ++m_Leaves.m_uNodes;
+    m_Leaves.Count();
     return new (pPlace) CZrEnvDataElement(pText, pText + valueAt, InChunk | LibraryType | KindData);
 }
 
 CZrEnvBlock *CZrEnvNodeStore::Batch::MakeBlock(std::string_view name) {
     const bool ownName = name.size() > LongestInChunk;
-    char *pPlace = m_Blocks.Take(sizeof(CZrEnvBlock) + (ownName ? 0 : name.size() + 1));
+    char *pPlace = m_Blocks.Take(sizeof(CZrEnvBlock) + (ownName ? 0 : name.size() + 1), m_Source);
     char *szName = ownName ? OwnText(name) : PutText(pPlace + sizeof(CZrEnvBlock), name);
-    ++m_Blocks.m_uNodes;
+    m_Blocks.Count();
     return new (pPlace) CZrEnvBlock(szName, InChunk | LibraryType | KindBlock | (ownName ? OwnsName : 0u));
 }
 
 CZrEnvSection *CZrEnvNodeStore::Batch::MakeSection(std::string_view name) {
     const bool ownName = name.size() > LongestInChunk;
-    char *pPlace = m_Blocks.Take(sizeof(CZrEnvSection) + (ownName ? 0 : name.size() + 1));
+    char *pPlace = m_Blocks.Take(sizeof(CZrEnvSection) + (ownName ? 0 : name.size() + 1), m_Source);
     char *szName = ownName ? OwnText(name) : PutText(pPlace + sizeof(CZrEnvSection), name);
-    ++m_Blocks.m_uNodes;
+    m_Blocks.Count();
     return new (pPlace)
         CZrEnvSection(szName, InChunk | LibraryType | KindBlock | KindSection | (ownName ? OwnsName : 0u));
 }
@@ -191,55 +109,86 @@ CZrEnvBlock *CZrEnvNodeStore::NewBlock(std::string_view name) {
     return ::new (pPlace) CZrEnvBlock(szName, LibraryType | KindBlock);
 }
 
-void CZrEnvNodeStore::ReleaseSlot(void *pNode, std::uint32_t uCount) {
-    Release(ChunkOf(pNode), uCount);
+void CZrEnvNodeStore::ReleaseSlot(void *pNode) {
+    zr::env::ReleaseInChunk(ChunkOf(pNode), 1);
 }
 
-// Children of a block take its place in the walk, so the depth of the tree needs no memory. Nodes that follow one another
-// mostly lie in one chunk: it is told of them once.
+namespace {
+
+// Tells chunks of the nodes that end in them. Nodes that follow one another mostly lie in one chunk: it is told of them once.
+class EndedNodes {
+public:
+    EndedNodes() = default;
+    ~EndedNodes() {
+        if (m_pChunk)
+            zr::env::ReleaseInChunk(m_pChunk, m_uEnded);
+    }
+    EndedNodes(const EndedNodes &) = delete;
+    EndedNodes &operator=(const EndedNodes &) = delete;
+
+    void Add(const CZrEnvElement *pElem, std::uint32_t uCount) {
+        Chunk *pChunk = ChunkOf(pElem);
+        if (pChunk == m_pChunk) {
+            m_uEnded += uCount;
+            return;
+        }
+        if (m_pChunk)
+            zr::env::ReleaseInChunk(m_pChunk, m_uEnded);
+        m_pChunk = pChunk;
+        m_uEnded = uCount;
+    }
+
+private:
+    Chunk *m_pChunk = nullptr;
+    std::uint32_t m_uEnded = 0;
+};
+
+} // namespace
+
+// Children of a block take its place in the walk, so the depth of the tree needs no memory. Leaves that lie together own
+// nothing: they are not even looked at.
 void CZrEnvNodeStore::DestroyChildren(CZrEnvBlock &block) {
+    const bool bTogether = (block.m_uFlags & LeavesTogether) != 0;
     CZrEnvElement *pNext = block.m_pFirst;
+    const std::uint32_t uCount = block.m_uCount;
+    Scatter(block);
     block.m_pFirst = block.m_pLast = nullptr;
     block.m_uCount = 0;
     delete block.m_pIndex;
     block.m_pIndex = nullptr;
 
-    Chunk *pChunk = nullptr;
-    std::uint32_t uEnded = 0;
+    EndedNodes leaves;
+    EndedNodes blocks;
+    if (bTogether) {
+        leaves.Add(pNext, uCount);
+        return;
+    }
     while (pNext) {
         CZrEnvElement *pElem = pNext;
         pNext = pElem->m_pSucc;
         CZrEnvBlock *pBlock = IsBlock(pElem) ? static_cast<CZrEnvBlock *>(pElem) : nullptr;
         if (pBlock && pBlock->m_pFirst && !(pBlock->m_uFlags & View)) {
-            pBlock->m_pLast->m_pSucc = pNext;
-            pNext = pBlock->m_pFirst;
+            if (pBlock->m_uFlags & LeavesTogether) {
+                leaves.Add(pBlock->m_pFirst, pBlock->m_uCount);
+                Scatter(*pBlock);
+            } else {
+                pBlock->m_pLast->m_pSucc = pNext;
+                pNext = pBlock->m_pFirst;
+            }
             pBlock->m_pFirst = pBlock->m_pLast = nullptr;
         }
         constexpr std::uint32_t packed = InChunk | LibraryType;
         if ((pElem->m_uFlags & packed) != packed) {
             delete pElem;
-            continue;
-        }
-        if (ChunkOf(pElem) != pChunk) {
-            if (pChunk)
-                Release(pChunk, uEnded);
-            pChunk = ChunkOf(pElem);
-            uEnded = 0;
-        }
-        ++uEnded;
-        if (pBlock)
+        } else if (pBlock) {
+            blocks.Add(pElem, 1);
             pBlock->~CZrEnvBlock();
-        else if (pElem->m_uFlags & (OwnsName | OwnsData)) // of the others the chunk holds all there is
-            static_cast<CZrEnvDataElement *>(pElem)->CZrEnvDataElement::~CZrEnvDataElement();
+        } else {
+            leaves.Add(pElem, 1);
+            if (pElem->m_uFlags & (OwnsName | OwnsData)) // of the others the chunk holds all there is
+                static_cast<CZrEnvDataElement *>(pElem)->CZrEnvDataElement::~CZrEnvDataElement();
+        }
     }
-    if (pChunk)
-        Release(pChunk, uEnded);
-}
-
-void CZrEnvNodeStore::DropSpareChunks() {
-    const SpareGuard guard;
-    while (guard && SpareCount != 0)
-        ::operator delete (SpareChunks[--SpareCount], std::align_val_t{kChunkSpan});
 }
 
 } // namespace Zr

@@ -14,6 +14,8 @@
 
 #include <zrclb/env.hpp>
 
+#include "env/chunks.h"
+
 namespace Zr {
 
 class CZrEnvNodeStore {
@@ -25,14 +27,18 @@ public:
         KindData = 8,   // what the virtual conversions answer, without the call
         KindBlock = 16, // set for sections too
         KindSection = 32,
-        View = 64,        // a copy: the children belong to its source
-        LibraryType = 128 // exactly one of the library's own classes, made here
+        View = 64,           // a copy: the children belong to its source
+        LibraryType = 128,   // exactly one of the library's own classes, made here
+        LeavesTogether = 256 // of a block: all children are leaves that lie in one chunk and own no memory
     };
 
     // Of the texts in a chunk none is longer, name and value of one node together included, and behind each of them so
     // many bytes of the chunk may be read.
     static constexpr std::size_t LongestInChunk = 2048;
-    static constexpr std::size_t ReadableBehind = 32;
+    static constexpr std::size_t ReadableBehind = zr::env::ChunkArena::ReadableBehind;
+
+    // So many chunks, 4 MB, a text fills before regions are worth what they may leave empty.
+    static constexpr unsigned SinglesOfReading = 64;
 
     // Single nodes. The name is stored as given, without any check. Null on no memory.
     static CZrEnvDataElement *NewData(std::string_view name); // without value
@@ -61,24 +67,15 @@ public:
         CZrEnvSection *MakeSection(std::string_view name);
 
     private:
-        // An open chunk.
-        struct Arena {
-            char *Take(std::size_t size);
-            void Close();
-
-            char *m_pNext = nullptr;
-            char *m_pEnd = nullptr;
-            void *m_pChunk = nullptr;
-            std::uint32_t m_uNodes = 0; // made in the open chunk
-        };
-
         // Blocks stand close together, apart from the leaves: look-ups go from block to block, to few leaves.
-        Arena m_Leaves;
-        Arena m_Blocks;
+        zr::env::ChunkArena m_Leaves;
+        zr::env::ChunkArena m_Blocks;
+        zr::env::ChunkSource m_Source{SinglesOfReading};
     };
 
     // Appends a fresh, detached node to a block's sequence: constant time, no test.
     static void Append(CZrEnvBlock &block, CZrEnvElement *pElem) {
+        Scatter(block);
         pElem->m_pParent = &block;
         pElem->m_pSucc = nullptr;
         if (block.m_pLast)
@@ -89,14 +86,30 @@ public:
         ++block.m_uCount;
     }
 
+    // The same for a leaf that a batch has made: notes whether the block's leaves lie together.
+    static void AppendLeaf(CZrEnvBlock &block, CZrEnvDataElement *pData) {
+        const bool bPacked =
+            (pData->m_uFlags & (InChunk | LibraryType | OwnsName | OwnsData)) == (InChunk | LibraryType);
+        const bool bTogether =
+            bPacked && (!block.m_pLast || ((block.m_uFlags & LeavesTogether) != 0 &&
+                                           zr::env::ChunkOf(block.m_pLast) == zr::env::ChunkOf(pData)));
+        Append(block, pData);
+        if (bTogether)
+            block.m_uFlags |= LeavesTogether;
+    }
+
+    // Before the sequence of a block changes, and before a node that may stand in one gets memory of its own or leaves its links.
+    static void Scatter(CZrEnvBlock &block) { block.m_uFlags &= ~std::uint32_t{LeavesTogether}; }
+    static void ScatterAround(const CZrEnvElement &elem) {
+        if ((elem.m_uFlags & (InChunk | View)) == InChunk && elem.m_pParent)
+            Scatter(*elem.m_pParent);
+    }
+
     // Ends all children with all that is below them, without recursion, and leaves the block empty.
     static void DestroyChildren(CZrEnvBlock &block);
 
     // Gives the memory of an ended node back to its chunk.
-    static void ReleaseSlot(void *pNode, std::uint32_t uCount = 1);
-
-    // Gives back the chunks that are kept for the next reading.
-    static void DropSpareChunks();
+    static void ReleaseSlot(void *pNode);
 
     static bool IsBlock(const CZrEnvElement *pElem) { return (pElem->m_uFlags & KindBlock) != 0; }
 };

@@ -248,7 +248,7 @@ CZrEnvBlock *CZrEnvReader::ParseElement(CZrEnvBlock &block) {
         return pInner;
     }
     AccumulateString(iFirst, '\n');
-    CZrEnvNodeStore::Append(block, m_Batch.MakeData(name, ReplaceMarks()));
+    CZrEnvNodeStore::AppendLeaf(block, m_Batch.MakeData(name, ReplaceMarks()));
     return &block;
 }
 

@@ -105,11 +105,11 @@ CZrEnvBlock *CZrEnvReader::ReadPlainItem(Item &item, CZrEnvBlock *pBlock) {
         m_uUsed = 0;
         m_bCut = false;
         Append(value.data(), value.size());
-        CZrEnvNodeStore::Append(*pBlock, m_Batch.MakeData(name, ReplaceMarks()));
+        CZrEnvNodeStore::AppendLeaf(*pBlock, m_Batch.MakeData(name, ReplaceMarks()));
         item = end;
         return pBlock;
     }
-    CZrEnvNodeStore::Append(*pBlock, m_Batch.MakeDataOfLine(name, value, item.pLimit));
+    CZrEnvNodeStore::AppendLeaf(*pBlock, m_Batch.MakeDataOfLine(name, value, item.pLimit));
     item = end;
     return pBlock;
 }

@@ -63,6 +63,7 @@ private:
     static bool IsOfItsKind(const CZrEnvElement &elem);
     static const CZrEnvBlock *FirstBlock(const CZrEnvElement *pElem);
 
+    static bool LieTogether(const CZrEnvBlock &block);
     bool Sequence(const CZrEnvBlock &block);
     bool BlockIndex(const CZrEnvBlock &block);
     bool SectionIndex(const CZrEnv &env);
@@ -96,6 +97,18 @@ bool CZrEnvTreeCheck::Work::IsOfItsKind(const CZrEnvElement &elem) {
            flagged(CZrEnvNodeStore::KindSection) == (elem.ToEnvSection() != nullptr);
 }
 
+// Leaves that are said to lie together are ended without a look at them.
+bool CZrEnvTreeCheck::Work::LieTogether(const CZrEnvBlock &block) {
+    constexpr std::uint32_t asked = CZrEnvNodeStore::InChunk | CZrEnvNodeStore::LibraryType |
+                                    CZrEnvNodeStore::KindData | CZrEnvNodeStore::OwnsName | CZrEnvNodeStore::OwnsData;
+    constexpr std::uint32_t packed =
+        CZrEnvNodeStore::InChunk | CZrEnvNodeStore::LibraryType | CZrEnvNodeStore::KindData;
+    for (const CZrEnvElement *pElem = block.m_pFirst; pElem; pElem = pElem->m_pSucc)
+        if ((pElem->m_uFlags & asked) != packed || zr::env::ChunkOf(pElem) != zr::env::ChunkOf(block.m_pFirst))
+            return false;
+    return true;
+}
+
 bool CZrEnvTreeCheck::Work::Sequence(const CZrEnvBlock &block) {
     RingWatch watch;
     std::size_t number = 0;
@@ -116,6 +129,8 @@ bool CZrEnvTreeCheck::Work::Sequence(const CZrEnvBlock &block) {
         return Fail(&block, "the tail is not the last child");
     if (number != block.m_uCount)
         return Fail(&block, "counts " + std::to_string(block.m_uCount) + " children, has " + std::to_string(number));
+    if ((block.m_uFlags & CZrEnvNodeStore::LeavesTogether) != 0 && !LieTogether(block))
+        return Fail(&block, "the leaves do not lie together");
     return true;
 }
 

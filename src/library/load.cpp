@@ -4,7 +4,7 @@
 #include "desktop/living_timers.h"
 #include "desktop/timer_table.h"
 #include "env/env_lock.h"
-#include "env/node_store.h"
+#include "env/chunks.h"
 #include "frame/invalid_parameter.h"
 #include "frame/log.h"
 #include "frame/log_hook.h"
@@ -43,7 +43,7 @@ void LibraryUnload() {
     loaded = false;
     // Later calls of the C library must not reach code that is about to leave the process.
     platform::InstallInvalidParameterReporter(nullptr);
-    Zr::CZrEnvNodeStore::DropSpareChunks();
+    zr::env::DropSpareChunks();
     desktop::DeleteTimers();
     platform::EndMessagePumps();
     frame::LogSection().Delete();

@@ -10,7 +10,7 @@
 #include "frame/refused_heap.h"
 #include "function_fixture.h"
 
-#include "env/node_store.h"
+#include "env/chunks.h"
 #include "platform/services.h"
 
 namespace zr::test {
@@ -71,7 +71,7 @@ bool IsTold(const Reports &reports, const char *tag) {
 // An environment to work on and one more; when they have gone, nothing is left of them.
 class Pair {
 public:
-    Pair() { Zr::CZrEnvNodeStore::DropSpareChunks(); }
+    Pair() { zr::env::DropSpareChunks(); }
 
     std::string Trees() const { return Describe(*env.operator->()) + "\n" + Describe(*other.operator->()); }
 
@@ -121,7 +121,7 @@ private:
     // False when nothing was left to refuse.
     bool RunWithOneRefusal(const Case &rCase, Way way, int others, const std::string &whole, bool &rAnyTold) {
         SCOPED_TRACE("way " + std::to_string(static_cast<int>(way)) + ", behind " + std::to_string(others));
-        Zr::CZrEnvNodeStore::DropSpareChunks();
+        zr::env::DropSpareChunks();
         const MemoryBalance memory;
         const HeapBalance heap;
         bool met = false;
@@ -141,7 +141,7 @@ private:
                 pair.ExpectSoundAndUsable();
             }
         }
-        Zr::CZrEnvNodeStore::DropSpareChunks();
+        zr::env::DropSpareChunks();
         EXPECT_EQ(0, memory.Open()) << "something leaks";
         EXPECT_EQ(0, heap.Open()) << "something leaks";
         return met;
@@ -494,7 +494,7 @@ TEST_F(EnvMemory, IterationThatCannotStartIsNone) {
 }
 
 TEST_F(EnvMemory, CloseAndDeleteNeedNone) {
-    Zr::CZrEnvNodeStore::DropSpareChunks();
+    zr::env::DropSpareChunks();
     const MemoryBalance memory;
     const zr_env last = env_open(1, nullptr);
     const zr_env middle = env_open(2, last);
@@ -512,7 +512,7 @@ TEST_F(EnvMemory, CloseAndDeleteNeedNone) {
         EXPECT_EQ(env_close(sub, 0), 0);
         EXPECT_EQ(env_close(env, 1), 0);
     }
-    Zr::CZrEnvNodeStore::DropSpareChunks();
+    zr::env::DropSpareChunks();
     EXPECT_EQ(0, memory.Open());
     EXPECT_EQ(Reports{}, m_reports.Take());
 }

@@ -296,5 +296,95 @@ TEST_F(TreeCheck, DeepTree_NeedsNoStack) {
     EXPECT_EQ(pBlock, Check::OfEnvironment(*m_env, Indexes::Build).pWhere);
 }
 
+// Leaves that were read lie together until one of them, or their sequence, changes.
+class LeavesThatWereRead : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(Zr::ENV_OK,
+                  m_env->ReadString("[S]\r\nb ={\r\na =1\r\nb =2\r\nc =3\r\n}\r\n[T]\r\nx =1\r\n", Zr::eEnvReadAuto));
+        m_pBlock = m_env->GetBlock("S", "b", true, false);
+        m_pLeaf = m_env->GetDataElement("S", "b@b", true, false);
+    }
+    void TearDown() override { EXPECT_EQ("", Check::OfEnvironment(*m_env, Indexes::Build).what); }
+    bool Together() { return (Probe::Flags(*m_pBlock) & Zr::CZrEnvNodeStore::LeavesTogether) != 0; }
+
+    EnvPtr m_env = NewEnv();
+    CZrEnvBlock *m_pBlock = nullptr;
+    CZrEnvDataElement *m_pLeaf = nullptr;
+    const std::string m_long = std::string(3000, 'v');
+};
+
+TEST_F(LeavesThatWereRead, Untouched_LieTogether) {
+    EXPECT_TRUE(Together());
+}
+
+TEST_F(LeavesThatWereRead, ShorterValueAndName_LieTogether) {
+    m_pLeaf->SetString("9");
+    EXPECT_TRUE(Together());
+    EXPECT_TRUE(m_pLeaf->SetName("z"));
+    EXPECT_TRUE(Together());
+}
+
+TEST_F(LeavesThatWereRead, LongerValue_Not) {
+    m_pLeaf->SetString(m_long.c_str());
+    EXPECT_FALSE(Together());
+}
+
+TEST_F(LeavesThatWereRead, LongerName_Not) {
+    EXPECT_TRUE(m_pLeaf->SetName(m_long.c_str()));
+    EXPECT_FALSE(Together());
+}
+
+TEST_F(LeavesThatWereRead, OneMore_Not) {
+    AddLeaf(*m_pBlock, "d", "4");
+    EXPECT_FALSE(Together());
+}
+
+TEST_F(LeavesThatWereRead, OneBefore_Not) {
+    EXPECT_TRUE(m_pBlock->InsertElementBefore(NewLeaf("d", "4"), m_pLeaf));
+    EXPECT_FALSE(Together());
+}
+
+TEST_F(LeavesThatWereRead, OneLess_Not) {
+    EXPECT_TRUE(m_pBlock->RemoveElement(m_pLeaf, true));
+    EXPECT_FALSE(Together());
+}
+
+TEST_F(LeavesThatWereRead, OneMovedElsewhere_Not) {
+    EXPECT_TRUE(m_env->GetSection("T")->InsertElement(m_pLeaf));
+    EXPECT_FALSE(Together());
+}
+
+TEST_F(LeavesThatWereRead, OneReplaced_Not) {
+    EXPECT_TRUE(m_pBlock->ReplaceElement(m_pLeaf, NewLeaf("d", m_long.c_str())));
+    EXPECT_FALSE(Together());
+}
+
+// It shows the name and the value of another, and what it is given later is its own.
+TEST_F(LeavesThatWereRead, LeafThatBecameAView_Not) {
+    CZrEnvDataElement *pLast = m_env->GetDataElement("S", "b@c", true, false);
+    *pLast = *m_env->GetDataElement("T", "x", true, false);
+    EXPECT_FALSE(Together());
+    Probe::Parent(*pLast) = m_pBlock;
+    pLast->SetString(m_long.c_str());
+    EXPECT_FALSE(Together());
+}
+
+TEST_F(LeavesThatWereRead, LongValueInTheText_Not) {
+    const std::string text = "[S]\r\nb ={\r\na =1\r\nb =" + m_long + "\r\n}\r\n";
+    ASSERT_EQ(Zr::ENV_OK, m_env->ReadString(text.c_str(), Zr::eEnvReadAuto));
+    m_pBlock = m_env->GetBlock("S", "b", true, false);
+    EXPECT_FALSE(Together());
+}
+
+TEST_F(LeavesThatWereRead, MoreThanAChunkHolds_Not) {
+    std::string text = "[S]\r\nb ={\r\n";
+    for (int i = 0; i < 3000; ++i)
+        text += "name =value\r\n";
+    ASSERT_EQ(Zr::ENV_OK, m_env->ReadString((text + "}\r\n").c_str(), Zr::eEnvReadAuto));
+    m_pBlock = m_env->GetBlock("S", "b", true, false);
+    EXPECT_FALSE(Together());
+}
+
 } // namespace
 } // namespace zr::test
