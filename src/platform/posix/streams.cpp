@@ -117,16 +117,19 @@ ssize_t ReadText(void *cookie, char *block, std::size_t size) {
     auto &stream = *static_cast<Stream *>(cookie);
     if (stream.ended || size == 0 || IsReadOfSeek(*stream.file))
         return 0;
-    const ssize_t raw = ReadRaw(stream, block, size);
-    if (raw <= 0)
-        return raw;
-    auto count = static_cast<std::size_t>(raw);
-    const void *end = std::memchr(block, end_of_text, count);
+    // Where nothing is written, what writing needs is free for the raw block.
+    char *const raw = stream.update ? block : stream.staging;
+    const ssize_t fetched = ReadRaw(stream, raw, stream.update ? size : std::min(size, buffer_size));
+    if (fetched <= 0)
+        return fetched;
+    auto count = static_cast<std::size_t>(fetched);
+    const void *end = std::memchr(raw, end_of_text, count);
     if (end != nullptr) {
-        count = static_cast<std::size_t>(static_cast<const char *>(end) - block);
+        count = static_cast<std::size_t>(static_cast<const char *>(end) - raw);
         stream.ended = true;
     }
-    count = posix::DropCarriageReturns(block, count);
+    count =
+        stream.update ? posix::DropCarriageReturns(block, count) : posix::CopyWithoutCarriageReturns(raw, count, block);
     if (!stream.ended && block[count - 1] == '\r')
         ResolveLastCarriageReturn(stream, block[count - 1]);
     if (stream.update)

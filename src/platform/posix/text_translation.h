@@ -9,6 +9,9 @@ namespace zr::platform::posix {
 // Turns each CR LF of block[0..size-1] into LF, in place, and answers the new size. A CR in the last byte stays.
 std::size_t DropCarriageReturns(char *block, std::size_t size);
 
+// The same from data[0..size-1] to out, which does not overlap it and has room for size bytes: faster.
+std::size_t CopyWithoutCarriageReturns(const char *data, std::size_t size, char *out);
+
 // Copies text from data[0..size-1] to out[0..capacity-1] with CR LF for each LF until one of them ends. Answers the
 // bytes put; `used` gets the bytes taken. `capacity` is at least 2, so that every call with a size above 0 takes
 // something.

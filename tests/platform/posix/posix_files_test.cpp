@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <random>
 #include <string>
 #include <thread>
 
@@ -247,6 +248,33 @@ TEST(TextTranslation, EveryRoomTakesSomething) {
             out.append(piece, 0, count);
         }
         EXPECT_EQ(out, expected) << room;
+    }
+}
+
+// Texts of few different bytes, with ends of lines at all distances from a stride's end; the plain way beside them.
+TEST(TextTranslation, CarriageReturnsInFrontOfLineFeeds_Go) {
+    std::mt19937 random{5};
+    for (int round = 0; round < 3000; ++round) {
+        const char *letters = round % 3 == 0   ? "\r\n"
+                              : round % 3 == 1 ? "a\r\nb\n"
+                                               : "abcdefghijklmnopqrs\rtuvwxyz\n\0";
+        const std::size_t kinds = round % 3 == 0 ? 2 : round % 3 == 1 ? 5 : 29;
+        std::string text;
+        for (std::size_t size = random() % 120; text.size() < size;) {
+            const char c = letters[random() % kinds];
+            text += c;
+            if (c == '\r' && random() % 4 != 0 && text.size() < size)
+                text += '\n';
+        }
+        std::string expected;
+        for (std::size_t i = 0; i < text.size(); ++i)
+            if (text[i] != '\r' || i + 1 == text.size() || text[i + 1] != '\n')
+                expected += text[i];
+        std::string copy(text.size(), '#');
+        copy.resize(posix::CopyWithoutCarriageReturns(text.data(), text.size(), copy.data()));
+        ASSERT_EQ(copy, expected);
+        text.resize(posix::DropCarriageReturns(text.data(), text.size()));
+        ASSERT_EQ(text, expected);
     }
 }
 
