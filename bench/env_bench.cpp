@@ -1,9 +1,9 @@
-// The data store beside pugixml, GKeyFile, boost property_tree and rapidjson: reading a text and a file, look-ups by path and
-// by name, writing, ending the tree.
+// The data store beside pugixml, GKeyFile, boost property_tree and rapidjson: reading a text and a file, look-ups by
+// path and by name, writing, ending the tree.
 //
-// Items per second are leaves (look-ups for the look-up rows), so rows of one kind compare directly. Every library is asked
-// for the same doubles, and the sum of the answers is checked once before it is timed. A row's argument is the number of
-// sections, of a thousand leaves each.
+// Items per second are leaves (look-ups for the look-up rows), so rows of one kind compare directly. Every library is
+// asked for the same doubles, and the sum of the answers is checked once before it is timed. A row's argument is the
+// number of sections, of a thousand leaves each.
 #include <cmath>
 #include <map>
 

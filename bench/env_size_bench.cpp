@@ -1,7 +1,8 @@
-// What a leaf costs in trees of 10,000 to 4,000,000 leaves, and in one block of a million: reading, writing, look-ups, ending.
+// What a leaf costs in trees of 10,000 to 4,000,000 leaves, and in one block of a million: reading, writing, look-ups,
+// ending.
 //
-// Items per second are leaves or look-ups. A row's argument is the number of leaves in thousands; `wide` rows have all of them in
-// one block.
+// Items per second are leaves or look-ups. A row's argument is the number of leaves in thousands; `wide` rows have all
+// of them in one block.
 #include <cmath>
 #include <map>
 #include <utility>

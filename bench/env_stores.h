@@ -1,7 +1,7 @@
 // The data store and its peers, each asked for the same work: one class for each library.
 //
-// Read and ReadFile make the tree, End ends it, Value looks one target up, Write gives the size of the text that it makes. Ask
-// puts the way to a target into the form of the library, before the time is taken.
+// Read and ReadFile make the tree, End ends it, Value looks one target up, Write gives the size of the text that it
+// makes. Ask puts the way to a target into the form of the library, before the time is taken.
 #ifndef ZR_BENCH_ENV_STORES_H
 #define ZR_BENCH_ENV_STORES_H
 

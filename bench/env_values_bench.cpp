@@ -1,5 +1,5 @@
-// Single values of the data store: elements in hand, puts to paths that are there, a tree that is built put by put, and one
-// that is copied into another, beside boost property_tree.
+// Single values of the data store: elements in hand, puts to paths that are there, a tree that is built put by put, and
+// one that is copied into another, beside boost property_tree.
 //
 // Items per second are values, leaves for the rows that build and copy. The model has 50,000 leaves.
 #include <benchmark/benchmark.h>

@@ -1,7 +1,8 @@
 // One made-up model, the same leaves in the notation of each library that is measured.
 //
-// A section has 20 blocks of 50 leaves; in every fifth block 25 of them lie one or two levels deeper. Of the leaves 40 % are
-// doubles, 30 % integers, 20 % texts and 10 % lists of eight doubles. The same seed gives the same model everywhere.
+// A section has 20 blocks of 50 leaves; in every fifth block 25 of them lie one or two levels deeper. Of the leaves 40
+// % are doubles, 30 % integers, 20 % texts and 10 % lists of eight doubles. The same seed gives the same model
+// everywhere.
 #ifndef ZR_BENCH_MODEL_TEXT_H
 #define ZR_BENCH_MODEL_TEXT_H
 

@@ -1,9 +1,9 @@
 // Memory of many small things that end together: chunks that are filled from front to back and given back as a whole.
 //
 // A chunk lives until all that was taken from it has been released, whoever does that. The first chunks of a source are
-// allocations of their own; where more are wanted they are cut from regions as large as the system's large pages, so that a
-// large tree costs few page faults and few entries of the processor's address cache. Some empty chunks and regions wait for
-// the next reading: fresh memory costs as much as what is then done with it.
+// allocations of their own; where more are wanted they are cut from regions as large as the system's large pages, so
+// that a large tree costs few page faults and few entries of the processor's address cache. Some empty chunks and
+// regions wait for the next reading: fresh memory costs as much as what is then done with it.
 #ifndef ZR_ENV_CHUNKS_H
 #define ZR_ENV_CHUNKS_H
 
@@ -53,8 +53,8 @@ private:
 // An open chunk, and after it the next. Nothing happens at its end: the owner calls Close.
 class ChunkArena {
 public:
-    // Bytes for one thing, aligned for pointers, far fewer than a chunk has; so many bytes behind them may be read and, until the
-    // next call, be written. Count says that the thing is there. std::bad_alloc on no memory.
+    // Bytes for one thing, aligned for pointers, far fewer than a chunk has; so many bytes behind them may be read and,
+    // until the next call, be written. Count says that the thing is there. std::bad_alloc on no memory.
     char *Take(std::size_t size, ChunkSource &rSource) {
         size = Rounded(size, alignof(void *));
         if (static_cast<std::size_t>(m_pEnd - m_pNext) < size)
@@ -88,8 +88,9 @@ private:
     std::uint32_t m_uThings = 0; // counted in the open chunk
 };
 
-// Memory for a thing of some kilobytes at most that shares chunks with such things of all owners, at the start of a line of the
-// processor's cache. Null where another thread is at it, or on no memory: the caller then allocates. Any thread.
+// Memory for a thing of some kilobytes at most that shares chunks with such things of all owners, at the start of a
+// line of the processor's cache. Null where another thread is at it, or on no memory: the caller then allocates. Any
+// thread.
 void *TakePiece(std::size_t size);
 void ReleasePiece(void *pPiece);
 

@@ -6,6 +6,7 @@
 
 #include "env/function_call.h"
 #include "env/sibling_walk.h"
+#include "env/tree_copy.h"
 
 using namespace zr::env;
 using Zr::CZrEnv;
@@ -245,6 +246,8 @@ int env_sink(zr_env target, zr_env source, zr_long mode) noexcept {
     return Locked(kError, kTag, __LINE__, [&] {
         SinkState state{target, mode, env_get_delimiter(source)};
         leafWalkFlag = 1;
+        if ((mode == AddMissing || mode == Overwrite) && Zr::CopyPlainTree(*Tree(target), *Tree(source)))
+            return int{Zr::ENV_OK};
         const int result = env_traverse_leafs(source, SinkVisit, &state);
         return result == Zr::ENV_OK && leafWalkFlag ? int{Zr::ENV_OK} : kError;
     });

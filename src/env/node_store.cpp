@@ -115,7 +115,8 @@ void CZrEnvNodeStore::ReleaseSlot(void *pNode) {
 
 namespace {
 
-// Tells chunks of the nodes that end in them. Nodes that follow one another mostly lie in one chunk: it is told of them once.
+// Tells chunks of the nodes that end in them. Nodes that follow one another mostly lie in one chunk: it is told of them
+// once.
 class EndedNodes {
 public:
     EndedNodes() = default;
@@ -145,8 +146,8 @@ private:
 
 } // namespace
 
-// Children of a block take its place in the walk, so the depth of the tree needs no memory. Leaves that lie together own
-// nothing: they are not even looked at.
+// Children of a block take its place in the walk, so the depth of the tree needs no memory. Leaves that lie together
+// own nothing: they are not even looked at.
 void CZrEnvNodeStore::DestroyChildren(CZrEnvBlock &block) {
     const bool bTogether = (block.m_uFlags & LeavesTogether) != 0;
     CZrEnvElement *pNext = block.m_pFirst;
@@ -189,6 +190,10 @@ void CZrEnvNodeStore::DestroyChildren(CZrEnvBlock &block) {
                 static_cast<CZrEnvDataElement *>(pElem)->CZrEnvDataElement::~CZrEnvDataElement();
         }
     }
+}
+
+bool CZrEnvNodeStore::IsOrdered(const CZrEnvBlock &block) {
+    return block.m_pIndex && block.m_pIndex->IsOrdered();
 }
 
 } // namespace Zr

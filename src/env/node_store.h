@@ -98,7 +98,8 @@ public:
             block.m_uFlags |= LeavesTogether;
     }
 
-    // Before the sequence of a block changes, and before a node that may stand in one gets memory of its own or leaves its links.
+    // Before the sequence of a block changes, and before a node that may stand in one gets memory of its own or leaves
+    // its links.
     static void Scatter(CZrEnvBlock &block) { block.m_uFlags &= ~std::uint32_t{LeavesTogether}; }
     static void ScatterAround(const CZrEnvElement &elem) {
         if ((elem.m_uFlags & (InChunk | View)) == InChunk && elem.m_pParent)
@@ -112,6 +113,13 @@ public:
     static void ReleaseSlot(void *pNode);
 
     static bool IsBlock(const CZrEnvElement *pElem) { return (pElem->m_uFlags & KindBlock) != 0; }
+    static bool IsSection(const CZrEnvElement &elem) { return (elem.m_uFlags & KindSection) != 0; }
+
+    // Whether a node is of the library's own classes and owns what is below it.
+    static bool IsPlain(const CZrEnvElement &elem) { return (elem.m_uFlags & (LibraryType | View)) == LibraryType; }
+
+    // Whether the order among namesakes may be another than that of the sequence.
+    static bool IsOrdered(const CZrEnvBlock &block);
 };
 
 } // namespace Zr

@@ -12,9 +12,14 @@
 
 namespace Zr {
 
-// Makes subenvironments without the walk up the tree that finds out which environment owns an element.
+// Makes subenvironments without the walk up the tree that finds out which environment owns an element, and tells what no
+// other function does.
 class CZrEnvWalk {
 public:
+    // Neither a subenvironment nor a copy.
+    static bool IsPlainTop(const CZrEnv &rEnv) { return !rEnv.m_pParentEnv && !rEnv.m_bView; }
+    static bool HasDefault(const CZrEnv &rEnv) { return rEnv.m_pDefaultEnv != nullptr; }
+
     // pOwner is what pRoot->GetEnv() gives. The same object as OpenSubenv makes; std::bad_alloc on no memory.
     static CZrEnv *Open(CZrEnvElement *pRoot, CZrEnv *pOwner) { return new CZrEnv(pRoot, pOwner); }
 };

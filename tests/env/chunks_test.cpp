@@ -1,5 +1,5 @@
-// Chunks and the regions that they are cut from: what is taken does not overlap, and all goes back once the last thing has ended,
-// in whatever order. What is allocated with an alignment goes through the counter below.
+// Chunks and the regions that they are cut from: what is taken does not overlap, and all goes back once the last thing
+// has ended, in whatever order. What is allocated with an alignment goes through the counter below.
 #include "env/chunks.h"
 
 #include <algorithm>

@@ -129,7 +129,8 @@ double Seconds(std::chrono::steady_clock::time_point since) {
 
 } // namespace
 
-// --- env_traverse -----------------------------------------------------------------------------------------------------
+// --- env_traverse
+// -----------------------------------------------------------------------------------------------------
 
 TEST(EnvTraverse, NumbersNamesakes) {
     EnvHandle env("[S]\na =1\nb =2\na =3\nblock ={\nx =4\nx =5\n}\n");
@@ -397,7 +398,8 @@ TEST(EnvTraverse, MillionNamesakes) {
     RecordProperty("seconds", std::to_string(Seconds(start)));
 }
 
-// --- env_traverse_leafs -----------------------------------------------------------------------------------------------
+// --- env_traverse_leafs
+// -----------------------------------------------------------------------------------------------
 
 TEST(EnvTraverseLeafs, VisitsLeafsInSequence) {
     EnvHandle env(kModel);
@@ -568,7 +570,8 @@ TEST(EnvTraverseLeafs, MillionLevels) {
     RecordProperty("seconds", std::to_string(Seconds(start)));
 }
 
-// --- env_sink ---------------------------------------------------------------------------------------------------------
+// --- env_sink
+// ---------------------------------------------------------------------------------------------------------
 
 TEST(EnvSink, AddsWhatIsMissing) {
     EnvHandle source("[S]\na =1\nb ={\nx =2\n}\n[T]\nc =3\n");
@@ -693,7 +696,126 @@ TEST(EnvSink, IntoItselfChangesNothing) {
     }
 }
 
-// --- env_copy_block ---------------------------------------------------------------------------------------------------
+// What env_sink into an environment comes to, step by step: the modes that copy what is missing, or all.
+int PlainSink(zr_env target, zr_env source, zr_long mode) {
+    int fault = 0;
+    const int result = TraverseLeafs(source, [&](zr_env sub, const char *section, const char *path) {
+        if (fault != 0 || (mode == 0 && env_exist(target, section, path, 1)))
+            return;
+        const char *text = nullptr;
+        env_get_reference(sub, nullptr, nullptr, 1, &text);
+        fault = env_put(target, section, path, text);
+    });
+    return result == 0 && fault == 0 ? 0 : -10;
+}
+
+// Names that repeat, that a path takes apart or cannot lead to, empty blocks, sections of one name, sections without
+// leaves.
+std::string RandomModel(std::mt19937 &random, bool strange) {
+    static const char *const plain[] = {"a", "b", "c", "12", "a long name of a leaf"};
+    static const char *const odd[] = {"a", "a@2", "@", "b@x", "3"};
+    std::string text;
+    int open = 0;
+    for (int sections = 1 + static_cast<int>(random() % 4); sections > 0; --sections) {
+        text += "[S" + std::to_string(strange ? random() % 3 : static_cast<unsigned>(sections)) + "]\n";
+        for (int left = static_cast<int>(random() % 25); left > 0; --left) {
+            const char *name = strange ? odd[random() % 5] : plain[random() % 5];
+            const auto kind = random() % 6;
+            if (kind == 0) {
+                text += std::string(name) + " ={\n" + (strange && random() % 2 == 0 ? "" : "x =1\n");
+                ++open;
+            } else if (kind == 1 && open > 0) {
+                text += "}\n";
+                --open;
+            } else {
+                text += std::string(name) + " =" + std::string(random() % 40, 'v') + "\n";
+            }
+        }
+        for (; open > 0; --open)
+            text += "}\n";
+    }
+    return text;
+}
+
+void ExpectSameSink(zr_env source, const char *delimiter, const std::string &told) {
+    for (zr_long mode : {0, 2}) {
+        EnvHandle target;
+        EnvHandle reference;
+        env_set_delimiter(target, *delimiter);
+        env_set_delimiter(reference, *delimiter);
+        const int expected = PlainSink(reference, source, mode);
+        EXPECT_EQ(env_sink(target, source, mode), expected) << told;
+        EXPECT_EQ(WrittenText(target), WrittenText(reference)) << told;
+        EXPECT_EQ(target->GetLastError(), reference->GetLastError()) << told;
+    }
+}
+
+TEST(EnvSink, IntoAnEmptyOneDoesAsPutsDo) {
+    std::mt19937 random(7);
+    for (int round = 0; round < 400; ++round) {
+        const std::string text = RandomModel(random, round % 2 != 0);
+        EnvHandle source(text.c_str());
+        ExpectSameSink(source, "@", text);
+        if (round % 16 == 0)
+            ExpectSameSink(source, "1", text);
+    }
+}
+
+// After a rename, a move, a value that is longer, an element without value.
+TEST(EnvSink, OfAChangedTreeDoesAsPutsDo) {
+    std::mt19937 random(8);
+    for (int round = 0; round < 100; ++round) {
+        const std::string text = "[S]\na =1\na =2\nb ={\na =3\nc =4\nc =5\n}\nb =6\n[T]\nx =7\n";
+        EnvHandle source(text.c_str());
+        for (int edits = 0; edits < 3; ++edits) {
+            switch (random() % 6) {
+            case 0:
+                env_rename(source, "S", "b@a", random() % 2 ? "c" : "a much longer name");
+                break;
+            case 1:
+                env_put(source, "S", random() % 2 ? "b@c@3" : "b@c@6", "8");
+                break;
+            case 2:
+                env_delete(source, "S", random() % 2 ? "a" : "b@c");
+                break;
+            case 3:
+                env_put(source, "T", "x", std::string(3000, 'w').c_str());
+                break;
+            case 4:
+                source->GetBlock("S", nullptr, true, false)
+                    ->InsertElementBefore(new Zr::CZrEnvDataElement("a", "9"),
+                                          source->GetElement("S", "a", true, false));
+                break;
+            default:
+                env_delete(source, "T", nullptr);
+            }
+        }
+        ExpectSameSink(source, "@", std::to_string(round));
+    }
+}
+
+TEST(EnvSink, OfWhatWasSunkBuildsTheSameTree) {
+    EnvHandle source("[S]\na =1\nb ={\nx =2\n}\n[T]\nc =3\n");
+    EnvHandle target;
+    EXPECT_EQ(env_sink(target, source, 2), 0);
+    EXPECT_EQ(env_put(target, "S", "b@x", "a longer value than before"), 0);
+    EXPECT_EQ(env_put(target, "S", "b@y", "new"), 0);
+    EXPECT_EQ(ValueOf(source, "S", "b@x"), "2");
+    EnvHandle again;
+    EXPECT_EQ(env_sink(again, target, 0), 0);
+    EXPECT_EQ(WrittenText(again), WrittenText(target));
+}
+
+TEST(EnvSink, DefaultsCountAsThere) {
+    EnvHandle source("[S]\na =1\nb =2\n");
+    EnvHandle deflt("[S]\na =old\n");
+    EnvHandle target("", 0, deflt);
+    EXPECT_EQ(env_sink(target, source, 0), 0);
+    EXPECT_EQ(WrittenText(target), "[S]\n  b =2\n");
+}
+
+// --- env_copy_block
+// ---------------------------------------------------------------------------------------------------
 
 TEST(EnvCopyBlock, CopiesToTheSameAddress) {
     EnvHandle source(kModel);
@@ -774,7 +896,8 @@ TEST(EnvCopyBlock, BothEndsAreClosedAgain) {
     EXPECT_EQ(env_close(target, 0), 0);
 }
 
-// --- env_list_elem_names ----------------------------------------------------------------------------------------------
+// --- env_list_elem_names
+// ----------------------------------------------------------------------------------------------
 
 TEST(EnvListElemNames, NamesAndSeparators) {
     EnvHandle deflt("[D]\nx =1\n");

@@ -18,8 +18,8 @@ const char *Find(const char *from, const char *end, char c) {
     return found == nullptr ? end : static_cast<const char *>(found);
 }
 
-// Copies all but each CR in front of an LF, of at least one byte, and answers where the copy ends. `put` may lie in what is
-// copied, not behind `from`.
+// Copies all but each CR in front of an LF, of at least one byte, and answers where the copy ends. `put` may lie in
+// what is copied, not behind `from`.
 char *CopyEach(const char *from, const char *end, char *put) {
     const char *const last = end - 1;
     for (; from != last; ++from) {
