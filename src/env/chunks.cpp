@@ -167,14 +167,10 @@ void *TakePiece(std::size_t size) {
     const TryGuard guard(PiecesInUse);
     if (!guard)
         return nullptr;
-    try {
-        Pieces.Align(kCacheLine);
-        void *pPiece = Pieces.Take(size, PieceSource);
-        Pieces.Count();
-        return pPiece;
-    } catch (const std::bad_alloc &) {
-        return nullptr;
-    }
+    Pieces.Align(kCacheLine);
+    void *pPiece = Pieces.Take(size, PieceSource);
+    Pieces.Count();
+    return pPiece;
 }
 
 void ReleasePiece(void *pPiece) {

@@ -89,8 +89,8 @@ private:
 };
 
 // Memory for a thing of some kilobytes at most that shares chunks with such things of all owners, at the start of a
-// line of the processor's cache. Null where another thread is at it, or on no memory: the caller then allocates. Any
-// thread.
+// line of the processor's cache. Null where another thread is at it: the caller then allocates. std::bad_alloc on no
+// memory. Any thread.
 void *TakePiece(std::size_t size);
 void ReleasePiece(void *pPiece);
 

@@ -3,8 +3,8 @@
 
 #include "desktop/living_timers.h"
 #include "desktop/timer_table.h"
-#include "env/env_lock.h"
 #include "env/chunks.h"
+#include "env/env_lock.h"
 #include "frame/invalid_parameter.h"
 #include "frame/log.h"
 #include "frame/log_hook.h"

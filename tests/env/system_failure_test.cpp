@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "env/chunks.h"
 #include "env/counted_memory.h"
 #include "env/function_fixture.h"
 #include "env/reference_reader.h"
@@ -80,8 +81,10 @@ protected:
     static int ForEveryCall(const std::function<bool(int)> &work) {
         for (int others = 0; others < MostCalls; ++others) {
             work(others);
+            zr::env::DropSpareChunks();
             const long long before = zr::test::living_blocks;
             const bool met = work(others);
+            zr::env::DropSpareChunks();
             EXPECT_EQ(zr::test::living_blocks, before) << others;
             if (!met || HasFailure())
                 return others;

@@ -1,5 +1,6 @@
 // The tree with one refused allocation at a time: what each operation then gives and reports, that the tree is still sound
 // and that nothing leaks.
+#include "env/chunks.h"
 #include "env/refused_memory.h"
 #include "env/report_capture.h"
 #include "env/tree_checker.h"
@@ -57,6 +58,7 @@ protected:
             const testing::ScopedTrace trace(__FILE__, __LINE__, "refused: number " + std::to_string(refused));
             m_env.reset();
             m_reports.Take();
+            zr::env::DropSpareChunks();
             const MemoryBalance balance;
             Build();
             const Outcome outcome = change(refused);
@@ -65,6 +67,7 @@ protected:
                 EXPECT_TRUE(EnvIsSound(*m_env));
             }
             m_env.reset();
+            zr::env::DropSpareChunks(); // of the indexes
             EXPECT_EQ(0, balance.Open()) << "something leaks";
             Build();
             if (outcome == Outcome::Whole || refused > 1000)
