@@ -16,6 +16,7 @@
 #include <zrclb/report.h>
 
 #include "env/node_store.h"
+#include "platform/memory.h"
 #include "platform/streams.h"
 
 namespace Zr {
@@ -352,6 +353,7 @@ bool CZrEnvWriter::MakeRoom() {
         zr_error("Can not allocate buffer", nullptr, nullptr, Tag, __LINE__);
         return false;
     }
+    zr::platform::WantLargePages(pLarger.get(), static_cast<std::size_t>(uCapacity));
     std::memcpy(pLarger.get(), m_pBuffer.get(), m_uCount);
     m_pBuffer = std::move(pLarger);
     m_uCapacity = static_cast<std::uint32_t>(uCapacity);
