@@ -139,9 +139,19 @@ class Question {
 public:
     Question(ModelEnv &model, CZrEnv &env, TreeInput &input)
         : m_model(model), m_env(env), m_env_handle(reinterpret_cast<zr_env>(&env)), m_direct(input.Byte() % 2 != 0),
-          m_position(input.Number()), m_section(input.Name()), m_path(input.Text()) {
-        if (m_path == std::string(1, '\xFF'))
-            m_path.reset();
+          m_position(input.Number()) {
+        const std::uint8_t choice = input.Byte();
+        const std::vector<ModelNode *> nodes = fuzz::NodesOf(model);
+        if (choice >= 192 || nodes.empty()) {
+            m_section = input.Name();
+            if (choice != 255)
+                m_path = input.Text();
+            return;
+        }
+        fuzz::NodeAddress address(model, nodes[choice % nodes.size()], choice % 2 == 0);
+        LeaveOut(address.steps, input.Byte());
+        m_section = model.IsSub() ? input.Name() : address.section;
+        m_path = address.Path(model.delimiter);
     }
 
     void Ask() {
@@ -157,6 +167,15 @@ public:
     CZrEnv *Open() { return m_env.OpenSubenv(OrNull(m_section), OrNull(m_path), m_direct); }
 
 private:
+    // What a search through the tree finds all the same, or finds elsewhere; with another end now and then.
+    void LeaveOut(std::vector<std::string> &steps, std::uint8_t choice) {
+        for (std::size_t i = steps.size(); i-- > 0; choice /= 2)
+            if (choice % 2 != 0)
+                steps.erase(steps.begin() + static_cast<std::ptrdiff_t>(i));
+        if (choice % 4 != 0)
+            steps.push_back(choice % 4 == 1 ? "a" : choice % 4 == 2 ? "b" : std::string("a") + m_model.delimiter + "2");
+    }
+
     void RequireSame(const CZrEnvElement *element, const ModelNode *node, const char *what) const {
         Require(element == (node ? node->element : nullptr), what);
         Require(m_env.GetLastError() == m_model.lastError, "last error");
@@ -260,7 +279,7 @@ void CheckBuildPath(char delimiter, TreeInput &input) {
 
 } // namespace
 
-// A byte of choices, the delimiter, a byte that tells the number of steps, the steps, then questions.
+// A byte of choices, the delimiter, a byte for each tree to begin with, the number of steps, the steps, then questions.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     TreeInput input(data, size);
     const unsigned choices = input.Byte();
@@ -276,8 +295,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
             pair->model.delimiter = delimiter;
         }
     }
+    fuzz::ReadFirstText(front.model, *front.env, input.Byte());
+    fuzz::ReadFirstText(behind.model, *behind.env, input.Byte());
     for (int steps = input.Byte() % 64; steps > 0 && !input.Empty(); --steps)
         (steps % 4 == 3 ? behind : front).Step(input);
+    for (Pair *pair : {&front, &behind}) {
+        Require(Compare(pair->model, *pair->env).empty(), "the tree is what was built");
+        for (const auto &section : pair->model.sections)
+            Require(CompareNames(*section).empty(), "names in their order");
+    }
 
     for (int questions = 0; questions < 20 && !input.Empty(); ++questions) {
         fuzz::TakeReports();

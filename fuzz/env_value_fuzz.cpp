@@ -140,6 +140,9 @@ void CheckList(const Text &text, ReferenceValueGrammar::Rule rule, zr_long capac
     Require(count == (parsed.matched && fits ? static_cast<zr_long>(stored) : 0), "count of a list");
 }
 
+// A text that is longer is not doubled any more.
+constexpr std::size_t LongestDoubled = 2000;
+
 // The element under test and the text that it must have. It belongs to a block, as leaves do.
 class Run {
 public:
@@ -229,7 +232,7 @@ private:
         const std::string part = m_text->substr(at);
         const char *present = m_pLeaf->GetString() + at;
         const char *twice[] = {present, present};
-        if (where % 2 == 0)
+        if (where % 2 == 0 || part.size() > LongestDoubled)
             Expect(m_pLeaf->SetString(present), part);
         else
             Expect(m_pLeaf->SetStrings(2, twice), part + "," + part);

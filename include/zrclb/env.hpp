@@ -406,7 +406,8 @@ public:
 
     // A view rooted at an element, with the delimiter, id and default that the top-level environment has now; ended by
     // DestroyEnv. It holds the top-level environment alive. Null for null, on no memory and, at top level, for an element of
-    // another environment. A root that is deleted later leaves the view without root: it then finds nothing.
+    // another environment. A root that is deleted later, or moves to another tree, leaves the view without root: it then
+    // finds nothing. One that RemoveElement takes out stays, and must not end before the view.
     CZrEnv *OpenSubenv(CZrEnvElement *pElem);
     // The same at the addressed element, without the default chain; null when there is none.
     CZrEnv *OpenSubenv(const char *szSection, const char *szPath, bool bDirect);

@@ -104,7 +104,12 @@ bool CZrEnvBlock::Adopt(CZrEnvElement *pElem) {
         return true;
     if (m_pIndex && m_pIndex->IsOrdered())
         m_pIndex->Reserve(pElem);
-    return pElem->m_pParent->RemoveElement(pElem, false);
+    CZrEnv *pOwner = pElem->CZrEnvElement::GetEnv(); // a section in a block knows none itself
+    if (!pElem->m_pParent->RemoveElement(pElem, false))
+        return false;
+    if (pOwner && pOwner != (m_pParent ? CZrEnvElement::GetEnv() : GetEnv()))
+        pOwner->ForgetRootsBelow(pElem); // it leaves the tree that those are views of
+    return true;
 }
 
 void CZrEnvBlock::InsertElementIntoContainer(CZrEnvElement *pElem) {
@@ -191,7 +196,7 @@ bool CZrEnvBlock::RemoveElement(CZrEnvElement *pElem, bool bDelete) {
         return false;
     if (m_pIndex && m_pIndex->IsOrdered() && m_pIndex->EntryCount() >= m_uCount)
         m_pIndex->Forget(pElem);
-    if (CZrEnv *pEnv = bDelete ? GetEnv() : nullptr)
+    if (CZrEnv *pEnv = bDelete ? pElem->CZrEnvElement::GetEnv() : nullptr)
         pEnv->ForgetRootsBelow(pElem);
     CountTreeEdit();
     pElem->m_pParent = nullptr;
@@ -213,7 +218,7 @@ bool CZrEnvBlock::ReplaceElement(CZrEnvElement *pOld, CZrEnvElement *pNew) {
         return false;
     rIndex.Replace(pOld, pNew);
     rIndex.Forget(pOld);
-    if (CZrEnv *pEnv = GetEnv())
+    if (CZrEnv *pEnv = pOld->CZrEnvElement::GetEnv())
         pEnv->ForgetRootsBelow(pOld);
 
     CountTreeEdit();

@@ -227,7 +227,14 @@ bool CZrEnv::Detach(CZrEnvSection *pSection) {
         pOwner->UnlinkSection(pSection);
         --pOwner->m_lSectionCount;
     }
-    return !pSection->m_pParent || pSection->m_pParent->RemoveElement(pSection, false);
+    if (!pSection->m_pParent)
+        return true;
+    CZrEnv *pHolder = pSection->CZrEnvElement::GetEnv(); // of the block that it stands in
+    if (!pSection->m_pParent->RemoveElement(pSection, false))
+        return false;
+    if (pHolder)
+        pHolder->ForgetRootsBelow(pSection);
+    return true;
 }
 
 bool CZrEnv::InsertSection(CZrEnvSection *pSection) {

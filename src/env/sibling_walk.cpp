@@ -69,7 +69,8 @@ void PathText::Add(zr_long number) {
 CZrEnv *OwnerMemo::Of(const CZrEnvElement &rElem) {
     const std::size_t edits = Zr::TreeEdits();
     if (!m_bKnown || edits != m_uEdits) {
-        m_pOwner = rElem.GetEnv();
+        // A section inside a block knows of no environment, but its siblings do.
+        m_pOwner = rElem.GetParent() ? rElem.CZrEnvElement::GetEnv() : rElem.GetEnv();
         m_uEdits = edits;
         m_bKnown = true;
     }
@@ -127,7 +128,9 @@ CZrEnv *SiblingWalk::OpenSub(const StepAddress &rAddress) {
     CZrEnvElement *pElem = m_pEnv->GetElement(rAddress.section, rAddress.Path(), m_bDirect, false);
     if (!pElem)
         return nullptr;
-    CZrEnv *pSub = Zr::CZrEnvWalk::Open(pElem, m_subOwner.Of(*pElem));
+    const bool isInnerSection =
+        pElem->GetParent() && pElem->ToEnvSection(); // a view of one is a view of no environment
+    CZrEnv *pSub = Zr::CZrEnvWalk::Open(pElem, isInnerSection ? pElem->GetEnv() : m_subOwner.Of(*pElem));
     ForgetIteration(Handle(pSub));
     return pSub;
 }

@@ -641,6 +641,28 @@ TEST_F(Environment, CreateSubenv_OverLongNames) {
     }
 }
 
+// A section inside a block knows of no environment; the views below it are told all the same.
+TEST(SubenvironmentRoot, DeletedBelowAnInnerSection) {
+    EnvPtr env = NewEnv();
+    auto *pInner = new CZrEnvSection("inner");
+    ASSERT_TRUE(env->InsertSection("S")->InsertElement(pInner));
+    CZrEnvBlock *pFirst = AddBlock(*pInner, "first");
+    CZrEnvBlock *pSecond = AddBlock(*pInner, "second");
+    CZrEnvBlock *pThird = AddBlock(*pInner, "third");
+    const EnvPtr onFirst(env->OpenSubenv(pFirst));
+    const EnvPtr onSecond(env->OpenSubenv(AddLeaf(*pSecond, "x")));
+    const EnvPtr onThird(env->OpenSubenv(pThird));
+    EXPECT_TRUE(pInner->RemoveElement(pFirst, true));
+    EXPECT_EQ(nullptr, onFirst->GetSubEnvRootElement());
+    EXPECT_TRUE(pInner->ReplaceElement(pSecond, NewLeaf("n")));
+    EXPECT_EQ(nullptr, onSecond->GetSubEnvRootElement());
+    EnvPtr other = NewEnv();
+    EXPECT_TRUE(other->InsertSection(pInner));
+    EXPECT_EQ(nullptr, onThird->GetSubEnvRootElement());
+    EXPECT_TRUE(EnvIsSound(*env));
+    EXPECT_TRUE(EnvIsSound(*other));
+}
+
 // Each way to end what a view is rooted at or below, and what the view does then.
 TEST(SubenvironmentRoot, DeletedRootLeavesTheViewWithoutOne) {
     using Ending = void (*)(CZrEnv & env, CZrEnvSection & section, CZrEnvElement & root);
@@ -658,6 +680,10 @@ TEST(SubenvironmentRoot, DeletedRootLeavesTheViewWithoutOne) {
             EXPECT_TRUE(section.ReplaceElement(section.GetFirstElement(), NewLeaf("n")));
         },
         [](CZrEnv &env, CZrEnvSection &, CZrEnvElement &) { EXPECT_EQ(ENV_OK, env.SetLong("S", "o", 1)); },
+        [](CZrEnv &, CZrEnvSection &, CZrEnvElement &root) { // moves away, and ends there
+            CZrEnvBlock elsewhere("elsewhere");
+            EXPECT_TRUE(elsewhere.InsertElement(root.GetParent()));
+        },
     };
     for (const Ending &end : endings) {
         SCOPED_TRACE(&end - endings);

@@ -427,6 +427,18 @@ TEST(EnvTraverseLeafs, NothingToVisit) {
     EXPECT_THAT(Leafs(block, -10), IsEmpty());
 }
 
+// A section inside a block makes a view of no environment, which has no children; its siblings are visited.
+TEST(EnvTraverseLeafs, InnerSectionIsPassedBy) {
+    EnvHandle env("[S]\na =1\nb =2\n");
+    auto *section = reinterpret_cast<Zr::CZrEnv *>(static_cast<zr_env>(env))->GetFirstSection();
+    auto *inner = new Zr::CZrEnvSection("inner");
+    ASSERT_TRUE(inner->InsertElement(new Zr::CZrEnvDataElement("x", "3")));
+    ASSERT_TRUE(section->InsertElementBefore(inner, section->GetFirstElement()));
+    EXPECT_THAT(Leafs(env), ElementsAre("S:a@1=1", "S:b@1=2"));
+    ASSERT_EQ(env_put(env, "S", "b", "4"), 0);
+    EXPECT_THAT(Leafs(env), ElementsAre("S:a@1=1", "S:b@1=4"));
+}
+
 TEST(EnvTraverseLeafs, ElementThatCannotBeOpenedEndsTheWalk) {
     SwitchCapture capture;
     EnvHandle env("[S]\na =1\nb =2\n");

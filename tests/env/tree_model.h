@@ -523,6 +523,32 @@ inline std::string Compare(ModelNode &node, Zr::CZrEnvElement *element) {
     return (node.blurred ? count >= node.children.size() : count == node.children.size()) ? "" : "another count";
 }
 
+// Why the look-ups by name are not those of the model, in a tree that is otherwise the same. Blocks that have no index yet
+// get one.
+inline std::string CompareNames(const ModelNode &node) {
+    if (!node.IsBlock())
+        return "";
+    Zr::CZrEnvBlock &block = *node.element->ToEnvBlock();
+    zr_long number = 0;
+    const ModelNode *before = nullptr;
+    for (const ModelNode *child : node.byName) {
+        if (node.blurred)
+            break;
+        number = before && before->name == child->name ? number + 1 : 1;
+        before = child;
+        if (!IsElementName(child->name))
+            continue;
+        if (block.GetElement(child->name->c_str(), number) != child->element)
+            return "another element of a name";
+        if (block.GetElemCount(child->name->c_str()) != node.Count(*child->name))
+            return "another count of a name";
+    }
+    for (const auto &child : node.children)
+        if (std::string fault = CompareNames(*child); !fault.empty())
+            return fault;
+    return "";
+}
+
 // The same for all sections of a top-level environment.
 inline std::string Compare(ModelEnv &model, Zr::CZrEnv &env) {
     Zr::CZrEnvSection *section = env.GetFirstSection();
