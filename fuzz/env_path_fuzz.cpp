@@ -28,7 +28,7 @@ using Zr::CZrEnvBlock;
 using Zr::CZrEnvDataElement;
 using Zr::CZrEnvElement;
 
-constexpr std::size_t MostNodes = 300;
+constexpr std::size_t MostNodes = 120;
 
 CZrEnvElement *NewElement(ModelNode::Kind kind, const ModelText &name) {
     if (kind == ModelNode::Block)
@@ -305,7 +305,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
             Require(CompareNames(*section).empty(), "names in their order");
     }
 
-    for (int questions = 0; questions < 20 && !input.Empty(); ++questions) {
+    for (int questions = 0; questions < 8 && !input.Empty(); ++questions) {
         fuzz::TakeReports();
         Question question(front.model, *front.env, input);
         question.Ask();
