@@ -2,6 +2,7 @@
 # Installs what a build needs on Debian 12 and is not there yet; does nothing when all is there.
 #   tools/setup.sh build    the compiler and the build tools
 #   tools/setup.sh test     also the other compilers, Wine, the test library and the checkers
+#   tools/setup.sh coverage what a build needs, the test library and the reporter of coverage
 #   tools/setup.sh bench    what a build needs, the benchmark library and the peers
 set -eu
 
@@ -9,6 +10,9 @@ packages="g++ cmake ninja-build"
 if [ "${1:-build}" = test ]; then
     packages="$packages g++-multilib clang-14 clang-tidy-14 clang-format-14 googletest
               g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix lld wine wine64 git locales"
+fi
+if [ "${1:-build}" = coverage ]; then
+    packages="$packages googletest gcovr"
 fi
 if [ "${1:-build}" = bench ]; then
     packages="$packages pkg-config libbenchmark-dev libpugixml-dev rapidjson-dev libboost-dev libglib2.0-dev libmuparser-dev
