@@ -57,6 +57,7 @@ public:
 
 private:
     friend class CZrEnvTreeCheck;
+    friend class CZrEnvProbe;
 
     struct Less {
         using is_transparent = void;

@@ -702,5 +702,20 @@ TEST_F(Edit, Write_AMillionLevelsByPath) {
     EXPECT_EQ("b=6", Describe(*m_env->GetSection("deep")));
 }
 
+TEST_F(Edit, Set_BelowADetachedLeafAsRoot_Fails) {
+    CZrEnvSection *pSection = m_env->InsertSection("Detached");
+    CZrEnvDataElement *pLeaf = AddLeaf(*pSection, "leaf", "1");
+    {
+        const EnvPtr sub(m_env->OpenSubenv(pLeaf));
+        ASSERT_TRUE(pSection->RemoveElement(pLeaf, false));
+        m_reports.Take();
+        EXPECT_EQ(ENV_ERROR, sub->SetLong(nullptr, "a@b", 1)) << "no block can take the root's place";
+        EXPECT_EQ(Reports{Error("ZrEnv", "unbekannter Fehler")}, m_reports.Take());
+        EXPECT_EQ(pLeaf, sub->GetSubEnvRootElement());
+        EXPECT_STREQ("1", pLeaf->GetString());
+    }
+    Discard(pLeaf);
+}
+
 } // namespace
 } // namespace zr::test

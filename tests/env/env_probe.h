@@ -6,6 +6,7 @@
 
 #include <zrclb/env.hpp>
 
+#include "env/name_index.h"
 #include "env/path.h"
 
 namespace Zr {
@@ -23,6 +24,15 @@ public:
     static CZrEnvElement *&Last(CZrEnvBlock &block) { return block.m_pLast; }
     static std::uint32_t &Count(CZrEnvBlock &block) { return block.m_uCount; }
     static CZrEnvNameIndex *&Index(CZrEnvBlock &block) { return block.m_pIndex; }
+    static std::size_t &SlotsInUse(CZrEnvNameIndex &index) { return index.m_uUsed; }
+    // All but one out of the first group of namesakes.
+    static void ShrinkGroup(CZrEnvNameIndex &index) {
+        for (std::size_t at = 0; at <= index.m_uMask; ++at)
+            if (auto *pGroup = CZrEnvNameIndex::GroupIn(index.m_pSlots[at])) {
+                pGroup->elems.resize(pGroup->head + 1);
+                return;
+            }
+    }
     static CZrEnvSection *&LastSection(CZrEnv &env) { return env.m_pLastSection; }
     static zr_long &SectionCount(CZrEnv &env) { return env.m_lSectionCount; }
     static CZrEnvNameIndex *&SectionIndex(CZrEnv &env) { return env.m_pSectionIndex; }

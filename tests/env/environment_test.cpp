@@ -962,6 +962,61 @@ TEST_F(Environment, Copy_AssignedSharesSectionsAndState) {
     EXPECT_EQ("[X]", Describe(*other));
 }
 
+TEST_F(Environment, Copy_CannotEndTheSections) {
+    const EnvPtr copy(new CZrEnv(*m_env));
+    copy->DeleteEnvironmentSections();
+    EXPECT_EQ("[A]b{c=1} d=2[B]", Describe(*m_env));
+    EXPECT_EQ(m_pA, copy->GetFirstSection());
+}
+
+TEST_F(Environment, Assigned_BecomesACopy) {
+    const EnvPtr env = NewEnv(9);
+    const CZrEnv &self = *env;
+    *env = self;
+    EXPECT_EQ(nullptr, env->GetFirstSection());
+    EXPECT_EQ(9, env->GetID());
+    *env = *m_env;
+    EXPECT_EQ(m_pA, env->GetFirstSection());
+    EXPECT_EQ(7, env->GetID());
+}
+
+TEST_F(Environment, CopyOfASectionInABlock_IsNotInserted) {
+    auto *pInner = new CZrEnvSection("inner");
+    ASSERT_TRUE(m_pBlock->InsertElement(pInner));
+    CZrEnvSection view(*pInner);
+    m_reports.Take();
+    EXPECT_FALSE(m_env->InsertSection(&view));
+    EXPECT_FALSE(m_env->InsertSectionBefore(&view, m_pA));
+    EXPECT_EQ("[A]b{c=1 inner{}} d=2[B]", Describe(*m_env));
+    ASSERT_TRUE(m_env->InsertSection(pInner));
+    EXPECT_EQ("[A]b{c=1} d=2[B][inner]", Describe(*m_env));
+}
+
+// A subenvironment lowers the count of a default that it never raised: the default can end while another still names it.
+TEST_F(Environment, EndOfADefaultThatIsStillNamed_IsToldToItsHolder) {
+    CZrEnv *pDefault = CZrEnv::CreateEnv(1, nullptr);
+    pDefault->InsertSection("Z");
+    m_env->AttachAsLastDefault(pDefault);
+    const EnvPtr sub(m_env->OpenSubenv(m_pA));
+    ASSERT_EQ(pDefault, sub->DetachDefaultChain());
+    ASSERT_EQ(ENV_OK, CZrEnv::DestroyEnv(pDefault, false));
+    EXPECT_EQ(nullptr, m_env->GetElement("Z", nullptr, true, true));
+    EXPECT_EQ(nullptr, m_env->DetachDefaultChain());
+}
+
+TEST_F(Environment, EndOfAnEnvironmentThatIsStillViewed_IsToldToTheView) {
+    CZrEnv *pEnv = CZrEnv::CreateEnv(1, nullptr);
+    const EnvPtr view(pEnv->OpenSubenv(pEnv->InsertSection("Z")));
+    m_env->AttachAsLastDefault(pEnv);
+    const EnvPtr sub(m_env->OpenSubenv(m_pA));
+    ASSERT_EQ(pEnv, sub->DetachDefaultChain()); // the count is now that of one view
+    ASSERT_EQ(pEnv, m_env->DetachDefaultChain());
+    ASSERT_EQ(ENV_OK, CZrEnv::DestroyEnv(pEnv, false));
+    EXPECT_EQ(nullptr, view->GetSubEnvRootElement());
+    EXPECT_EQ(nullptr, view->GetElement(nullptr, nullptr, true, true));
+    EXPECT_FALSE(view->IsSubEnv());
+}
+
 TEST_F(Environment, Destruction_OfAMillionSections) {
     for (int i = 0; i < 1000000; ++i)
         ASSERT_NE(nullptr, m_env->InsertSection("many"));

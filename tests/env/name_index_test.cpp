@@ -1,4 +1,6 @@
 // Children by name: the order among namesakes against a literal model, what renames leave behind, great numbers.
+#include "env/env_probe.h"
+#include "env/name_index.h"
 #include "env/tree_checker.h"
 
 #include <random>
@@ -321,6 +323,51 @@ TEST(NamesakeOrder, RandomChanges_AgreeWithTheModel) {
             SCOPED_TRACE("seed " + std::to_string(seed) + ", looking every " + std::to_string(lookEvery));
             Course(seed).Run(600, lookEvery);
         }
+}
+
+// The hash form: nothing but appends and removals, so that the order among namesakes is that of the sequence.
+
+class HashForm : public testing::TestWithParam<unsigned> {};
+
+INSTANTIATE_TEST_SUITE_P(Index, HashForm, testing::Values(1u, 3u, 40u, 5000u), testing::PrintToStringParamName());
+
+TEST_P(HashForm, RandomAppendsAndRemovals_AgreeWithTheSequence) {
+    std::mt19937 random(GetParam());
+    const auto below = [&](std::size_t n) { return static_cast<std::size_t>(random() % n); };
+    CZrEnvBlock block("block");
+    std::vector<CZrEnvElement *> model;
+    for (int step = 0; step < 4000; ++step) {
+        const bool grows = below(8) < (step / 1000 % 2 == 0 ? 6u : 2u);
+        if (model.size() < 12 || grows) {
+            const std::string name = below(50) == 0 ? "=" : "n" + std::to_string(below(GetParam()));
+            model.push_back(NewLeaf(name)); // "=" is refused: a child without name
+            ASSERT_TRUE(block.InsertElement(model.back()));
+        } else {
+            const auto at = model.begin() + static_cast<std::ptrdiff_t>(below(3) == 0 ? 0 : below(model.size()));
+            ASSERT_TRUE(block.RemoveElement(*at, true));
+            model.erase(at);
+        }
+        block.GetElemCount("n0"); // makes the index, where there is none
+        if (step % 100 == 0) {
+            ASSERT_TRUE(Sequence(block) == model);
+            ASSERT_TRUE(BlockIsSound(block)) << step;
+        }
+    }
+    ASSERT_NE(nullptr, Zr::CZrEnvProbe::Index(block));
+    EXPECT_FALSE(Zr::CZrEnvProbe::Index(block)->IsOrdered());
+}
+
+TEST(HashForm, CopyOfAChild_IsNoChild) {
+    CZrEnvBlock block("block");
+    for (int i = 0; i < 20; ++i)
+        AddLeaf(block, ("n" + std::to_string(i % 15)).c_str());
+    for (const char *szName : {"n0", "n14"}) { // one of two namesakes, and one alone
+        const OpenLeaf source(*block.GetDataElement(szName, 1));
+        OpenLeaf view(source);
+        EXPECT_FALSE(block.RemoveElement(&view, false)) << szName;
+    }
+    EXPECT_TRUE(BlockIsSound(block));
+    EXPECT_EQ(20u, block.GetElemCount());
 }
 
 // Great numbers

@@ -246,6 +246,9 @@ TEST_F(PrivateParts, ReplaceElement_Refusals) {
     CZrEnvDataElement *pNew = NewLeaf("n");
     EXPECT_FALSE(Probe::ReplaceElement(*m_env, nullptr, pNew));
     EXPECT_FALSE(Probe::ReplaceElement(*m_env, m_pLeaf, nullptr));
+    const EnvPtr sub(m_env->OpenSubenv(m_pLeaf));
+    EXPECT_FALSE(Probe::ReplaceElement(*m_env, m_pLeaf, m_pLeaf));
+    EXPECT_EQ(m_pLeaf, sub->GetSubEnvRootElement());
     EXPECT_EQ(Reports{}, m_reports.Take());
     CZrEnvBlock detached("detached");
     for (CZrEnvElement *pOld : {static_cast<CZrEnvElement *>(m_pSection), static_cast<CZrEnvElement *>(&detached)}) {

@@ -76,8 +76,8 @@ TEST_F(TextMemory, TextThatCannotGrowIsCutAndReadingGoesOn) {
 
 TEST_F(TextMemory, EveryAllocationOfAReadingMayFail) {
     std::string text = "[A]\nx=1\ny={\nname\\\nfolded=" + std::string(9000, 'v') +
-                       "\\\n2\nz=" + std::string(3000, 'w') + "\nm=a<<\\n>>b\n}\n[B]\n" + std::string(3000, 'n') +
-                       "={\n}\n";
+                       "\\\n2\nz=" + std::string(3000, 'w') + "\n" + std::string(3000, 'q') + "=" +
+                       std::string(3000, 'r') + "\nm=a<<\\n>>b\n}\n[B]\n" + std::string(3000, 'n') + "={\n}\n";
     for (int i = 0; i < 3000; ++i)
         text += "leaf =" + std::to_string(i) + "\n";
     const ReferenceReader whole(text, false, eEnvReadAuto, "");

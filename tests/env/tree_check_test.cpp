@@ -167,6 +167,14 @@ TEST_F(TreeCheck, HashIndex_NameChangedBehindItsBack) {
     EXPECT_EQ("", What());
 }
 
+TEST_F(TreeCheck, HashIndex_MiscountedOrWithAGroupOfOne) {
+    ASSERT_NE(nullptr, m_pLarge->GetElement("n1", 1));
+    Zr::CZrEnvNameIndex &index = *Probe::Index(*m_pLarge);
+    ExpectTold("the index counts 41 slots in use, has 40 of 64", m_pLarge, Probe::SlotsInUse(index), std::size_t{41});
+    Probe::ShrinkGroup(index);
+    EXPECT_EQ("the index has a group of fewer than two", What());
+}
+
 TEST_F(TreeCheck, HashIndex_OfSections) {
     for (int i = 0; i < many; ++i)
         ASSERT_NE(nullptr, m_env->InsertSection(i % 3 == 0 ? "" : ("s" + std::to_string(i)).c_str()));

@@ -202,6 +202,24 @@ TEST_F(TreeMemory, Replace_AbandonedChangesNothing) {
     EXPECT_GT(refusals, 16);
 }
 
+TEST_F(TreeMemory, IndexesOfNames_AreGivenUpWithoutMemory) {
+    for (int i = 0; i < 20; ++i)
+        ASSERT_NE(nullptr, m_env->InsertSection("section"));
+    ASSERT_EQ(m_pSection, m_env->GetSection("S"));
+    ASSERT_NE(nullptr, m_pSection->GetElement("m", 1));
+    int given = 0;
+    for (int i = 0; i < 100; ++i) {
+        const std::string name = std::to_string(i);
+        auto *pSection = new CZrEnvSection(name.c_str());
+        CZrEnvDataElement *pLeaf = NewLeaf(name);
+        given += Refusing(0, [&] { EXPECT_TRUE(m_env->InsertSection(pSection)); }) == Outcome::Told ? 1 : 0;
+        given += Refusing(0, [&] { EXPECT_TRUE(m_pSection->InsertElement(pLeaf)); }) == Outcome::Told ? 1 : 0;
+        EXPECT_EQ(pSection, m_env->GetSection(name.c_str()));
+        EXPECT_EQ(pLeaf, m_pSection->GetElement(name.c_str(), 1));
+    }
+    EXPECT_GE(given, 4);
+}
+
 // Changes that happen wholly or, when std::bad_alloc comes out, not at all: also where an element comes from elsewhere, and
 // where the entry of a name stays behind. T, the second section, is { b=1 a{ x=2 } c }, u, the third, { a 0=3 c }, both
 // with an ordered index, in which the element 0 has two entries.

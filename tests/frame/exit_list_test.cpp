@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "frame/counted_allocation.h"
+#include "frame/refused_heap.h"
 
 namespace {
 
@@ -120,6 +121,17 @@ TEST_F(ExitList, UnknownOperationIsRefused) {
     EXPECT_EQ(endprog_fkt(-1, A), -1);
     EXPECT_EQ(endprog_fkt(-2147483647 - 1, A), -1);
     EXPECT_EQ(run, "");
+}
+
+TEST_F(ExitList, FunctionWithoutMemoryIsNotRegistered) {
+    endprog_fkt(0, A);
+    {
+        const zr::test::HeapRefusal refusal(0);
+        EXPECT_EQ(endprog_fkt(0, B), -1);
+    }
+    endprog_fkt(0, C);
+    EXPECT_EQ(endprog_fkt(1, nullptr), 0);
+    EXPECT_EQ(run, "ac");
 }
 
 } // namespace

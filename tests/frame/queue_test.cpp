@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "frame/counted_allocation.h"
+#include "frame/refused_heap.h"
 
 namespace {
 
@@ -195,6 +196,26 @@ TEST(Stack, NullIsTolerated) {
     EXPECT_EQ(stack_push(nullptr, 1), nullptr);
     EXPECT_EQ(stack_pop(nullptr), 0u);
     EXPECT_EQ(stack_get(nullptr), 0u);
+}
+
+TEST(Stack, WithoutMemoryNothingIsAddedNorLost) {
+    stack *s = stack_open();
+    queue *q = queue_open();
+    stack_push(s, 1);
+    queue_post(q, 1);
+    {
+        const zr::test::HeapRefusal refusal(0, true);
+        EXPECT_EQ(stack_push(s, 2), nullptr);
+        queue_post(q, 2);
+        EXPECT_EQ(stack_open(), nullptr);
+        EXPECT_EQ(queue_open(), nullptr);
+    }
+    EXPECT_EQ(stack_pop(s), 1u);
+    EXPECT_EQ(stack_pop(s), 0u);
+    EXPECT_EQ(queue_get(q), 1u);
+    EXPECT_EQ(queue_get(q), 0u);
+    stack_close(s);
+    queue_close(q);
 }
 
 } // namespace

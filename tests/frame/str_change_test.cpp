@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "frame/counted_allocation.h"
+#include "frame/refused_heap.h"
 #include "frame/report_fixture.h"
 #include "golden_table.h"
 
@@ -453,6 +454,16 @@ TEST_F(StrChange, EscapesGiveTheirCopyBack) {
     str_etos(nullptr, text);
     str_stoe(nullptr, text);
     EXPECT_EQ(zr::frame::heap_block_count, before);
+}
+
+TEST(StrEscapesMemory, WithoutMemoryTheTextStaysAndNullIsTheResult) {
+    char text[20] = "a\\nb";
+    char other[20] = "kept";
+    const zr::test::HeapRefusal refusal(0, true);
+    EXPECT_EQ(str_stoe(text, text), nullptr);
+    EXPECT_EQ(str_etos(other, text), nullptr);
+    EXPECT_STREQ(text, "a\\nb");
+    EXPECT_STREQ(other, "kept");
 }
 
 } // namespace
