@@ -1251,5 +1251,20 @@ TEST(ElementDepth, DerivedBlocks_AMillionLevels) {
     EXPECT_EQ(static_cast<std::size_t>(million), deaths.size());
 }
 
+// A class of a caller whose constructor fails when the library's part of the object is there.
+class Failing : public CZrEnvBlock {
+public:
+    Failing() : CZrEnvBlock("failing") { throw 7; }
+    Failing(const Failing &) = default;
+    Failing &operator=(const Failing &) = default;
+};
+
+TEST(DerivedElement, ConstructorThatThrows_GivesTheMemoryBack) {
+    const auto make = [] { return new Failing; };
+    const auto makeOrNull = [] { return new (std::nothrow) Failing; };
+    EXPECT_THROW(make(), int);
+    EXPECT_THROW(makeOrNull(), int);
+}
+
 } // namespace
 } // namespace zr::test
