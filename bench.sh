@@ -5,8 +5,8 @@
 #   ./bench.sh --quick    each row once: shorter, and less to be trusted
 set -eu
 cd "$(dirname "$0")"
-repetitions=5
-starts=11
+repetitions=3
+starts=7
 if [ "${1:-}" = --quick ]; then
     repetitions=1
     starts=3
@@ -33,9 +33,9 @@ measure() {
         --benchmark_min_time="$3" --benchmark_out="$results/$1.json" --benchmark_out_format=json >"$results/$1.log" 2>&1 ||
         { cat "$results/$1.log"; exit 1; }
 }
-measure env_bench "$repetitions" 0.5
-measure env_values_bench "$repetitions" 0.5
-measure env_size_bench 1 0.5
+measure env_bench "$repetitions" 0.3
+measure env_values_bench "$repetitions" 0.3
+measure env_size_bench 1 0.3
 
 echo "env_once ..." >&2
 models=$(mktemp -d)
