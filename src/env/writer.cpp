@@ -16,7 +16,6 @@
 #include <zrclb/report.h>
 
 #include "env/node_store.h"
-#include "platform/memory.h"
 #include "platform/streams.h"
 
 namespace Zr {
@@ -353,7 +352,6 @@ bool CZrEnvWriter::MakeRoom() {
         zr_error("Can not allocate buffer", nullptr, nullptr, Tag, __LINE__);
         return false;
     }
-    zr::platform::WantLargePages(pLarger.get(), static_cast<std::size_t>(uCapacity));
     std::memcpy(pLarger.get(), m_pBuffer.get(), m_uCount);
     m_pBuffer = std::move(pLarger);
     m_uCapacity = static_cast<std::uint32_t>(uCapacity);
