@@ -287,6 +287,34 @@ TEST_F(Help, WebOffline_IsTheLocalFileWithoutAMessage) {
     EXPECT_EQ(Reports(), Texts{});
 }
 
+// Then nobody asks for a URL.
+TEST_F(Help, WebOfflineWithoutUrl_HasNoMessage) {
+    Settings("UseWebHelp=1\n");
+    s_online = false;
+    EXPECT_TRUE(zrHelp("Beam", 12, ZR_HELP_DEFAULT));
+    EXPECT_EQ(Opened(), File("Beam.chm", 15, 12));
+    EXPECT_FALSE(zrHelp("Other", 12, ZR_HELP_WEB));
+    EXPECT_EQ(Opened(), "");
+    EXPECT_EQ(s_tests, 2);
+    EXPECT_EQ(Reports(), Texts{});
+}
+
+// The user reads the message before the help.
+TEST_F(Help, WebWithoutUrl_IsToldBeforeTheLocalFileIsOpened) {
+    static zr::test::ReportCapture *reports;
+    static std::size_t before;
+    reports = &m_reports;
+    before = 0;
+    zr::platform::services.show_help_file = [](const char *, HelpCommand, zr_ulong) {
+        before = reports->Take().size();
+        return true;
+    };
+    Settings("UseWebHelp=1\n");
+    EXPECT_TRUE(zrHelp("Beam", 12, ZR_HELP_DEFAULT));
+    EXPECT_EQ(before, 2U);
+    EXPECT_EQ(Reports(), Texts{});
+}
+
 // The URL's own message, and the one that nothing else could be done.
 TEST_F(Help, WebWithoutUrl_IsToldTwiceAndTheLocalFileOpened) {
     Settings("UseWebHelp=1\n");

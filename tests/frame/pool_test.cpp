@@ -489,13 +489,17 @@ TEST_F(Pool, PoolsOfSeveralThreadsShareOnlyTheSum) {
     constexpr int count = 20000;
     bool good[2] = {};
     const auto work = [&good](std::size_t which) {
+        const auto mark = static_cast<unsigned char>(which + 1);
         heap_pool_block *pool = heap_open(24 * 1000, 1);
+        std::vector<unsigned char *> given;
         int wrong = 0;
         for (int i = 0; i < count; ++i) {
-            auto *data = static_cast<unsigned char *>(heap_allocate(pool, 24));
-            wrong += data[0] + data[23];
-            std::memset(data, 0xFF, 24);
+            given.push_back(static_cast<unsigned char *>(heap_allocate(pool, 24)));
+            wrong += given.back()[0] + given.back()[23];
+            std::memset(given.back(), mark, 24);
         }
+        for (const unsigned char *data : given)
+            wrong += data[0] != mark || data[23] != mark ? 1 : 0;
         heap_close(pool);
         good[which] = wrong == 0;
     };

@@ -1,9 +1,12 @@
 // Lets heap_malloc, heap_calloc and heap_realloc fail, for the library's own calls too. The build leads the calls of a program whose test
-// source includes this here; one source of a program only. Counts what heap_malloc gave and heap_free has not taken back, too.
+// source includes this here; one source of a program only. Counts what heap_malloc gave and heap_free has not taken back, too, and gives
+// blocks as if they had been in use before: not zero.
 #ifndef TESTS_FRAME_REFUSED_HEAP_H
 #define TESTS_FRAME_REFUSED_HEAP_H
 
+#include <algorithm>
 #include <atomic>
+#include <cstring>
 
 extern "C" void *__real_heap_malloc(unsigned int size) noexcept;
 extern "C" void *__real_heap_calloc(unsigned int count, unsigned int size) noexcept;
@@ -76,9 +79,12 @@ public:
 
     int Open() const { return s_blocks - m_before; }
 
-    static void *Given(void *block) {
-        s_blocks += block != nullptr ? 1 : 0;
-        return block;
+    static void *Given(void *block, unsigned size) {
+        constexpr unsigned used_before = 8192; // no more: a block may be larger than memory
+        if (block == nullptr)
+            return nullptr;
+        ++s_blocks;
+        return std::memset(block, 0xA5, std::min(size, used_before));
     }
     static void TakenBack(const void *block) { s_blocks -= block != nullptr ? 1 : 0; }
 
@@ -91,7 +97,7 @@ private:
 } // namespace zr::test
 
 extern "C" void *__wrap_heap_malloc(unsigned int size) noexcept {
-    return zr::test::HeapRefusal::Refuses() ? nullptr : zr::test::HeapBalance::Given(__real_heap_malloc(size));
+    return zr::test::HeapRefusal::Refuses() ? nullptr : zr::test::HeapBalance::Given(__real_heap_malloc(size), size);
 }
 
 extern "C" void __wrap_heap_free(void *block) noexcept {

@@ -48,9 +48,13 @@ TEST_F(PosixHelpViewer, Url_GoesToTheDesktopsProgramAsOneArgument) {
     EXPECT_EQ(Answer(), (Texts{"xdg-open", "http://help.test/a b/\"$(x)'\\%41"}));
 }
 
+// A viewer of files isn't taken for it, and what comes later is found.
 TEST_F(PosixHelpViewer, UrlWithoutAProgram_IsNoFault) {
-    OpenUrl("http://help.test/");
-    EXPECT_FALSE(std::filesystem::exists(m_folder.Folder() / "answer"));
+    Install("xchm");
+    OpenUrl("http://help.test/first");
+    Install("xdg-open");
+    OpenUrl("http://help.test/second");
+    EXPECT_EQ(Answer(), (Texts{"xdg-open", "http://help.test/second"}));
 }
 
 TEST_F(PosixHelpViewer, File_IsShownByTheFirstViewerInstalled) {

@@ -2,6 +2,9 @@
 #include <zrclb/timer.hpp>
 
 #include <algorithm>
+#include <ctime>
+#include <filesystem>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -101,6 +104,35 @@ TEST_F(PosixMessagePump, Messages_EndlesslyInOneAnother) {
     EXPECT_EQ(zrWindowDestroy(own), 1);
     Start('b', 10); // and all is as before
     EXPECT_EQ(MessagesAt(zr::test::message_clock + 10 * millisecond), "b");
+}
+
+TEST_F(PosixMessagePump, Time_IsThatOfTheMonotonicClock) {
+    const auto now = [] {
+        timespec time{};
+        clock_gettime(CLOCK_MONOTONIC, &time);
+        return time.tv_sec * 1000 * millisecond + time.tv_nsec;
+    };
+    zr::platform::services = zr::platform::Services();
+    const std::int64_t before = now();
+    const std::int64_t time = zr::platform::SteadyNanoseconds();
+    EXPECT_LE(before, time);
+    EXPECT_LE(time, now());
+}
+
+TEST_F(PosixMessagePump, Threads_NoneOfItsOwn) {
+    const auto threads = [] {
+        const std::filesystem::directory_iterator tasks("/proc/self/task");
+        return std::distance(begin(tasks), end(tasks));
+    };
+    EXPECT_EQ(zrWindowDestroy(window), 1);
+    zr::platform::EndMessagePumps(); // as if the library had just been loaded
+    const auto before = threads();
+    EXPECT_GE(before, 1);
+    window = zrWindowCreate(Note, nullptr);
+    Start('a', 10);
+    EXPECT_GE(zrPumpDescriptor(), 0);
+    EXPECT_EQ(MessagesAt(zr::test::message_clock + 10 * millisecond), "a");
+    EXPECT_EQ(threads(), before);
 }
 
 TEST_F(PosixMessagePump, LongestPeriod_FitsTheAnswer) {

@@ -184,8 +184,8 @@ TEST_F(WindowsHelpViewer, Url_GoesToTheProgramOfItsScheme) {
     EXPECT_TRUE(written()) << (std::filesystem::exists(answer) ? folder.Read("answer") : "nothing");
 }
 
+// The control is not taken for it.
 TEST_F(WindowsHelpViewer, UrlWithoutAProgram_IsNoFault) {
-    services = Services();
     OpenUrl("zrnone://help/");
     OpenUrl("");
     EXPECT_EQ(s_asked, Texts{});

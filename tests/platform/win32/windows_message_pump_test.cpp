@@ -109,6 +109,7 @@ TEST_P(WindowsMessagePumpOf, Timer_ItsMessageCarriesIt) {
     const zrTimer timer(own, 10, Run, nullptr);
     const zr_value address = reinterpret_cast<zr_value>(&timer);
     EXPECT_EQ(timer.timer_id, address);
+    EXPECT_GE(zrPumpNextDue(), 0);
     EXPECT_LE(zrPumpNextDue(), 10);
     WaitForTimer();
     EXPECT_EQ(zrPumpNextDue(), 0);
@@ -274,6 +275,17 @@ TEST_F(WindowsMessagePump, MadeWindow_SeesTimerMessagesOnly) {
     EXPECT_EQ(zrWindowDestroy(made), 1);
     EXPECT_EQ(seen, 1);
     EXPECT_FALSE(IsWindow(static_cast<HWND>(made)));
+}
+
+TEST_F(WindowsMessagePump, MadeWindow_EndsWithItsThread) {
+    static zr_window made;
+    std::thread([] {
+        made = zrWindowCreate([](zr_window, unsigned, zr_value, void *) {}, nullptr);
+        EXPECT_TRUE(IsWindow(static_cast<HWND>(made)));
+        EXPECT_EQ(zr::platform::StartWindowTimer(made, 5, 60000), 5U);
+    }).join();
+    EXPECT_FALSE(IsWindow(static_cast<HWND>(made)));
+    EXPECT_EQ(zr::platform::StartWindowTimer(made, 5, 60000), 0U);
 }
 
 TEST_F(WindowsMessagePump, End_WindowsCanBeMadeAgain) {
