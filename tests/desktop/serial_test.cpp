@@ -5,6 +5,7 @@
 #include <cstring>
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -61,8 +62,8 @@ int PlotOldWay(const char *file, const char *port) {
     return 5;
 }
 
-zr::platform::LibraryFunction FindOldFunction(void *, const char *name) {
-    if (world.missing_function == name)
+zr::platform::LibraryFunction FindOldFunction(void *library, const char *name) {
+    if (library != &world || world.missing_function == name)
         return nullptr;
     if (std::strcmp(name, "DllEntryPoint") == 0)
         return reinterpret_cast<zr::platform::LibraryFunction>(StartLibrary);
@@ -134,7 +135,7 @@ protected:
             return world.library_there ? &world : nullptr;
         };
         services.find_function = FindOldFunction;
-        services.close_library = [](void *) { world.calls += "free "; };
+        services.close_library = [](void *library) { world.calls += library == &world ? "free " : "wrong free "; };
         services.show_message_box = [](zr_window owner, const char *text, const char *caption, unsigned type) {
             EXPECT_EQ(owner, nullptr);
             EXPECT_EQ(type, 0x40000u);
@@ -536,6 +537,42 @@ TEST(PortConfiguration, MissingFieldsLeaveWhatWasThere) {
     EXPECT_EQ(settings.data_bits, 2);
     EXPECT_EQ(settings.stop_bits, 2);
     EXPECT_TRUE(settings.cts_flow);
+}
+
+TEST(PortConfiguration, EveryFieldTakesThePlaceOfWhatWasThere) {
+    PortSettings settings;
+    settings.parity = zr::platform::space_parity;
+    settings.stop_bits = zr::platform::two_stop_bits;
+    settings.rts = settings.dtr = zr::platform::line_toggled;
+    EXPECT_TRUE(zr::desktop::ReadConfiguration("9600,n,8,1,e", settings));
+    EXPECT_EQ(settings.parity, zr::platform::no_parity);
+    EXPECT_EQ(settings.stop_bits, zr::platform::one_stop_bit);
+    EXPECT_EQ(settings.rts, zr::platform::line_handshake);
+    EXPECT_EQ(settings.dtr, zr::platform::line_disabled);
+}
+
+// Commas without anything between them count as one, so the fields behind them move up.
+TEST(PortConfiguration, EmptyFieldsAreNone) {
+    PortSettings settings;
+    settings.stop_bits = zr::platform::two_stop_bits;
+    EXPECT_FALSE(zr::desktop::ReadConfiguration(",9600,,7,6,1.50", settings)); // no such parity
+    EXPECT_EQ(settings.baud_rate, 9600u);
+    EXPECT_EQ(settings.data_bits, 6);
+    EXPECT_EQ(settings.stop_bits, zr::platform::two_stop_bits);
+}
+
+TEST(PortConfiguration, OfTwoThreads_DoNotMeet) {
+    const auto read = [](const char *configuration, std::uint32_t rate, std::uint8_t bits) {
+        for (int i = 0; i < 5000; ++i) {
+            PortSettings settings;
+            ASSERT_TRUE(zr::desktop::ReadConfiguration(configuration, settings));
+            ASSERT_EQ(settings.baud_rate, rate);
+            ASSERT_EQ(settings.data_bits, bits);
+        }
+    };
+    std::thread beside(read, "300,e,7,2,x", 300, std::uint8_t{7});
+    read("19200,n,8,1,p", 19200, 8);
+    beside.join();
 }
 
 TEST(PortConfiguration, NumbersOutOfRange_BecomeSomethingNoPortTakes) {

@@ -1,5 +1,6 @@
 // Error codes of the operating system with their texts.
 #include <string>
+#include <thread>
 #include <type_traits>
 
 #include <gtest/gtest.h>
@@ -71,6 +72,23 @@ TEST(WinError, TextsAreGivenBack) {
     for (int i = 0; i < 1000; ++i)
         CZrWinError::GetFormattedMsg(5);
     EXPECT_LT(ProcessMeasures::Now().heap, heap_before + 10000);
+}
+
+// All that this family has, each thread with arguments of its own.
+TEST(WindowUtilities, OfTwoThreads_DoNotMeet) {
+    const auto use = [](const char *name, const char *date, int order, zr_ulong code, const std::string &message) {
+        for (int i = 0; i < 1000; ++i) {
+            char file[20] = "before";
+            ASSERT_EQ(wu_ANCmp(name, "Pos 10a"), order);
+            ASSERT_EQ(wu_DateCmp(date, "15.06.13 12:30:30"), order);
+            ASSERT_EQ(wu_GetFontFile("no such font", file, sizeof file), 0);
+            ASSERT_EQ(CZrWinError(code).GetFormattedMsg(), message);
+        }
+    };
+    const std::string second = CZrWinError::GetFormattedMsg(2), fifth = CZrWinError::GetFormattedMsg(5);
+    std::thread beside(use, "Pos 9a", "15.06.13 12:30:29", -1, 2, second);
+    use("Pos 11a", "15.06.13 12:30:31", 1, 5, fifth);
+    beside.join();
 }
 
 TEST(WinError, WithoutMemoryThereIsNoText) {

@@ -1,6 +1,7 @@
 // The link to Word, on a system that the test makes up: its registry, version records, windows and starts.
 #include <zrclb/winword.h>
 
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
 #include <map>
@@ -170,6 +171,12 @@ protected:
 private:
     std::string m_program;
 };
+
+TEST(WordInfo, HasTwoTextsOfTheirSizes) {
+    EXPECT_EQ(offsetof(winword_info, version), 0U);
+    EXPECT_EQ(offsetof(winword_info, path), 80U);
+    EXPECT_EQ(sizeof(winword_info), 336U);
+}
 
 // ---- The search ----
 

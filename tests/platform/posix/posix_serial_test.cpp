@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdarg>
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <thread>
@@ -12,6 +14,7 @@
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/syscall.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -25,6 +28,48 @@
 namespace {
 
 using zr::platform::PortSettings;
+
+// The kernel's record of a terminal's settings.
+struct termios2 {
+    tcflag_t c_iflag, c_oflag, c_cflag, c_lflag;
+    cc_t c_line;
+    cc_t c_cc[19];
+    speed_t c_ispeed, c_ospeed;
+};
+
+// What this thread has asked of terminals.
+struct Asked {
+    tcflag_t line = 0; // the last flags of the line
+    int on = 0;        // lines to be switched
+    int off = 0;
+};
+
+thread_local Asked asked;
+
+} // namespace
+
+// Stands in front of the C library's ioctl, which has a name of its own for late times where they are not the usual.
+#ifdef __LP64__
+extern "C" int AskTerminal(int descriptor, unsigned long request, ...) noexcept __asm__("ioctl");
+#else
+extern "C" int AskTerminal(int descriptor, unsigned long request, ...) noexcept __asm__("__ioctl_time64");
+#endif
+
+extern "C" int AskTerminal(int descriptor, unsigned long request, ...) noexcept {
+    va_list arguments;
+    va_start(arguments, request);
+    void *argument = va_arg(arguments, void *);
+    va_end(arguments);
+    if (request == TCSETS2)
+        asked.line = static_cast<const termios2 *>(argument)->c_cflag;
+    else if (request == TIOCMBIS)
+        asked.on |= *static_cast<const int *>(argument);
+    else if (request == TIOCMBIC)
+        asked.off |= *static_cast<const int *>(argument);
+    return static_cast<int>(syscall(SYS_ioctl, descriptor, request, argument));
+}
+
+namespace {
 
 // COM1 is the pseudo-terminal, and WIN.INI stands in the test's folder.
 class PosixSerial : public testing::Test {
@@ -83,6 +128,26 @@ TEST_F(PosixSerial, HardwareHandshakeIsSetForEveryLetter) {
         EXPECT_NE(m_pair.Settings().c_cflag & CRTSCTS, 0u) << entry;
         EXPECT_EQ((m_pair.Settings().c_iflag & IXON) != 0, std::string(entry).back() == 'x') << entry;
         EXPECT_EQ(m_pair.Settings().c_cflag & CSTOPB, 0u) << entry;
+        CloseWinCom(&port);
+    }
+}
+
+// A pseudo-terminal keeps neither bits nor parity and has no lines to switch.
+TEST_F(PosixSerial, TerminalIsAskedForAllSettings) {
+    struct Row {
+        const char *entry;
+        tcflag_t line;
+    };
+    for (const auto &[entry, line] :
+         {Row{"9600,n,8,1,p", CS8}, Row{"9600,e,7,2,x", CS7 | PARENB | CSTOPB},
+          Row{"9600,o,6,1,p", CS6 | PARENB | PARODD}, Row{"9600,m,5,1.5,p", CS5 | PARENB | PARODD | CMSPAR | CSTOPB}}) {
+        SetEntry(entry);
+        asked = {};
+        zr_value port = iOpenWinComWrite("COM1");
+        EXPECT_NE(port, 0u) << entry;
+        EXPECT_EQ(asked.line & (CSIZE | PARENB | PARODD | CMSPAR | CSTOPB), line) << entry;
+        EXPECT_EQ(asked.off, TIOCM_DTR) << entry;
+        EXPECT_EQ(asked.on, 0) << entry;
         CloseWinCom(&port);
     }
 }
@@ -242,6 +307,7 @@ TEST_F(PosixSerial, WhatIsNoPort_DoesNotOpen) {
         EXPECT_EQ(PlotToCom32Bit(file.c_str(), port.c_str()), 0) << port;
     }
     EXPECT_EQ(m_folder.Read("plot"), "plain");
+    EXPECT_FALSE(std::filesystem::exists(m_folder.Path("missing")));
     setenv("ZR_PORT_COM1", file.c_str(), 1);
     EXPECT_EQ(iOpenWinComWrite("COM1"), 0u);
     setenv("ZR_PORT_COM1", std::string("/" + std::string(10000, 'x')).c_str(), 1);

@@ -32,6 +32,8 @@ class WordLinkHere : public ReportFixture {};
 TEST_F(WordLinkHere, FindsNothingWhateverTheRegistryHolds) {
     RegistryValues values("Word.Document\\CLSID");
     values.Set("", "{000209FF-0000-0000-C000-000000000046}");
+    values.AddKey("CLSID\\{000209FF-0000-0000-C000-000000000046}\\LocalServer32");
+    values.Set("", "C:\\bin\\sh");
     winword_info info{"before", "before"};
     EXPECT_EQ(winword_GetInfo(&info), 0);
     EXPECT_STREQ(info.version, "");

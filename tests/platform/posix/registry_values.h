@@ -7,7 +7,7 @@
 
 #include "platform/temp_folder.h"
 
-// Puts values under a key of HKEY_CLASSES_ROOT, which alone are there, in a file in the registry's place that goes with it.
+// Puts values under keys of HKEY_CLASSES_ROOT, which alone are there, in a file in the registry's place that goes with it.
 class RegistryValues {
 public:
     explicit RegistryValues(const std::string &key) : m_content("[HKEY_CLASSES_ROOT\\" + key + "]\n") {
@@ -17,6 +17,9 @@ public:
     ~RegistryValues() { unsetenv("ZR_REGISTRY"); }
     RegistryValues(const RegistryValues &) = delete;
     RegistryValues &operator=(const RegistryValues &) = delete;
+
+    // The values that are set from now on stand under this key.
+    void AddKey(const std::string &key) { m_content += "[HKEY_CLASSES_ROOT\\" + key + "]\n"; }
 
     void Set(const std::string &name, const std::string &value) {
         m_content += (name.empty() ? "@" : name) + "=" + value + "\n";

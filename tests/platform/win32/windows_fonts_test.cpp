@@ -115,7 +115,7 @@ TEST_F(WindowsFonts, TextsOf259CharactersFit) {
 
 TEST_F(WindowsFonts, TextThatIsTooLongEndsTheWalk) {
     Install("A", "a.ttf");
-    Install("B", std::string(300, 'x'));
+    Install("B", std::string(260, 'x') + '\0');
     Install("C", "c.ttf");
     EXPECT_EQ(Walk(), "A=a.ttf;");
 }

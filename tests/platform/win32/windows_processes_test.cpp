@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <zrclb/system.h>
+#include <zrclb/window_utilities.hpp>
 
 #include "platform/temp_folder.h"
 #include "process_measures.h"
@@ -91,6 +92,17 @@ TEST_F(WindowsProcesses, HandlesOfTheStartedProgram_StayOpen) {
     EXPECT_EQ(ProcessMeasures::OpenHandles(), before + 2); // process and thread
     EXPECT_EQ(zr_WinExec("zr_no_such_program", SW_HIDE), 0);
     EXPECT_EQ(ProcessMeasures::OpenHandles(), before + 2);
+}
+
+TEST(WindowsSystemText, IsTheSystemsInTheUsersLanguage) {
+    constexpr DWORD flags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
+    for (const DWORD code : {0u, 2u, 5u, 193u, 1223u}) {
+        char text[1000];
+        ASSERT_GT(
+            FormatMessageA(flags, nullptr, code, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), text, sizeof text, nullptr),
+            0u);
+        EXPECT_EQ(CZrWinError::GetFormattedMsg(code), text) << code;
+    }
 }
 
 } // namespace

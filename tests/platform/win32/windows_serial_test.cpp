@@ -7,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 #include <future>
+#include <stdexcept>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@
 
 #include <winternl.h>
 
+#include "failing_system.h"
 #include "platform/known_folders.h"
 #include "platform/libraries.h"
 #include "platform/serial_port.h"
@@ -98,6 +100,7 @@ TEST_F(WindowsSerial, WhatIsNoPort_DoesNotOpen) {
         EXPECT_EQ(PlotToCom32Bit(file.c_str(), port.c_str()), 0) << port;
     }
     EXPECT_EQ(m_folder.Read("plot"), "plain");
+    EXPECT_FALSE(std::filesystem::exists(m_folder.Path("missing")));
     EXPECT_TRUE(std::filesystem::remove(file)); // nothing holds it open
 }
 
@@ -143,6 +146,82 @@ TEST_F(WindowsSerial, ForeignHandles_AreRefusedAndStayOpen) {
     EXPECT_EQ(m_folder.Read("plot"), "plain");
     EXPECT_TRUE(CloseHandle(file));
     EXPECT_TRUE(CloseHandle(event));
+}
+
+// Leads the library's calls of a system function elsewhere while it lives.
+template <class Function>
+class Led {
+public:
+    Led(const char *name, Function *target)
+        : m_name(name), m_real(zr::test::system_calls::Lead(GetModuleHandleA(nullptr), name, target)) {
+        if (m_real == nullptr)
+            throw std::runtime_error(std::string("nothing calls ") + name);
+    }
+    ~Led() { zr::test::system_calls::Lead(GetModuleHandleA(nullptr), m_name, m_real); }
+    Led(const Led &) = delete;
+    Led &operator=(const Led &) = delete;
+
+private:
+    const char *m_name;
+    Function *m_real;
+};
+
+DCB set_block;
+BOOL block_is_taken;
+
+// A port with everything switched on.
+BOOL WINAPI GetFullBlock(HANDLE, LPDCB block) {
+    std::memset(block, 0xFF, sizeof *block);
+    block->DCBlength = sizeof *block;
+    return TRUE;
+}
+
+BOOL WINAPI SetBlock(HANDLE, LPDCB block) {
+    set_block = *block;
+    return block_is_taken;
+}
+
+// Not all of it comes to a terminal that stands for a port.
+TEST_F(WindowsSerial, SystemIsAskedForAllSettings) {
+    const Led get("GetCommState", GetFullBlock);
+    const Led set("SetCommState", SetBlock);
+    PortSettings settings;
+    settings.baud_rate = 19200;
+    settings.data_bits = 7;
+    settings.parity = zr::platform::odd_parity;
+    settings.stop_bits = zr::platform::one_and_a_half_stop_bits;
+    settings.rts = zr::platform::line_handshake;
+    settings.cts_flow = true;
+    block_is_taken = TRUE;
+    EXPECT_TRUE(backend::ApplyPortSettings(77, settings));
+    EXPECT_EQ(set_block.DCBlength, sizeof set_block);
+    EXPECT_EQ(set_block.BaudRate, 19200u);
+    EXPECT_EQ(set_block.ByteSize, 7);
+    EXPECT_EQ(set_block.Parity, ODDPARITY);
+    EXPECT_EQ(set_block.StopBits, ONE5STOPBITS);
+    EXPECT_EQ(set_block.fRtsControl, DWORD{RTS_CONTROL_HANDSHAKE});
+    EXPECT_EQ(set_block.fOutxCtsFlow, 1u);
+    EXPECT_EQ(set_block.fDtrControl, DWORD{DTR_CONTROL_DISABLE});
+    EXPECT_EQ(set_block.fOutxDsrFlow | set_block.fDsrSensitivity | set_block.fOutX | set_block.fInX, 0u);
+    block_is_taken = FALSE;
+    EXPECT_FALSE(backend::ApplyPortSettings(77, settings));
+}
+
+BOOL WINAPI WriteAndFail(HANDLE, LPCVOID, DWORD size, LPDWORD written, LPOVERLAPPED) {
+    *written = size;
+    return FALSE;
+}
+
+// The number that was written tells whether a write failed, not what the system says of it.
+TEST_F(WindowsSerial, WriteThatFailsButTellsAll_IsDone) {
+    zr_value port = backend::OpenPort("NUL"); // a device of characters, too
+    ASSERT_NE(port, 0u);
+    {
+        const Led write("WriteFile", WriteAndFail);
+        WriteWinCom(&port, "data", 4);
+    }
+    EXPECT_NE(port, 0u);
+    EXPECT_EQ(CloseWinCom(&port), 0);
 }
 
 // A port that is a terminal of the host. Its name is a path, which the system's parser does not take for a port's: it gets

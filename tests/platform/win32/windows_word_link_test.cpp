@@ -272,6 +272,8 @@ TEST_F(WindowsWordLink, Window_IsFoundByItsTitleWhileItIsThere) {
     EXPECT_EQ(Run(1, 5, "x.doc"), "5|x.doc");
     SetWindowTextA(word, "Other");
     EXPECT_EQ(winword_FindWindow(), nullptr);
+    SetWindowTextA(word, ("Microsoft Word" + std::string(1000, 'x')).c_str());
+    EXPECT_EQ(winword_FindWindow(), word);
 }
 
 TEST_F(WindowsWordLink, LastOfSeveralWindows_IsFound) {
