@@ -4,6 +4,8 @@
 
 #include "env/node_store.h"
 
+#include <utility>
+
 namespace zr::test {
 namespace {
 
@@ -326,6 +328,28 @@ TEST_F(LeavesThatWereRead, Untouched_LieTogether) {
     EXPECT_TRUE(Together());
 }
 
+TEST_F(LeavesThatWereRead, SaidToLieTogetherThoughTheyDoNot_IsTold) {
+    using Store = Zr::CZrEnvNodeStore;
+    const auto expectTold = [&](const CZrEnvBlock *pWhere) {
+        const Fault fault = Check::OfEnvironment(*m_env, Indexes::AsTheyAre);
+        EXPECT_EQ("the leaves do not lie together", fault.what);
+        EXPECT_EQ(pWhere, fault.pWhere);
+    };
+    std::uint32_t &leaf = Probe::Flags(*m_pLeaf);
+    for (const std::uint32_t other : {leaf & ~std::uint32_t{Store::InChunk}, leaf & ~std::uint32_t{Store::LibraryType},
+                                      leaf | Store::OwnsName, leaf | Store::OwnsData}) {
+        const std::uint32_t sound = std::exchange(leaf, other);
+        expectTold(m_pBlock);
+        leaf = sound;
+    }
+    EXPECT_EQ("", Check::OfEnvironment(*m_env, Indexes::AsTheyAre).what);
+    CZrEnvBlock *pMade = AddBlock(*m_env->GetSection("T"), "made");
+    AddLeaf(*pMade, "a");
+    Probe::Flags(*pMade) |= Store::LeavesTogether;
+    expectTold(pMade);
+    Probe::Flags(*pMade) &= ~std::uint32_t{Store::LeavesTogether};
+}
+
 TEST_F(LeavesThatWereRead, ShorterValueAndName_LieTogether) {
     m_pLeaf->SetString("9");
     EXPECT_TRUE(Together());
@@ -392,6 +416,9 @@ TEST_F(LeavesThatWereRead, MoreThanAChunkHolds_Not) {
     ASSERT_EQ(Zr::ENV_OK, m_env->ReadString((text + "}\r\n").c_str(), Zr::eEnvReadAuto));
     m_pBlock = m_env->GetBlock("S", "b", true, false);
     EXPECT_FALSE(Together());
+    Probe::Flags(*m_pBlock) |= Zr::CZrEnvNodeStore::LeavesTogether;
+    EXPECT_EQ("the leaves do not lie together", Check::OfEnvironment(*m_env, Indexes::AsTheyAre).what);
+    Probe::Flags(*m_pBlock) &= ~std::uint32_t{Zr::CZrEnvNodeStore::LeavesTogether};
 }
 
 } // namespace
