@@ -7,8 +7,8 @@
 #include <fstream>
 #include <string>
 
-#include "env/counted_memory.h"
 #include "env/function_fixture.h"
+#include "env/refused_memory.h"
 #include "env/tree_check.h"
 #include "small_stack.h"
 
@@ -322,28 +322,29 @@ testing::AssertionResult AreSameFiles(const std::string &one, const std::string 
 
 void ReadLongFile() {
     constexpr long long perLeaf = 100;
+    constexpr long long perLeafIndexed = 125;
     constexpr long long buffers = 512 * 1024; // of the reader and the stream
     const TempFolder folder;
     const std::string path = folder.File("long.env");
     const std::size_t leaves = WriteLongFile(path, SizeOf(16 * Megabyte, 1024 * Megabyte, 256 * Megabyte));
     const EnvHandle env;
-    const long long before = living_bytes;
-    most_bytes = before;
+    const MemoryBalance reading;
     EXPECT_EQ(env_read_file(path.c_str(), env), 0);
-    const long long final = living_bytes - before;
+    const long long final = reading.Bytes();
     EXPECT_LE(final, perLeaf * static_cast<long long>(leaves));
-    EXPECT_LE(most_bytes - before, final + final / 20 + buffers);
+    EXPECT_LE(reading.MostBytes(), final + final / 20 + buffers);
     std::printf("%zu leaves, %.1f bytes each\n", leaves, static_cast<double>(final) / static_cast<double>(leaves));
 
     const std::string last = "element" + std::to_string(leaves / 50 - 1) + "@factor49";
     EXPECT_EQ(ValueOf(env, "Model", last.c_str()), std::to_string(leaves - 1) + ".25");
     EXPECT_EQ(env_count_elements(env, "Model", nullptr, 1), static_cast<zr_long>(leaves / 50));
     const std::string copy = folder.File("copy.env");
-    most_bytes = living_bytes.load();
-    const long long reading = living_bytes;
+    const MemoryBalance writing;
     EXPECT_EQ(env_write_file_ex(copy.c_str(), env, 0), 1);
-    EXPECT_LE(most_bytes - reading, buffers) << "writing takes no more with the size of the tree";
+    EXPECT_LE(writing.MostBytes(), buffers) << "writing takes no more with the size of the tree";
     EXPECT_TRUE(AreSameFiles(path, copy));
+    ExpectSound(env);
+    EXPECT_LE(reading.Bytes(), perLeafIndexed * static_cast<long long>(leaves)) << "with an index of every block";
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// Lets allocations fail, chosen by their size or their number, and counts them. Replaces the program's operator new, so only
+// Lets allocations fail, chosen by their size or their number, and counts what they give. Replaces the program's operator new, so only
 // its test source includes this.
 #ifndef TESTS_ENV_REFUSED_MEMORY_H
 #define TESTS_ENV_REFUSED_MEMORY_H
@@ -97,53 +97,74 @@ private:
     static inline int s_count = 0;
 };
 
-// Blocks that were not there when it was made.
+// What has been allocated since it was made.
 class MemoryBalance {
 public:
-    long long Open() const { return s_blocks - m_before; }
+    MemoryBalance() { s_most = s_bytes.load(); }
 
-    static void Count(int blocks) { s_blocks.fetch_add(blocks, std::memory_order_relaxed); }
+    long long Open() const { return s_blocks - m_blocks; }   // blocks that were not there then
+    long long Bytes() const { return s_bytes - m_bytes; }    // what they hold
+    long long MostBytes() const { return s_most - m_bytes; } // that they held at a time; only of the newest balance
+    long long Given() const { return s_given - m_given; }    // allocations, whether their blocks are still there or not
+
+    static void CountGiven(std::size_t size) {
+        const auto bytes = static_cast<long long>(size);
+        const long long now = s_bytes.fetch_add(bytes, std::memory_order_relaxed) + bytes;
+        if (now > s_most.load(std::memory_order_relaxed))
+            s_most.store(now, std::memory_order_relaxed);
+        s_blocks.fetch_add(1, std::memory_order_relaxed);
+        s_given.fetch_add(1, std::memory_order_relaxed);
+    }
+    static void CountTakenBack(std::size_t size) {
+        s_bytes.fetch_sub(static_cast<long long>(size), std::memory_order_relaxed);
+        s_blocks.fetch_sub(1, std::memory_order_relaxed);
+    }
 
 private:
     static inline std::atomic<long long> s_blocks = 0;
+    static inline std::atomic<long long> s_bytes = 0;
+    static inline std::atomic<long long> s_most = 0;
+    static inline std::atomic<long long> s_given = 0;
 
-    const long long m_before = s_blocks;
+    const long long m_blocks = s_blocks;
+    const long long m_bytes = s_bytes;
+    const long long m_given = s_given;
 };
 
-// With so many bytes beyond those asked for.
-inline void *Allocate(std::size_t size, std::size_t more = 0) {
+// Stands in front of every block.
+struct alignas(std::max_align_t) BlockFront {
+    void *memory; // that the block is a part of
+    std::size_t size;
+};
+
+// Nothing follows the block but where it is aligned more than usual, so that sanitizers see what goes beyond it.
+inline void *Allocate(std::size_t size, std::size_t alignment = alignof(BlockFront)) {
     if (!Unrefused::Holds() && (NthAllocation::Refuses() || Refusal::Refuses(size)))
         return nullptr;
-    void *block = std::malloc(size + more != 0 ? size + more : 1);
-    MemoryBalance::Count(block != nullptr ? 1 : 0);
+    const std::size_t more = sizeof(BlockFront) + (alignment > alignof(BlockFront) ? alignment : 0);
+    void *memory = size <= std::numeric_limits<std::size_t>::max() - more ? std::malloc(size + more) : nullptr;
+    if (memory == nullptr)
+        return nullptr;
+    const auto first = reinterpret_cast<std::uintptr_t>(memory) + sizeof(BlockFront);
+    auto *block = reinterpret_cast<BlockFront *>((first + alignment - 1) / alignment * alignment);
+    block[-1] = {memory, size};
+    MemoryBalance::CountGiven(size);
     return block;
 }
 
-inline void Release(void *block) {
-    MemoryBalance::Count(block != nullptr ? -1 : 0);
-    std::free(block);
-}
-
-inline void *AllocateOrThrow(std::size_t size, std::size_t more = 0) {
-    void *block = Allocate(size, more);
+inline void *AllocateOrThrow(std::size_t size, std::size_t alignment = alignof(BlockFront)) {
+    void *block = Allocate(size, alignment);
     if (block == nullptr)
         throw std::bad_alloc();
     return block;
 }
 
-// In front of an aligned block lies the address of the memory that it is a part of.
-inline void *AllocateAligned(std::size_t size, std::align_val_t align) {
-    const auto alignment = static_cast<std::size_t>(align);
-    void *memory = AllocateOrThrow(size, alignment + sizeof(void *));
-    const auto first = reinterpret_cast<std::uintptr_t>(memory) + sizeof(void *);
-    void **block = reinterpret_cast<void **>((first + alignment - 1) / alignment * alignment);
-    block[-1] = memory;
-    return block;
-}
-
-inline void ReleaseAligned(void *block) {
-    if (block != nullptr)
-        Release(static_cast<void **>(block)[-1]);
+inline void Release(void *block) {
+    if (block == nullptr)
+        return;
+    const BlockFront front = static_cast<BlockFront *>(block)[-1];
+    MemoryBalance::CountTakenBack(front.size);
+    std::free(front.memory);
 }
 
 } // namespace zr::test
@@ -179,13 +200,13 @@ void operator delete[](void *block, const std::nothrow_t &) noexcept {
     zr::test::Release(block);
 }
 void *operator new(std::size_t size, std::align_val_t align) {
-    return zr::test::AllocateAligned(size, align);
+    return zr::test::AllocateOrThrow(size, static_cast<std::size_t>(align));
 }
 void operator delete(void *block, std::align_val_t) noexcept {
-    zr::test::ReleaseAligned(block);
+    zr::test::Release(block);
 }
 void operator delete(void *block, std::size_t, std::align_val_t) noexcept {
-    zr::test::ReleaseAligned(block);
+    zr::test::Release(block);
 }
 
 #endif

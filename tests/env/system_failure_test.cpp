@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "env/chunks.h"
-#include "env/counted_memory.h"
 #include "env/function_fixture.h"
 #include "env/reference_reader.h"
+#include "env/refused_memory.h"
 #include "env/text_support.h"
 #include "env/tree_checker.h"
 #include "failing_system.h"
@@ -22,6 +22,7 @@ using text_test::TreeOf;
 using text_test::WriteBytes;
 using zr::test::EnvHandle;
 using zr::test::EnvIsSound;
+using zr::test::MemoryBalance;
 using zr::test::ReportCapture;
 using zr::test::SystemCall;
 using zr::test::SystemFault;
@@ -82,10 +83,10 @@ protected:
         for (int others = 0; others < MostCalls; ++others) {
             work(others);
             zr::env::DropSpareChunks();
-            const long long before = zr::test::living_blocks;
+            const MemoryBalance memory;
             const bool met = work(others);
             zr::env::DropSpareChunks();
-            EXPECT_EQ(zr::test::living_blocks, before) << others;
+            EXPECT_EQ(memory.Open(), 0) << others;
             if (!met || HasFailure())
                 return others;
         }
