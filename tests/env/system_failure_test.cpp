@@ -2,6 +2,7 @@
 // disk. What comes out is what is told, nothing stays open or allocated, and the environment goes on working.
 #include <algorithm>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -65,10 +66,11 @@ protected:
     const TempFolder folder;
     const std::string path = folder.File(FileName);
 
-    static Outcome RunWith(SystemFault fault, int others, const std::function<int()> &work) {
+    Outcome RunWith(SystemFault fault, int others, const std::function<int()> &work) {
         const SystemFaults faults(FileName, fault, others);
         const int result = work();
         EXPECT_EQ(faults.OpenFiles(), 0);
+        m_met.insert(faults.Met());
         return {result,
                 faults.Met(),
                 faults.Place(),
@@ -104,6 +106,28 @@ protected:
     }
 
     ReferenceReader ReferenceOf(const std::string &text) const { return {text, true, eEnvReadAuto, path}; }
+
+    // The calls that can have a fault: `moving` reads or writes, `byPath` needs no open file.
+    static std::set<SystemCall> CallsWith(SystemFault fault, SystemCall moving, SystemCall byPath) {
+        switch (fault) {
+        case SystemFault::FullDisk:
+        case SystemFault::Short:
+            return {moving};
+        case SystemFault::Signal:
+            return {SystemCall::Open, moving, SystemCall::Close};
+        default:
+            return {SystemCall::Open, moving, SystemCall::Close, byPath};
+        }
+    }
+
+    // Each of these calls had the fault at its turn.
+    void ExpectMet(const std::set<SystemCall> &calls) const {
+        for (const SystemCall call : calls)
+            EXPECT_TRUE(m_met.contains(call)) << call;
+    }
+
+private:
+    std::set<SystemCall> m_met;
 };
 
 class Reading : public SystemFailure {
@@ -175,6 +199,7 @@ protected:
             WriteBytes(path, bytes);
             EXPECT_GE(ForEveryCall([&](int others) { return ReadWith(bytes, whole, fault, others); }), fewest);
         }
+        ExpectMet(CallsWith(fault, SystemCall::Read, SystemCall::Status));
     }
 };
 
@@ -223,6 +248,7 @@ protected:
         const std::string whole = string;
         env_free_string(string);
         EXPECT_GE(ForEveryCall([&](int others) { return WriteWith(env, wrap, whole, fault, others); }), fewest);
+        ExpectMet(CallsWith(fault, SystemCall::Write, SystemCall::None));
         EXPECT_TRUE(TreeOf(*env.operator->()) == tree);
         EXPECT_TRUE(EnvIsSound(*env.operator->()));
         EXPECT_EQ(env_write_file_ex(path.c_str(), env, wrap), 1);
