@@ -63,18 +63,19 @@ void ReadAsFile(Zr::CZrEnv &env, const std::string &bytes, EEnvReadMode mode) {
 
 } // namespace
 
-// The first byte chooses the mode, whether a file is read too, and whether the next byte tells of a padding; the rest is
-// the text, for a string up to its first zero byte.
+// The first byte chooses the mode, whether a file is read too, and whether the next byte tells of a padding, which is a
+// matter of the file alone; the rest is the text, for a string up to its first zero byte.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     fuzz::TakeReports();
     std::string bytes(reinterpret_cast<const char *>(data), size);
     const unsigned choices = size == 0 ? 2 : data[0];
     const auto mode = static_cast<EEnvReadMode>(choices % 3);
     bytes.erase(0, 1);
+    Zr::CZrEnv *env = Zr::CZrEnv::CreateEnv(1, nullptr);
     if (choices >= 224 && !bytes.empty())
         bytes = Padding(static_cast<std::uint8_t>(bytes[0])) + bytes.substr(1);
-    Zr::CZrEnv *env = Zr::CZrEnv::CreateEnv(1, nullptr);
-    ReadAsString(*env, bytes, mode);
+    else
+        ReadAsString(*env, bytes, mode);
     if (choices >= 128) // what the string left in the tree goes
         ReadAsFile(*env, bytes, mode);
     Zr::CZrEnv::DestroyEnv(env, false);

@@ -1,29 +1,13 @@
 // The verbs of `zrtool env`: what they print, their exit codes, and that a failure leaves files as they were.
+#include <climits>
 #include <cstdlib>
-#include <limits>
-#include <new>
 #include <string>
 #include <vector>
 
 #include "env/env_probe.h"
+#include "env/refused_memory.h"
 #include "env_file.h"
 #include "zrtool_fixture.h"
-
-namespace {
-
-std::size_t largestBlock = std::numeric_limits<std::size_t>::max(); // of those asked for without exceptions
-
-} // namespace
-
-void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
-    if (size > largestBlock)
-        return nullptr;
-    try {
-        return ::operator new[](size);
-    } catch (const std::bad_alloc &) {
-        return nullptr;
-    }
-}
 
 namespace {
 
@@ -436,9 +420,9 @@ TEST_F(ZrtoolEnv, TextBehindTheEndMark_IsToldWhereAWriteLosesIt) {
 
 TEST_F(ZrtoolEnv, CheckOfWhatCannotBeWritten_WarnsAndIsOk) {
     const std::string file = File("a.zrenv", "[A]\n x =" + std::string(200000, 'y') + "\n");
-    largestBlock = 100000; // the text does not fit
+    const zr::test::Refusal refusal(131072, 131072, INT_MAX); // the second block that a text is written to
     const Outcome outcome = Env({"check", file});
-    largestBlock = std::numeric_limits<std::size_t>::max();
+    EXPECT_FALSE(refusal.Untouched());
     EXPECT_EQ(outcome.code, 0);
     EXPECT_EQ(outcome.out, file + ": ok\n");
     EXPECT_EQ(outcome.err.find(file + ": warning: cannot be written: "), 0u) << outcome.err;
@@ -454,6 +438,21 @@ TEST_F(ZrtoolEnv, CheckDeepOfSoundFiles_SaysSo) {
     }
     const std::string fault = File("a.zrenv", "[A]\n}\n");
     EXPECT_EQ(Env({"check", fault, "--deep"}).err, Env({"check", fault}).err);
+}
+
+// The look at the tree takes memory for every name, whatever its outcome.
+TEST_F(ZrtoolEnv, CheckDeep_LooksAtTheTree) {
+    std::string text = "[A]\n";
+    for (int i = 0; i < 100; ++i)
+        text += "x" + std::to_string(i) + " =1\n";
+    const std::string file = File("a.zrenv", text);
+    const auto allocationsOf = [](const Words &words) {
+        const zr::test::MemoryBalance memory;
+        EXPECT_EQ(Env(words).code, 0);
+        return memory.Given();
+    };
+    allocationsOf({"check", file}); // leaves chunks for later
+    EXPECT_GE(allocationsOf({"check", file, "--deep"}), allocationsOf({"check", file}) + 100);
 }
 
 TEST_F(ZrtoolEnv, CheckDeepOfADamagedTree_NamesThePlace) {
