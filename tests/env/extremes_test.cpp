@@ -130,17 +130,24 @@ void ReadAndChangeDeepTree() {
     EXPECT_EQ(WrittenText(env), "[S]\n");
 }
 
-// The walk cuts paths that are longer than it tells: what lies that deep goes to another place, and nothing breaks.
+// The walk cuts paths behind 10239 characters, a copy that appends behind 255: what lies deeper goes to another place, at
+// four characters for each level, and nothing breaks.
 void CopyDeepTree() {
     const std::size_t levels = SizeOf(100000, 1000000, 1000000);
     const EnvHandle env(NestedText(levels).c_str());
+    constexpr int reached = 10240 / 4;
+    const int goesTo[] = {reached, 256 / 4, reached, 0}; // by the mode; what is not there is not updated
     for (const zr_long mode : {0, 1, 2, 3}) {
-        const EnvHandle target("[S]\nz =1\n");
-        env_sink(target, env, mode);
+        const EnvHandle target("[S]\nz =7\n");
+        EXPECT_EQ(env_sink(target, env, mode), 0);
+        EXPECT_EQ(ValueOf(target, "S", DeepPath(goesTo[mode], "b").c_str()), goesTo[mode] ? "1" : "(-1)") << mode;
+        EXPECT_EQ(LeavesOf(target), goesTo[mode] ? 2u : 1u);
         ExpectSound(target);
     }
     const EnvHandle target;
-    env_copy_block(target, env, "S", "b", 2);
+    EXPECT_EQ(env_copy_block(target, env, "S", "b", 2), 0);
+    EXPECT_EQ(ValueOf(target, "S", DeepPath(1 + reached, "b").c_str()), "1");
+    EXPECT_EQ(LeavesOf(target), 1u);
     ExpectSound(target);
     ExpectSound(env);
 
@@ -272,10 +279,11 @@ void ChangeLongNames() {
     ExpectSound(env);
 
     std::size_t leaves = 0;
-    env_traverse_leafs(env, CountLeaf, &leaves); // the path of a step that long is cut, and leads nowhere
-    const EnvHandle target;
-    env_sink(target, env, 2);
-    ExpectSound(target);
+    EXPECT_EQ(env_traverse_leafs(env, CountLeaf, &leaves), -10) << "the path of a step that long is cut, to nowhere";
+    EXPECT_EQ(leaves, 0u);
+    const EnvHandle target("[S]\nz =7\n");
+    EXPECT_EQ(env_sink(target, env, 2), -10);
+    EXPECT_EQ(WrittenText(target), "[S]\n  z =7\n");
     EXPECT_EQ(env_rename(env, b.c_str(), path.c_str(), b.c_str()), 0);
     EXPECT_EQ(env_rename(env, b.c_str(), a.c_str(), "short"), 0);
     EXPECT_EQ(ValueOf(env, b.c_str(), ("short@" + b + "@" + b).c_str()), "2");
