@@ -509,6 +509,12 @@ TEST_F(EnvMemory, WalksReportAndGiveTheirErrorValue) {
          [](zr_env env, zr_env) { return env_traverse_leafs(env, Ignore, nullptr); }},
         {"env_sink, appending", "Env_uti2", 0, -10, [](zr_env env, zr_env other) { return env_sink(env, other, 1); },
          MayNotBeRepeated},
+        {"env_sink, into an empty environment", "Env_uti2", 0, -10,
+         [](zr_env env, zr_env other) {
+             const int result = env_delete(other, nullptr, nullptr);
+             zr::env::DropSpareChunks(); // of what was there
+             return result ? result : env_sink(other, env, 2);
+         }},
         {"env_sink, overwriting", "Env_uti2", 0, -10,
          [](zr_env env, zr_env other) {
              const int result = env_put(other, "Other", "value", "a longer one than the other has");
