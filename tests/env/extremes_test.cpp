@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "env/function_fixture.h"
 #include "env/refused_memory.h"
@@ -255,17 +256,60 @@ void ChangeLongValue() {
     EXPECT_EQ(WrittenText(env), "[S]\n  z =short\n");
 }
 
+// Bytes of which each takes two characters, and a list of numbers.
+void PutLongBinaryAndList() {
+    const std::size_t size = SizeOf(16 * Megabyte, 1024 * Megabyte, 128 * Megabyte) / 2;
+    const EnvHandle env;
+    {
+        std::string bytes(size, '\0');
+        bytes.back() = 'x';
+        EXPECT_EQ(env_put_bin(env, "S", "bin", bytes.data(), static_cast<zr_long>(size)), 0);
+        EXPECT_EQ(env_data_length(env, "S", "bin", 1), static_cast<zr_long>(2 + 2 * size - 1)); // the version in front
+        std::string back(size + 1, '#');
+        auto got = static_cast<zr_long>(size);
+        EXPECT_EQ(env_get_bin(env, "S", "bin", 1, back.data(), &got), -7);
+        got = static_cast<zr_long>(size + 1);
+        EXPECT_EQ(env_get_bin(env, "S", "bin", 1, back.data(), &got), 0);
+        EXPECT_EQ(got, static_cast<zr_long>(size));
+        EXPECT_TRUE(IsSame(back, bytes + '#'));
+    }
+    const std::vector<zr_long> numbers(size / 16, -2147483647);
+    const auto count = static_cast<zr_long>(numbers.size());
+    EXPECT_EQ(env_put_longs(env, "S", "list", count, numbers.data()), 0);
+    EXPECT_EQ(env_data_length(env, "S", "list", 1), 12 * count - 1);
+    std::vector<zr_long> back(numbers.size());
+    zr_long got = count - 1;
+    EXPECT_EQ(env_get_longs(env, "S", "list", 1, &got, back.data()), -7);
+    got = count;
+    EXPECT_EQ(env_get_longs(env, "S", "list", 1, &got, back.data()), 0);
+    EXPECT_EQ(got, count);
+    EXPECT_TRUE(back == numbers);
+    zr_long width = 0;
+    EXPECT_EQ(env_get_array_size(env, "S", "list", 1, &got, &width), 0);
+    EXPECT_EQ(got, count);
+    EXPECT_EQ(width, 11);
+}
+
 void ChangeLongNames() {
     const std::string a(Megabyte, 'a');
     const std::string b(Megabyte, 'b');
     const std::string path = a + "@" + b + "@" + a;
     const EnvHandle env;
+    std::string made(path.size() + 1, '#');
+    const auto needed = static_cast<zr_long>(made.size());
+    const char *const end = nullptr;
+    EXPECT_EQ(env_create_path(env, needed - 1, made.data(), a.c_str(), b.c_str(), a.c_str(), end), -7);
+    EXPECT_EQ(env_create_path(env, needed, made.data(), a.c_str(), b.c_str(), a.c_str(), end), 0);
+    EXPECT_TRUE(IsSame(made.c_str(), path));
     EXPECT_EQ(env_put(env, b.c_str(), path.c_str(), "1"), 0);
     EXPECT_EQ(env_put(env, b.c_str(), path.c_str(), "2"), 0);
     EXPECT_EQ(ValueOf(env, b.c_str(), path.c_str()), "2");
     EXPECT_EQ(ValueOf(env, b.c_str(), (path + "b").c_str()), "(-4)");
     EXPECT_EQ(env_count_path(env, b.c_str(), path.c_str(), 1), 1);
     EXPECT_EQ(env_exist(env, b.c_str(), b.c_str(), 0), 1);
+    const zr_env sub = env_create_subenv(env, b.c_str(), (a + "@" + b).c_str());
+    EXPECT_EQ(ValueOf(sub, nullptr, a.c_str()), "2");
+    EXPECT_EQ(env_close(sub, 0), 0);
     std::string names(Megabyte + 3, '\0');
     EXPECT_EQ(env_list_elem_names(env, b.c_str(), nullptr, 1, ',', static_cast<zr_long>(Megabyte) + 1, names.data()),
               -7);
@@ -375,6 +419,10 @@ TEST(Extremes, WideTree_ReadsWritesAndChanges) {
 
 TEST(Extremes, LongValue_ReadsWritesAndChanges) {
     RunOnStack(StackSize, ChangeLongValue);
+}
+
+TEST(Extremes, LongBinaryValueAndList_AreKept) {
+    RunOnStack(StackSize, PutLongBinaryAndList);
 }
 
 TEST(Extremes, LongNamesAndPaths_ReadWriteAndChange) {
