@@ -763,6 +763,27 @@ TEST_F(Block, Rename_BetweenTheSameNeighboursIsClean) {
     }
 }
 
+// The entry that the rename left behind stands between c and the search for it.
+TEST_F(Block, Rename_MayHideASibling_WhichThenStays) {
+    m_endsSound = false;
+    for (const char *szName : {"a", "b", "c", "d", "e"})
+        Leaf(szName);
+    CZrEnvElement *pC = m_block.GetElement("c", 1);
+    EXPECT_TRUE(m_block.GetElement("d", 1)->SetName("0"));
+    CZrEnvBlock other("other");
+    CZrEnvElement *pX = AddLeaf(other, "x");
+    EXPECT_FALSE(m_block.RemoveElement(pC, true));
+    EXPECT_FALSE(other.InsertElement(pC));
+    EXPECT_FALSE(other.InsertElementBefore(pC, pX));
+    EXPECT_FALSE(other.ReplaceElement(pX, pC));
+    EXPECT_EQ("a b c 0 e", Describe(m_block));
+    EXPECT_EQ(&m_block, pC->GetParent());
+    EXPECT_EQ("x", Describe(other));
+    EXPECT_TRUE(BlockIsSound(other));
+    EXPECT_EQ("", Zr::CZrEnvTreeCheck::OfBlock(m_block, Zr::CZrEnvTreeCheck::Indexes::AsTheyAre).what);
+    EXPECT_EQ(Reports{}, m_reports.Take());
+}
+
 TEST_F(Block, NameChanged_NullAndForeignDoNothing) {
     CZrEnvDataElement *pFirst = Leaf("a");
     Leaf("a");

@@ -631,6 +631,23 @@ TEST_F(EnvMemory, IterationThatCannotStartIsNone) {
     EXPECT_EQ(env_get_next(env, 50, name, 0, nullptr, 0), -2);
 }
 
+TEST_F(EnvMemory, ElementThatLostItsNameIsNotSunk) {
+    EnvHandle env(kModel);
+    const std::string name(101, 'n');
+    {
+        const Refusal refusal(name.size() + 1, name.size() + 1);
+        EXPECT_EQ(env_rename(env, "Other", "value", name.c_str()), 0);
+        EXPECT_TRUE(refusal.Met());
+    }
+    EXPECT_EQ("(null)", NameOf(env->GetSection("Other")->GetFirstElement()->GetSuccElem()->GetSuccElem()));
+    EnvHandle target;
+    EXPECT_EQ(env_sink(target, env, 2), -10);
+    EXPECT_EQ(WrittenText(env).substr(0, WrittenText(target).size()), WrittenText(target))
+        << "what stands in front of it";
+    EXPECT_EQ(ValueOf(target, "Other", "block@y"), "2");
+    EXPECT_EQ(ValueOf(target, "Many", "n0"), "(-4)");
+}
+
 TEST_F(EnvMemory, CloseAndDeleteNeedNone) {
     zr::env::DropSpareChunks();
     const MemoryBalance memory;

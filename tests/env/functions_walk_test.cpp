@@ -768,8 +768,13 @@ TEST(EnvSink, IntoAnEmptyOneDoesAsPutsDo) {
         const std::string text = RandomModel(random, round % 2 != 0);
         EnvHandle source(text.c_str());
         ExpectSameSink(source, "@", text);
-        if (round % 16 == 0)
+        if (round % 16 < 2)
             ExpectSameSink(source, "1", text);
+        for (const char *delimiter : {"/", "1", "="}) {
+            env_set_delimiter(source, *delimiter);
+            if (round % 16 < 2)
+                ExpectSameSink(source, delimiter, text);
+        }
     }
 }
 
