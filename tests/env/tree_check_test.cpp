@@ -235,6 +235,21 @@ TEST_F(OrderedTreeCheck, EntryLeftBehindByARename_IsNoFault) {
     Probe::InsertIntoIndex(block, block.GetFirstElement());
 }
 
+TEST_F(OrderedTreeCheck, SoundBlocksOfAnyKind_DoNotEndTheLook) {
+    const auto expectLookBehind = [this] {
+        ExpectTold("counts 1 children, has 0", m_pOther, Probe::Count(*m_pOther), 1u);
+    };
+    expectLookBehind(); // an ordered index in front
+    AddBlock(*m_pLarge, "empty");
+    ASSERT_TRUE(m_pThird->SetName("0"));
+    ASSERT_EQ(4u, m_pBlock->GetElemCount()) << "an entry is left behind";
+    expectLookBehind();
+    const CZrEnvBlock source("source");
+    ASSERT_TRUE(m_pSection->InsertElement(new CZrEnvBlock(source))) << "a view";
+    expectLookBehind();
+    ASSERT_TRUE(m_pSection->RemoveElement(m_pSection->GetElement("source", 1), true));
+}
+
 TEST_F(OrderedTreeCheck, NamelessChild_IsSound) {
     auto *pNameless = NewLeaf("=");
     ASSERT_TRUE(m_pBlock->InsertElement(pNameless));
