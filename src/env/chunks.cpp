@@ -1,7 +1,6 @@
 // Chunks, regions, and those that are kept.
 #include "env/chunks.h"
 
-#include <algorithm>
 #include <array>
 #include <new>
 
@@ -16,8 +15,7 @@ struct Region {
 
 namespace {
 
-constexpr std::size_t kChunksInRegion = 32;
-constexpr std::size_t kRegionSize = kChunksInRegion * ChunkSpan - (ChunkSpan - ChunkSize);
+constexpr std::size_t kRegionSize = ChunksInRegion * ChunkSpan - (ChunkSpan - ChunkSize);
 static_assert(sizeof(Region) <= ChunkSpan - ChunkSize);
 
 // What an open chunk counts beside its things, so that it outlives those that end before it is closed.
@@ -46,10 +44,9 @@ private:
     bool m_bMine;
 };
 
-// 4 MB of each kind.
-constinit std::array<void *, 64> SpareChunks{};
+constinit std::array<void *, MostSpareChunks> SpareChunks{};
 constinit std::size_t SpareChunkCount = 0;
-constinit std::array<void *, 2> SpareRegions{};
+constinit std::array<void *, MostSpareRegions> SpareRegions{};
 constinit std::size_t SpareRegionCount = 0;
 constinit std::atomic_flag SparesInUse;
 
@@ -57,21 +54,19 @@ constinit ChunkSource PieceSource{kSinglesOfPieces};
 constinit ChunkArena Pieces;
 constinit std::atomic_flag PiecesInUse;
 
-std::align_val_t RegionAlignment() {
-    return std::align_val_t{std::max(ChunkSpan, platform::LargePageSize())};
-}
+constexpr std::align_val_t kAlignment{ChunkSpan};
 
 void *NewSingle() {
     if (const TryGuard guard(SparesInUse); guard && SpareChunkCount != 0)
         return SpareChunks[--SpareChunkCount];
-    return ::operator new (ChunkSize, std::align_val_t{ChunkSpan});
+    return ::operator new(ChunkSize, kAlignment);
 }
 
 void DeleteSingle(void *pMemory) {
     if (const TryGuard guard(SparesInUse); guard && SpareChunkCount != SpareChunks.size())
         SpareChunks[SpareChunkCount++] = pMemory;
     else
-        ::operator delete (pMemory, std::align_val_t{ChunkSpan});
+        ::operator delete(pMemory, kAlignment);
 }
 
 char *StartOf(Region *pRegion) {
@@ -82,9 +77,8 @@ char *StartOf(Region *pRegion) {
 char *NewRegionMemory() {
     if (const TryGuard guard(SparesInUse); guard && SpareRegionCount != 0)
         return static_cast<char *>(SpareRegions[--SpareRegionCount]);
-    void *pMemory = ::operator new(kRegionSize, RegionAlignment());
-    // Of the last page the allocator's words behind the region are a part.
-    platform::WantLargePages(pMemory, kChunksInRegion * ChunkSpan);
+    void *pMemory = ::operator new(kRegionSize, kAlignment);
+    platform::FillPagesAhead(pMemory, kRegionSize);
     return static_cast<char *>(pMemory);
 }
 
@@ -93,10 +87,12 @@ void ReleaseRegion(Region *pRegion) {
         return;
     char *pMemory = StartOf(pRegion);
     pRegion->~Region();
-    if (const TryGuard guard(SparesInUse); guard && SpareRegionCount != SpareRegions.size())
+    if (const TryGuard guard(SparesInUse);
+        guard && (SpareRegionCount < RegionsKept ||
+                  (SpareRegionCount != SpareRegions.size() && platform::ForgetContents(pMemory, kRegionSize))))
         SpareRegions[SpareRegionCount++] = pMemory;
     else
-        ::operator delete(pMemory, RegionAlignment());
+        ::operator delete(pMemory, kAlignment);
 }
 
 } // namespace
@@ -133,7 +129,7 @@ void *ChunkSource::Take(Region *&rpRegion) {
         --m_uSingles;
         return pSingle;
     }
-    if ((!m_pRegion || m_uGiven == kChunksInRegion) && !OpenRegion())
+    if ((!m_pRegion || m_uGiven == ChunksInRegion) && !OpenRegion())
         return NewSingle();
     m_pRegion->live.fetch_add(1, std::memory_order_relaxed);
     rpRegion = m_pRegion;
@@ -185,9 +181,9 @@ void DropSpareChunks() {
     }
     const TryGuard guard(SparesInUse);
     while (guard && SpareChunkCount != 0)
-        ::operator delete (SpareChunks[--SpareChunkCount], std::align_val_t{ChunkSpan});
+        ::operator delete(SpareChunks[--SpareChunkCount], kAlignment);
     while (guard && SpareRegionCount != 0)
-        ::operator delete(SpareRegions[--SpareRegionCount], RegionAlignment());
+        ::operator delete(SpareRegions[--SpareRegionCount], kAlignment);
 }
 
 } // namespace zr::env

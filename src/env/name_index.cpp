@@ -82,7 +82,7 @@ CZrEnvNameIndex *CZrEnvNameIndex::Empty(std::size_t uSlots) {
     void *pPiece = size <= largestPiece ? zr::env::TakePiece(size) : nullptr;
     void *pMemory = pPiece ? pPiece : ::operator new(size);
     if (!pPiece)
-        zr::platform::WantLargePages(pMemory, size);
+        zr::platform::FillPagesAhead(pMemory, size);
     return ::new (pMemory) CZrEnvNameIndex(uSlots, pPiece != nullptr);
 }
 

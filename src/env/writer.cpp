@@ -16,6 +16,7 @@
 #include <zrclb/report.h>
 
 #include "env/node_store.h"
+#include "platform/memory.h"
 #include "platform/streams.h"
 
 namespace Zr {
@@ -93,6 +94,7 @@ char *CZrEnvWriter::WriteString(const CZrEnv *pEnv) {
         return nullptr;
     SetUpBuffer(nullptr);
     WriteEnv(*pEnv);
+    GatherParts();
     m_pBuffer[m_uCount] = '\0';
     return m_pBuffer.release();
 }
@@ -341,7 +343,8 @@ bool CZrEnvWriter::FlushBuffer() {
     return uWritten == std::exchange(m_uCount, 0);
 }
 
-// Writes the buffer out or, for a text in memory, makes it larger. False if that fails: all further output is dropped.
+// Writes the buffer out or, for a text in memory, goes on in a larger one. False if that fails: all further output is
+// dropped.
 bool CZrEnvWriter::MakeRoom() {
     if (m_pStream)
         return FlushBuffer();
@@ -352,10 +355,24 @@ bool CZrEnvWriter::MakeRoom() {
         zr_error("Can not allocate buffer", nullptr, nullptr, Tag, __LINE__);
         return false;
     }
-    std::memcpy(pLarger.get(), m_pBuffer.get(), m_uCount);
+    m_Parts[m_uParts++] = {std::move(m_pBuffer), m_uCount};
     m_pBuffer = std::move(pLarger);
     m_uCapacity = static_cast<std::uint32_t>(uCapacity);
     return true;
+}
+
+// Copies what stands in former buffers to its place in the last one. Until then each new buffer is only filled from where
+// the former ends, so half as many of its pages are ever touched as if it began with a copy.
+void CZrEnvWriter::GatherParts() {
+    if (m_uParts == 0)
+        return;
+    zr::platform::FillPagesAhead(m_pBuffer.get(), m_Parts[m_uParts - 1].uEnd);
+    std::uint32_t uStart = 0;
+    for (Part *pPart = m_Parts.data(); m_uParts != 0; ++pPart, --m_uParts) {
+        std::memcpy(m_pBuffer.get() + uStart, pPart->pText.get() + uStart, pPart->uEnd - uStart);
+        uStart = pPart->uEnd;
+        pPart->pText.reset();
+    }
 }
 
 } // namespace Zr

@@ -2,6 +2,7 @@
 #ifndef ZR_ENV_WRITER_H
 #define ZR_ENV_WRITER_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -50,10 +51,21 @@ private:
     void PutFold();
     void PutBytes(const char *pBytes, std::size_t uLength);
     bool MakeRoom();
+    void GatherParts();
     bool FlushBuffer();
 
-    std::FILE *m_pStream = nullptr; // null: the text stays in the buffer
-    std::unique_ptr<char[]> m_pBuffer;
+    // A buffer that became too small, filled from where the one before ends up to uEnd.
+    struct Part {
+        std::unique_ptr<char[]> pText;
+        std::uint32_t uEnd;
+    };
+    // Capacities grow by 64 KB, at most twice, and are then doubled, up to 4 GB.
+    static constexpr std::size_t MostParts = 18;
+
+    std::FILE *m_pStream = nullptr;    // null: the text stays in the buffer
+    std::unique_ptr<char[]> m_pBuffer; // of a text in memory: filled from where the parts end
+    std::array<Part, MostParts> m_Parts;
+    std::size_t m_uParts = 0;
     std::uint32_t m_uCapacity = 0;
     std::uint32_t m_uCount = 0;
     bool m_bOk = true;

@@ -6,13 +6,15 @@
 
 namespace zr::platform {
 
-// The size and alignment of a large page, which costs a single fault and a single entry of the processor's address
-// cache; 0 where a process cannot have any without special rights.
-std::size_t LargePageSize();
+// Has the system put memory behind the whole pages of [memory, memory + size) in one go, which costs less than a fault for
+// each page when it is first touched. For memory that is about to be filled. A hint: the contents are the same with and
+// without. Leaves errno alone.
+void FillPagesAhead(void *memory, std::size_t size);
 
-// Asks for large pages behind the whole ones in [memory, memory + size), before they are first touched. A hint: the
-// contents are the same with and without, and so is what releases the memory. Leaves errno alone.
-void WantLargePages(void *memory, std::size_t size);
+// Tells the system that the contents of the whole pages are no longer needed. It may take the memory when it runs short, and
+// gives other then; as long as it does not, the next use costs far less than fresh memory. Until they are written, the
+// contents are anything. Leaves errno alone. False where there is no such thing: nothing was done then.
+bool ForgetContents(void *memory, std::size_t size);
 
 } // namespace zr::platform
 

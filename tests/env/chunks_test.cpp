@@ -58,7 +58,12 @@ void operator delete(void *block, std::size_t, std::align_val_t) noexcept {
 namespace zr::env {
 namespace {
 
-constexpr int spareMost = 64 + 2; // chunks of their own and regions that wait
+// How many of so many regions wait for the next source.
+int RegionsThatWait(std::size_t uRegions) {
+    std::vector<char> pages(std::size_t{1} << 16);
+    const bool more = platform::ForgetContents(pages.data(), pages.size());
+    return static_cast<int>(std::min(uRegions, more ? MostSpareRegions : RegionsKept));
+}
 
 class Chunks : public testing::Test {
 protected:
@@ -79,6 +84,17 @@ protected:
             arena.Count();
             std::memset(pThing, static_cast<int>(m_things.size() % 251), size);
             m_things.push_back({pThing, size});
+        }
+        arena.Close();
+    }
+
+    // As many chunks with one thing each.
+    void TakeChunks(ChunkSource &source, std::size_t uChunks) {
+        ChunkArena arena;
+        constexpr std::size_t size = ChunkSize / 2;
+        for (std::size_t i = 0; i != uChunks; ++i) {
+            m_things.push_back({arena.Take(size, source), size});
+            arena.Count();
         }
         arena.Close();
     }
@@ -109,7 +125,7 @@ TEST_F(Chunks, ThingsOfChunksAndRegions_DoNotOverlap) {
     EXPECT_EQ(4 + 3, blocks) << "256 KB in chunks of their own, the rest in three regions";
     source.Close();
     ReleaseAllShuffled();
-    EXPECT_EQ(4 + 2, blocks) << "what waits for the next";
+    EXPECT_EQ(4 + RegionsThatWait(3), blocks);
 }
 
 TEST_F(Chunks, RegionWithoutMemory_ChunksOfTheirOwnInstead) {
@@ -138,12 +154,15 @@ TEST_F(Chunks, LastThing_HoldsItsRegion) {
     EXPECT_EQ(0, blocks);
 }
 
-TEST_F(Chunks, NoMoreThanEightMegabytesWait) {
-    ChunkSource source(100);
-    Fill(source, 20 * 1024 * 1024);
-    source.Close();
-    ReleaseAllShuffled();
-    EXPECT_EQ(spareMost, blocks);
+TEST_F(Chunks, NoMoreThanSoManyWait) {
+    ChunkSource source(MostSpareChunks + 10);
+    TakeChunks(source, MostSpareChunks + 10);
+    for (const std::size_t regions : {RegionsKept + 1, MostSpareRegions + 1}) {
+        TakeChunks(source, regions * ChunksInRegion);
+        source.Close();
+        ReleaseAllShuffled();
+        EXPECT_EQ(static_cast<int>(MostSpareChunks) + RegionsThatWait(regions), blocks) << regions;
+    }
 }
 
 TEST_F(Chunks, NextSource_TakesWhatWaits) {
@@ -151,7 +170,7 @@ TEST_F(Chunks, NextSource_TakesWhatWaits) {
         ChunkSource source(4);
         Fill(source, 3 * 1024 * 1024);
         source.Close();
-        EXPECT_EQ(4 + 2, blocks);
+        EXPECT_EQ(4 + RegionsThatWait(2), blocks);
         ReleaseAllShuffled();
     }
 }
@@ -212,16 +231,32 @@ TEST_F(Chunks, ThreadsThatTakeAndRelease_LeaveNothing) {
         other.join();
 }
 
-TEST(LargePages, ContentsStayAndErrnoToo) {
-    const std::size_t page = platform::LargePageSize();
-    EXPECT_EQ(0U, page % 4096);
-    std::vector<char> memory(3 * std::max<std::size_t>(page, 4096), 'x');
+TEST(PagesAhead, ContentsStayAndErrnoToo) {
+    std::vector<char> memory(std::size_t{1} << 20, 'x');
     errno = 17;
-    platform::WantLargePages(memory.data(), memory.size());
-    platform::WantLargePages(memory.data() + 1, 100);
-    platform::WantLargePages(nullptr, 0);
+    platform::FillPagesAhead(memory.data(), memory.size());
+    platform::FillPagesAhead(memory.data() + 1, 100);
+    platform::FillPagesAhead(nullptr, 0);
     EXPECT_EQ(17, errno);
     EXPECT_EQ(memory.size(), static_cast<std::size_t>(std::count(memory.begin(), memory.end(), 'x')));
+}
+
+// Of what is around the whole pages nothing is forgotten; what they hold is written anew.
+TEST(ForgottenPages, NeighboursStayAndErrnoToo) {
+    constexpr std::size_t margin = 100;
+    std::vector<char> memory((std::size_t{1} << 20) + 2 * margin, 'x');
+    errno = 17;
+    const bool forgotten = platform::ForgetContents(memory.data() + margin, memory.size() - 2 * margin);
+    EXPECT_EQ(17, errno);
+    for (std::size_t i = 0; i != margin; ++i) {
+        ASSERT_EQ('x', memory[i]);
+        ASSERT_EQ('x', memory[memory.size() - 1 - i]);
+    }
+    std::fill(memory.begin(), memory.end(), 'y');
+    EXPECT_EQ(memory.size(), static_cast<std::size_t>(std::count(memory.begin(), memory.end(), 'y')));
+    EXPECT_FALSE(platform::ForgetContents(memory.data() + 1, 100)) << "no whole page";
+    EXPECT_FALSE(platform::ForgetContents(nullptr, 0));
+    EXPECT_EQ(forgotten, platform::ForgetContents(memory.data(), memory.size())) << "each system knows it or does not";
 }
 
 } // namespace

@@ -198,22 +198,6 @@ TEST_F(TextMemory, ChunksWaitForTheNextReading) {
     EXPECT_EQ(memory.Open(), 0);
 }
 
-TEST_F(TextMemory, NoMoreThanEightMegabytesWait) {
-    std::string text = "[A]\n";
-    for (int i = 0; i < 400000; ++i)
-        text += "x=1\n";
-    zr::env::DropSpareChunks();
-    const MemoryBalance memory;
-    ASSERT_EQ(env->ReadString(text.c_str(), eEnvReadAuto), Zr::ENV_OK);
-    constexpr int chunks = 64; // 64 KB each; what is beyond them comes in regions of 2 MB
-    constexpr int regions = 2;
-    EXPECT_GT(memory.Open(), chunks + regions);
-    env->DeleteEnvironmentSections();
-    EXPECT_EQ(memory.Open(), chunks + regions);
-    zr::env::DropSpareChunks();
-    EXPECT_EQ(memory.Open(), 0);
-}
-
 TEST_F(TextMemory, WritingWithoutMemoryLeaksNothing) {
     Zr::CZrEnvSection *section = env->InsertSection("A");
     section->InsertElement(new Zr::CZrEnvBlock("b"));

@@ -1,35 +1,43 @@
-// Large pages.
+// Pages ahead of their first touch and after their last.
 #include "platform/memory.h"
 
 #include <cerrno>
 #include <cstdint>
 
 #include <sys/mman.h>
+#include <unistd.h>
 
 namespace zr::platform {
 
 namespace {
-constexpr std::size_t large_page = 2 * 1024 * 1024;
+
+// Of the whole pages. False if there are none, or if the system does not know the advice.
+[[maybe_unused]] bool AdvisePages(void *memory, std::size_t size, int advice) {
+    static const auto page = static_cast<std::uintptr_t>(getpagesize());
+    const auto address = reinterpret_cast<std::uintptr_t>(memory);
+    const std::uintptr_t first = (address + page - 1) & ~(page - 1);
+    const std::uintptr_t last = (address + size) & ~(page - 1);
+    if (last <= first)
+        return false;
+    const int kept = errno;
+    const bool taken = madvise(reinterpret_cast<void *>(first), last - first, advice) == 0;
+    errno = kept;
+    return taken;
 }
 
-std::size_t LargePageSize() {
-#ifdef MADV_HUGEPAGE
-    return large_page;
-#else
-    return 0;
+} // namespace
+
+void FillPagesAhead([[maybe_unused]] void *memory, [[maybe_unused]] std::size_t size) {
+#ifdef MADV_POPULATE_WRITE
+    AdvisePages(memory, size, MADV_POPULATE_WRITE);
 #endif
 }
 
-void WantLargePages([[maybe_unused]] void *memory, [[maybe_unused]] std::size_t size) {
-#ifdef MADV_HUGEPAGE
-    const auto address = reinterpret_cast<std::uintptr_t>(memory);
-    const std::uintptr_t first = (address + large_page - 1) & ~std::uintptr_t{large_page - 1};
-    const std::uintptr_t last = (address + size) & ~std::uintptr_t{large_page - 1};
-    if (last <= first)
-        return;
-    const int kept = errno;
-    madvise(reinterpret_cast<void *>(first), last - first, MADV_HUGEPAGE);
-    errno = kept;
+bool ForgetContents([[maybe_unused]] void *memory, [[maybe_unused]] std::size_t size) {
+#ifdef MADV_FREE
+    return AdvisePages(memory, size, MADV_FREE);
+#else
+    return false;
 #endif
 }
 

@@ -1,12 +1,12 @@
-// Large pages: a process needs a right of its own for them, which users do not have.
+// Windows has neither: it fills pages when they are touched, and what a process may use counts until it is given back.
 #include "platform/memory.h"
 
 namespace zr::platform {
 
-std::size_t LargePageSize() {
-    return 0;
-}
+void FillPagesAhead(void *, std::size_t) {}
 
-void WantLargePages(void *, std::size_t) {}
+bool ForgetContents(void *, std::size_t) {
+    return false;
+}
 
 } // namespace zr::platform
