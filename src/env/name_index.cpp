@@ -14,34 +14,34 @@ namespace Zr {
 
 namespace {
 
-std::uint64_t Load8(const char *p) {
-    std::uint64_t word;
+template <class Word>
+std::uint64_t Load(const char *p) {
+    Word word;
     std::memcpy(&word, p, sizeof word);
     return word;
 }
 
-// Every bit of the word has a say in every bit of the result: the low ones choose the place.
+// Twice, every bit of the word has a say in every bit of the result: the low ones choose the place.
 std::uint64_t Mixed(std::uint64_t word) {
-    word ^= word >> 32;
-    word *= 0xD6E8FEB86659FD93u;
-    word ^= word >> 32;
     word *= 0xD6E8FEB86659FD93u;
     return word ^ (word >> 32);
 }
 
-// Eight bytes at a time; the last word overlaps the one before it.
+// Words of fixed sizes; the last overlaps the one before it.
 std::uint64_t Hash(std::string_view name) {
+    const char *p = name.data();
     const std::size_t size = name.size();
     std::uint64_t hash = size * 0x9E3779B97F4A7C15u;
-    if (size < 8) {
-        std::uint64_t word = 0;
-        if (size != 0)
-            std::memcpy(&word, name.data(), size);
-        return Mixed(hash ^ word);
+    if (size > 8) {
+        for (std::size_t at = 0; at + 8 < size; at += 8)
+            hash = Mixed(hash ^ Load<std::uint64_t>(p + at));
+        hash ^= Load<std::uint64_t>(p + size - 8);
+    } else if (size >= 4) {
+        hash ^= Load<std::uint32_t>(p) | Load<std::uint32_t>(p + size - 4) << 32;
+    } else if (size != 0) {
+        hash ^= Load<std::uint8_t>(p) | Load<std::uint8_t>(p + size / 2) << 8 | Load<std::uint8_t>(p + size - 1) << 16;
     }
-    for (std::size_t at = 0; at + 8 < size; at += 8)
-        hash = Mixed(hash ^ Load8(name.data() + at));
-    return Mixed(hash ^ Load8(name.data() + size - 8));
+    return Mixed(Mixed(hash ^ hash >> 32));
 }
 
 int Compare(const char *szA, std::string_view b) {
@@ -277,7 +277,7 @@ const char *CZrEnvNameIndex::NameIn(Slot slot) {
 
 // The name mostly stands right behind its element.
 bool CZrEnvNameIndex::Bears(Slot slot, std::string_view name) {
-    __builtin_prefetch(reinterpret_cast<const char *>(slot & AddressBits) + sizeof(CZrEnvDataElement));
+    __builtin_prefetch(reinterpret_cast<const char *>(slot & AddressBits) + sizeof(CZrEnvBlock));
     const char *szName = NameIn(slot);
     return std::strncmp(szName, name.data(), name.size()) == 0 && szName[name.size()] == '\0';
 }
