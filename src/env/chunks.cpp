@@ -1,8 +1,10 @@
 // Chunks, regions, and those that are kept.
 #include "env/chunks.h"
 
+#include <algorithm>
 #include <array>
 #include <new>
+#include <utility>
 
 #include "platform/memory.h"
 
@@ -44,42 +46,65 @@ private:
     bool m_bMine;
 };
 
-constinit std::array<void *, MostSpareChunks> SpareChunks{};
-constinit std::size_t SpareChunkCount = 0;
-constinit std::array<void *, MostSpareRegions> SpareRegions{};
-constinit std::size_t SpareRegionCount = 0;
-constinit std::atomic_flag SparesInUse;
+constexpr std::align_val_t kAlignment{ChunkSpan};
+
+// Blocks of one size that wait for the next reading, aligned by ChunkSpan: first those whose contents are forgotten, then
+// those that are kept as they are, which go first.
+template <std::size_t Size, std::size_t Kept, std::size_t Most>
+class Spares {
+public:
+    // Null if none waits.
+    void *Take() {
+        const TryGuard guard(m_InUse);
+        if (!guard || m_uCount == 0)
+            return nullptr;
+        void *pBlock = m_Blocks[--m_uCount];
+        m_uForgotten = std::min(m_uForgotten, m_uCount);
+        return pBlock;
+    }
+    void KeepOrDelete(void *pBlock) {
+        if (const TryGuard guard(m_InUse); !guard || !Keep(pBlock))
+            ::operator delete(pBlock, kAlignment);
+    }
+    void Drop() {
+        while (void *pBlock = Take())
+            ::operator delete(pBlock, kAlignment);
+    }
+
+private:
+    bool Keep(void *pBlock) {
+        if (m_uCount == Most)
+            return false;
+        if (m_uCount - m_uForgotten < Kept) {
+            m_Blocks[m_uCount++] = pBlock;
+            return true;
+        }
+        if (!platform::ForgetContents(pBlock, Size))
+            return false;
+        m_Blocks[m_uCount++] = std::exchange(m_Blocks[m_uForgotten++], pBlock);
+        return true;
+    }
+
+    std::array<void *, Most> m_Blocks{};
+    std::size_t m_uForgotten = 0;
+    std::size_t m_uCount = 0; // of all
+    std::atomic_flag m_InUse;
+};
+
+constinit Spares<ChunkSize, ChunksKept, MostSpareChunks> SpareChunks;
+constinit Spares<kRegionSize, RegionsKept, MostSpareRegions> SpareRegions;
 
 constinit ChunkSource PieceSource{kSinglesOfPieces};
 constinit ChunkArena Pieces;
 constinit std::atomic_flag PiecesInUse;
 
-constexpr std::align_val_t kAlignment{ChunkSpan};
-
 void *NewSingle() {
-    if (const TryGuard guard(SparesInUse); guard && SpareChunkCount != 0)
-        return SpareChunks[--SpareChunkCount];
-    return ::operator new(ChunkSize, kAlignment);
-}
-
-void DeleteSingle(void *pMemory) {
-    if (const TryGuard guard(SparesInUse); guard && SpareChunkCount != SpareChunks.size())
-        SpareChunks[SpareChunkCount++] = pMemory;
-    else
-        ::operator delete(pMemory, kAlignment);
+    void *pSpare = SpareChunks.Take();
+    return pSpare ? pSpare : ::operator new(ChunkSize, kAlignment);
 }
 
 char *StartOf(Region *pRegion) {
     return reinterpret_cast<char *>(pRegion) - ChunkSize;
-}
-
-// std::bad_alloc on no memory.
-char *NewRegionMemory() {
-    if (const TryGuard guard(SparesInUse); guard && SpareRegionCount != 0)
-        return static_cast<char *>(SpareRegions[--SpareRegionCount]);
-    void *pMemory = ::operator new(kRegionSize, kAlignment);
-    platform::FillPagesAhead(pMemory, kRegionSize);
-    return static_cast<char *>(pMemory);
 }
 
 void ReleaseRegion(Region *pRegion) {
@@ -87,12 +112,7 @@ void ReleaseRegion(Region *pRegion) {
         return;
     char *pMemory = StartOf(pRegion);
     pRegion->~Region();
-    if (const TryGuard guard(SparesInUse);
-        guard && (SpareRegionCount < RegionsKept ||
-                  (SpareRegionCount != SpareRegions.size() && platform::ForgetContents(pMemory, kRegionSize))))
-        SpareRegions[SpareRegionCount++] = pMemory;
-    else
-        ::operator delete(pMemory, kAlignment);
+    SpareRegions.KeepOrDelete(pMemory);
 }
 
 } // namespace
@@ -105,17 +125,17 @@ void ReleaseInChunk(Chunk *pChunk, std::uint32_t uCount) {
     if (pRegion)
         ReleaseRegion(pRegion);
     else
-        DeleteSingle(pChunk);
+        SpareChunks.KeepOrDelete(pChunk);
 }
 
 // False on no memory.
 bool ChunkSource::OpenRegion() {
-    char *pMemory = nullptr;
-    try {
-        pMemory = NewRegionMemory();
-    } catch (const std::bad_alloc &) {
+    auto *pMemory = static_cast<char *>(SpareRegions.Take());
+    m_bFresh = !pMemory;
+    if (!pMemory)
+        pMemory = static_cast<char *>(::operator new(kRegionSize, kAlignment, std::nothrow));
+    if (!pMemory)
         return false;
-    }
     Close();
     m_pRegion = ::new (pMemory + ChunkSize) Region{{1}};
     m_uGiven = 0;
@@ -133,7 +153,10 @@ void *ChunkSource::Take(Region *&rpRegion) {
         return NewSingle();
     m_pRegion->live.fetch_add(1, std::memory_order_relaxed);
     rpRegion = m_pRegion;
-    return StartOf(m_pRegion) + ChunkSpan * m_uGiven++;
+    char *pMemory = StartOf(m_pRegion) + ChunkSpan * m_uGiven++;
+    if (m_bFresh)
+        platform::FillPagesAhead(pMemory, ChunkSize);
+    return pMemory;
 }
 
 void ChunkSource::Close() {
@@ -179,11 +202,8 @@ void DropSpareChunks() {
         PieceSource.Close();
         PieceSource = ChunkSource(kSinglesOfPieces);
     }
-    const TryGuard guard(SparesInUse);
-    while (guard && SpareChunkCount != 0)
-        ::operator delete(SpareChunks[--SpareChunkCount], kAlignment);
-    while (guard && SpareRegionCount != 0)
-        ::operator delete(SpareRegions[--SpareRegionCount], kAlignment);
+    SpareChunks.Drop();
+    SpareRegions.Drop();
 }
 
 } // namespace zr::env

@@ -1,9 +1,8 @@
 // Memory of many small things that end together: chunks that are filled from front to back and given back as a whole.
 //
 // A chunk lives until all that was taken from it has been released, whoever does that. The first chunks of a source are
-// allocations of their own; where more are wanted they are cut from regions, whose pages the system is asked for at once
-// instead of one by one. Empty chunks and regions wait for the next reading: fresh memory costs as much as what is then
-// done with it.
+// allocations of their own; where more are wanted they are cut from regions, and the system is asked for the pages of each
+// at once. Empty chunks and regions wait for the next reading: fresh memory costs as much as what is then done with it.
 #ifndef ZR_ENV_CHUNKS_H
 #define ZR_ENV_CHUNKS_H
 
@@ -18,12 +17,13 @@ namespace zr::env {
 constexpr std::size_t ChunkSpan = 64 * 1024;
 constexpr std::size_t ChunkSize = ChunkSpan - 64;
 
-// What waits at most for the next reading: chunks of their own (4 MB) and regions of 2 MB each. The first regions are
-// kept as they are (64 MB, or 4 MB where addresses are scarce), more of them only where the system may take what is behind
-// them meanwhile: they cost nothing but addresses then.
+// What waits at most for the next reading. So many chunks of their own and regions of 2 MB are kept as they are, 4 MB and 64
+// MB (4 MB where addresses are scarce); more only where the system may take what is behind them meanwhile: they cost
+// nothing but addresses then.
 constexpr std::size_t ChunksInRegion = 32;
-constexpr std::size_t MostSpareChunks = 64;
+constexpr std::size_t ChunksKept = 64;
 constexpr std::size_t RegionsKept = sizeof(void *) == 8 ? 32 : 2;
+constexpr std::size_t MostSpareChunks = sizeof(void *) == 8 ? 4096 : 128;
 constexpr std::size_t MostSpareRegions = sizeof(void *) == 8 ? 256 : 8;
 
 struct Region;
@@ -55,6 +55,7 @@ private:
 
     unsigned m_uSingles;
     Region *m_pRegion = nullptr; // whose chunks are given out
+    bool m_bFresh = false;       // it was none that had waited
     std::size_t m_uGiven = 0;    // of it
 };
 

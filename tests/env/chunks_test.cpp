@@ -58,11 +58,19 @@ void operator delete(void *block, std::size_t, std::align_val_t) noexcept {
 namespace zr::env {
 namespace {
 
-// How many of so many regions wait for the next source.
-int RegionsThatWait(std::size_t uRegions) {
+// How many of so many chunks or regions wait for the next source.
+int ThatWait(std::size_t uCount, std::size_t uKept, std::size_t uMost) {
     std::vector<char> pages(std::size_t{1} << 16);
     const bool more = platform::ForgetContents(pages.data(), pages.size());
-    return static_cast<int>(std::min(uRegions, more ? MostSpareRegions : RegionsKept));
+    return static_cast<int>(std::min(uCount, more ? uMost : uKept));
+}
+
+int ChunksThatWait(std::size_t uChunks) {
+    return ThatWait(uChunks, ChunksKept, MostSpareChunks);
+}
+
+int RegionsThatWait(std::size_t uRegions) {
+    return ThatWait(uRegions, RegionsKept, MostSpareRegions);
 }
 
 class Chunks : public testing::Test {
@@ -155,13 +163,20 @@ TEST_F(Chunks, LastThing_HoldsItsRegion) {
 }
 
 TEST_F(Chunks, NoMoreThanSoManyWait) {
-    ChunkSource source(MostSpareChunks + 10);
-    TakeChunks(source, MostSpareChunks + 10);
+    for (const std::size_t chunks : {ChunksKept + 1, MostSpareChunks + 1}) {
+        ChunkSource source(static_cast<unsigned>(chunks));
+        TakeChunks(source, chunks);
+        source.Close();
+        ReleaseAllShuffled();
+        EXPECT_EQ(ChunksThatWait(chunks), blocks) << chunks;
+    }
+    DropSpareChunks();
     for (const std::size_t regions : {RegionsKept + 1, MostSpareRegions + 1}) {
+        ChunkSource source(0);
         TakeChunks(source, regions * ChunksInRegion);
         source.Close();
         ReleaseAllShuffled();
-        EXPECT_EQ(static_cast<int>(MostSpareChunks) + RegionsThatWait(regions), blocks) << regions;
+        EXPECT_EQ(RegionsThatWait(regions), blocks) << regions;
     }
 }
 
