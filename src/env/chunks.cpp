@@ -132,10 +132,12 @@ void ReleaseInChunk(Chunk *pChunk, std::uint32_t uCount) {
 bool ChunkSource::OpenRegion() {
     auto *pMemory = static_cast<char *>(SpareRegions.Take());
     m_bFresh = !pMemory;
-    if (!pMemory)
-        pMemory = static_cast<char *>(::operator new(kRegionSize, kAlignment, std::nothrow));
-    if (!pMemory)
+    try {
+        if (m_bFresh)
+            pMemory = static_cast<char *>(::operator new(kRegionSize, kAlignment));
+    } catch (const std::bad_alloc &) {
         return false;
+    }
     Close();
     m_pRegion = ::new (pMemory + ChunkSize) Region{{1}};
     m_uGiven = 0;

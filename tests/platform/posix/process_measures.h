@@ -11,6 +11,15 @@
 #include <pthread.h>
 #include <unistd.h>
 
+// The compilers tell of it in different ways.
+#if defined(__SANITIZE_ADDRESS__)
+#define ZR_ADDRESS_SANITIZER true
+#elif defined(__has_feature)
+#define ZR_ADDRESS_SANITIZER __has_feature(address_sanitizer)
+#else
+#define ZR_ADDRESS_SANITIZER false
+#endif
+
 struct ProcessMeasures {
     long long handles = 0;  // open descriptors
     long long mappings = 0; // pieces of the address space
@@ -19,11 +28,7 @@ struct ProcessMeasures {
     long long keys = 0;     // the next key of thread storage
 
     // The address sanitizer keeps what is freed for a while, so the address space tells nothing; it looks for leaks itself.
-#ifdef __SANITIZE_ADDRESS__
-    static constexpr bool space_tells_leaks = false;
-#else
-    static constexpr bool space_tells_leaks = true;
-#endif
+    static constexpr bool space_tells_leaks = !ZR_ADDRESS_SANITIZER;
 
     static ProcessMeasures Now() {
         ProcessMeasures now;
