@@ -1,7 +1,7 @@
 #!/bin/sh
 # Measures the data store beside its peers and prints a table: work, ours, theirs, ratio, goal. Installs the peers and what a build
-# needs when that is missing. Takes some minutes; the figures of the last run lie in build/bench/results.
-#   ./bench.sh            everything
+# needs when that is missing. The figures of the last run lie in build/bench/results.
+#   ./bench.sh            everything, about ten minutes
 #   ./bench.sh --quick    each row once: shorter, and less to be trusted
 set -eu
 cd "$(dirname "$0")"
@@ -35,7 +35,7 @@ measure() {
 }
 measure env_bench "$repetitions" 0.3
 measure env_values_bench "$repetitions" 0.3
-measure env_size_bench 1 0.3
+measure env_size_bench "$repetitions" 0.2
 
 echo "env_once ..." >&2
 models=$(mktemp -d)

@@ -9,7 +9,8 @@ set -eu
 packages="g++ cmake ninja-build"
 if [ "${1:-build}" = test ]; then
     packages="$packages g++-multilib clang-14 clang-tidy-14 clang-format-14 googletest
-              g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix lld wine wine64 git locales"
+              g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix
+              gcc-mingw-w64-i686-posix lld wine wine64 git locales"
 fi
 if [ "${1:-build}" = coverage ]; then
     packages="$packages googletest gcovr"
