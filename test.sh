@@ -1,6 +1,7 @@
 #!/bin/bash
-# Builds and tests everything on a bare Debian 12: Linux (GCC, Clang, 32 bits, sanitizers) and Windows (through Wine; of 32
-# bits the library is only built), and checks format, texts and lint. Installs what is missing. The last line counts the tests of all runs.
+# Builds and tests everything on a bare Debian 12: Linux (GCC, Clang, 32 bits, sanitizers) and Windows (through Wine; of 32 bits
+# the library as a file), and checks format, texts and lint. Installs what is missing. The last line counts the tests of all
+# runs.
 #   ./test.sh                       everything
 #   ./test.sh linux-release ...     only these presets, without the checks of the sources
 set -u
@@ -57,28 +58,20 @@ check_lint() {
         xargs -0 -n 4 -P "$jobs" clang-tidy-14 -p build/linux-asan --quiet 2>/dev/null
 }
 
-# build_preset NAME: configures and builds; false if that failed.
-build_preset() {
-    local preset=$1 log="build/$1.log"
+# run_preset NAME: configures, builds and tests, and adds what ctest itself reports to the counts.
+run_preset() {
+    local preset=$1 log="build/$1.log" summary
     section "$preset: configure and build"
     if ! cmake --preset "$preset" >"$log" 2>&1; then
         cat "$log"
         fault "$preset: configure"
-        return 1
+        return
     fi
     if ! cmake --build --preset "$preset" -j "$jobs" >"$log" 2>&1; then
         grep -vE '^\[[0-9]+/[0-9]+\] (Building|Linking|Generating)' "$log" | tail -n 60
         fault "$preset: build"
-        return 1
+        return
     fi
-}
-
-# run_preset NAME: builds and tests, and adds what ctest itself reports to the counts.
-run_preset() {
-    local preset=$1 log="build/$1.log" summary
-    build_preset "$preset" || return
-    # Wine for 64 bits runs no programs of 32.
-    [ "$preset" != windows-32 ] || return
     section "$preset: test"
     [ "$preset" != windows-release ] || keep_wine
     ctest --preset "$preset" -j "$jobs" 2>&1 | tee "$log"

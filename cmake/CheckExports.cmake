@@ -1,5 +1,5 @@
 # Fails unless the library exports exactly what the export list says.
-#   cmake -D LIBRARY=... -D NM=... -D OBJDUMP=... -D OBJECTS=<file with one object a line> -D EXPORTS=<list>
+#   cmake -D LIBRARY=... -D NM=... -D OBJDUMP=... -D OBJECTS=<file with one object a line> -D PREFIX=<of symbols> -D EXPORTS=<list>
 #         -P CheckExports.cmake
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/ExportList.cmake)
@@ -29,7 +29,7 @@ execute_process(COMMAND ${NM} --defined-only --extern-only --format=posix @${OBJ
                 COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL "[^\n]+" lines "${text}")
 foreach(line IN LISTS lines)
-  if(NOT line MATCHES "^([^ ]+) ([A-Za-z]) ")
+  if(NOT line MATCHES "^${PREFIX}([^ ]+) ([A-Za-z]) ")
     continue()
   endif()
   set(name "${CMAKE_MATCH_1}")

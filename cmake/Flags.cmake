@@ -19,3 +19,9 @@ endif()
 if(MINGW)
   add_link_options(-static)
 endif()
+
+# What stands before the names of C in the object files of a system.
+set(zrclb_symbol_prefix "")
+if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+  set(zrclb_symbol_prefix "_")
+endif()

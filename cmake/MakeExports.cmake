@@ -1,5 +1,5 @@
 # Writes the linker's export file from the export list and the symbols that the library's objects define.
-#   cmake -D NM=... -D OBJECTS=<file with one object a line> -D EXPORTS=<list> -D OUTPUT=<*.map|*.def> -P MakeExports.cmake
+#   cmake -D NM=... -D OBJECTS=<file with one object a line> -D PREFIX=<of symbols> -D EXPORTS=<list> -D OUTPUT=<*.map|*.def> -P MakeExports.cmake
 # A listed function that no object defines is left out here; the test of the library finds it missing.
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/ExportList.cmake)
@@ -13,7 +13,7 @@ string(REPLACE "\n" ";" symbols "${symbols}")
 set(code "")
 set(data "")
 foreach(line IN LISTS symbols)
-  if(NOT line MATCHES "^([^ ]+) ([A-Za-z]) ")
+  if(NOT line MATCHES "^${PREFIX}([^ ]+) ([A-Za-z]) ")
     continue()
   endif()
   set(name "${CMAKE_MATCH_1}")

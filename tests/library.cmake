@@ -6,7 +6,7 @@ endif()
 
 add_test(NAME library_exports
          COMMAND ${CMAKE_COMMAND} -D LIBRARY=$<TARGET_FILE:zrclb> -D NM=${CMAKE_NM} -D OBJDUMP=${CMAKE_OBJDUMP}
-                 -D OBJECTS=${PROJECT_BINARY_DIR}/src/objects.txt -D EXPORTS=${PROJECT_SOURCE_DIR}/cmake/exports.txt
+                 -D OBJECTS=${PROJECT_BINARY_DIR}/src/objects.txt -D PREFIX=${zrclb_symbol_prefix} -D EXPORTS=${PROJECT_SOURCE_DIR}/cmake/exports.txt
                  -P ${PROJECT_SOURCE_DIR}/cmake/CheckExports.cmake)
 add_test(NAME library_needs
          COMMAND ${CMAKE_COMMAND} -D LIBRARY=$<TARGET_FILE:zrclb> -D OBJDUMP=${CMAKE_OBJDUMP}
