@@ -1,8 +1,8 @@
 // Memory of many small things that end together: chunks that are filled from front to back and given back as a whole.
 //
 // A chunk lives until all that was taken from it has been released, whoever does that. The first chunks of a source are
-// allocations of their own; where more are wanted they are cut from regions, and the system is asked for the pages of each
-// at once. Empty chunks and regions wait for the next reading: fresh memory costs as much as what is then done with it.
+// allocations of their own; where more are wanted they are cut from regions, and in a fresh region the system is asked for
+// all pages of a chunk at once. Empty chunks and regions wait for the next reading: fresh memory costs as much as what is then done with it.
 #ifndef ZR_ENV_CHUNKS_H
 #define ZR_ENV_CHUNKS_H
 
